@@ -1,0 +1,52 @@
+// txcheck: the checks and repairs of the tool without a window, for scripts, cron and remote machines.
+#include <iostream>
+
+#include "app/settings.h"
+#include "jsonreport.h"
+#include "options.h"
+#include "session.h"
+#include "status.h"
+#include "textreport.h"
+
+namespace {
+
+// The directory of the command line, or that of the current database; none if there is no such, which has
+// been told.
+std::optional<std::string> findDirectory(const Options& options) {
+    if (options.directory)
+        return options.directory;
+    DatabaseSettings settings;
+    const char* failure = readSettings(settings);
+    if (failure == nullptr)
+        return settings.databaseDirectory.c_str();
+    std::cerr << "txcheck: " << failure << ", or give the database directory on the command line\n";
+    return std::nullopt;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    int status = statusClean;
+    const std::optional<Options> options = parseOptions(argc, argv, status);
+    if (!options)
+        return status;
+    const std::optional<std::string> directory = findDirectory(*options);
+    if (!directory)
+        return statusFailed;
+    Session session(*options);
+    if (!session.open(*directory))
+        return statusFailed;
+    session.run();
+    if (options->all)
+        session.database.showallkeys();
+    if (options->json)
+        writeJson(std::cout, session, *options);
+    else
+        writeText(std::cout, session, *options);
+    std::cout.flush();
+    if (!std::cout) {
+        std::cerr << "txcheck: The report could not be written to standard output\n";
+        return statusFailed;
+    }
+    return session.status();
+}

@@ -1,0 +1,18 @@
+// Bytes of a database on a terminal: what is valid UTF-8 and can be printed stands as it is, every other byte
+// as \xHH, so that a key can neither disturb the terminal nor look like another one.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+std::string printable(std::string_view bytes);
+
+// How many columns a printable text takes; each character counts as one.
+std::size_t columns(std::string_view text);
+
+// How many bytes the first so many columns of a printable text take.
+std::size_t bytesOf(std::string_view text, std::size_t columnCount);
+
+// The text, or as much of it as leaves room for a mark that it goes on.
+std::string shortened(std::string text, std::size_t columnCount);

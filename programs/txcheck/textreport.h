@@ -1,0 +1,9 @@
+// The result of a run as a text for a person, in 80 columns.
+#pragma once
+
+#include <ostream>
+
+#include "options.h"
+#include "session.h"
+
+void writeText(std::ostream& out, Session& session, const Options& options);

@@ -1,0 +1,94 @@
+#include "content.h"
+
+#include <array>
+
+#include "model/datafile.h"
+
+namespace {
+
+enum Purpose : std::uint64_t { keyshape = 1, keywords, valuewords, recordinteger };
+
+// No collection holds a digit and no form begins with one: the first digits of a key are its number, which is
+// why two keys are never alike.
+constexpr std::array collections = {"S-",  "K",   "VL-",     "CI ",      "ENV-", "FD",
+                                    "WW ", "BK-", "Strain ", "isolate ", "NRZ-", "Lab. "};
+constexpr std::array forms = {"", "", "", "/A", "-2", "T", ".1", " (ref)", "/17", "_b"};
+constexpr std::array words = {"blood",  "stool", "urine", "river",  "ward", "broth", "soil",  "swab",
+                              "cheese", "calf",  "plate", "repeat", "west", "clone", "typed", "frozen"};
+constexpr std::array fieldnames = {"Species", "Source", "Isolated", "Received by", "Box", "Remarks"};
+constexpr std::array<std::array<const char*, 3>, 6> typenames = {{
+    {},
+    {"PFGE-XbaI", "RAPD", "AFLP"},
+    {"API 20E", "Antibiogram", "Fatty acids"},
+    {"16S rRNA", "gyrB", "rpoD"},
+    {"DNA-DNA", "Serology", "Plate match"},
+    {"2D-PAGE 4-7", "Membrane", "Secretome"},
+}};
+
+template <typename Table> const char* pick(const Table& table, std::uint64_t random) {
+    return table[static_cast<std::size_t>(random % table.size())];
+}
+
+template <typename Table> std::string numbered(const Table& table, int index) {
+    const auto size = static_cast<int>(table.size());
+    const std::string name = table[static_cast<std::size_t>(index % size)];
+    return index < size ? name : name + " " + std::to_string(index / size + 1);
+}
+
+} // namespace
+
+// The mixing steps of SplitMix64.
+std::uint64_t Content::mix(std::uint64_t purpose, std::int64_t number) const {
+    std::uint64_t bits = (std::uint64_t{seed_} << 32) ^ (purpose << 56) ^ static_cast<std::uint64_t>(number);
+    bits += 0x9E3779B97F4A7C15U;
+    bits = (bits ^ (bits >> 30)) * 0xBF58476D1CE4E5B9U;
+    bits = (bits ^ (bits >> 27)) * 0x94D049BB133111EBU;
+    return bits ^ (bits >> 31);
+}
+
+std::string Content::lengthened(std::string text, std::int64_t number, std::size_t length) const {
+    std::uint64_t random = mix(keywords, number);
+    while (text.size() < length) {
+        text.append(" ").append(pick(words, random));
+        random >>= 4;
+    }
+    text.resize(length);
+    if (text.back() == ' ')
+        text.back() = '+';
+    return text;
+}
+
+std::string Content::key(std::int64_t number, std::size_t length) const {
+    const std::uint64_t shape = mix(keyshape, number);
+    std::string digits = std::to_string(number);
+    if ((shape & 1) != 0 && digits.size() < 5)
+        digits.insert(0, 5 - digits.size(), '0');
+    const std::string text = pick(collections, shape >> 8) + digits + pick(forms, shape >> 16);
+    if (length == 0 && (shape >> 24) % 32 == 0)
+        length = maxkeylength;
+    if (length == 0 && (shape >> 24) % 2 == 0)
+        length = 24 + (shape >> 32) % 32;
+    return length == 0 ? text : lengthened(text, number, length);
+}
+
+std::string Content::fieldvalue(std::int64_t number, int field) const {
+    const std::uint64_t shape = mix(valuewords, number * 128 + field);
+    if (shape % 8 == 0)
+        return {};
+    if (shape % 101 == 0)
+        return lengthened("Remark:", number, 200);
+    std::string text = pick(words, shape >> 8);
+    return (shape >> 16) % 2 == 0 ? text : text + " " + std::to_string((shape >> 24) % 1000);
+}
+
+std::int32_t Content::integer(std::int64_t number) const {
+    return static_cast<std::int32_t>(mix(recordinteger, number) % 100000);
+}
+
+std::string fieldname(int field) {
+    return numbered(fieldnames, field);
+}
+
+std::string typenameof(int fileclass, int t) {
+    return numbered(typenames[static_cast<std::size_t>(fileclass)], t);
+}

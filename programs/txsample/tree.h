@@ -1,0 +1,70 @@
+// The tree that is being made: writes its files with all their chunks and counts them. After a first failure
+// nothing more is written.
+#pragma once
+
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "content.h"
+#include "model/datafile.h"
+#include "sample.h"
+
+class TSXbinfile;
+
+struct SampleRecord {
+    std::string key;  // as it is to be stored, a NUL byte included
+    std::string type; // written where the class's records name their type
+    int capacity = keycapacity;
+};
+
+struct DataFile {
+    int fileclass = 0;
+    std::string name = {};                  // without extension
+    std::string type = {};                  // for the type chunk
+    std::vector<SampleRecord> records = {}; // none: no record chunk, unless a count is stated
+    int statedcount = -1;                   // written instead of the number of records
+    const char* header = nullptr;           // instead of the class's
+    const char* extension = nullptr;        // instead of the class's
+    bool brokentag = false;                 // what stands behind the last chunk is no chunk
+};
+
+struct SideFile {
+    std::string path; // below the database directory
+    std::string header;
+    int chunks = 3;
+    bool brokentag = false;
+};
+
+class SampleTree {
+public:
+    // The root exists and is empty.
+    SampleTree(std::string root, const SampleOptions& options);
+
+    void makedirectories();
+    // Returns the offset of the last record's key field.
+    int write(const DataFile& file);
+    void write(const SideFile& file);
+    // Writes the file and cuts it inside the text of its last key.
+    void writecut(const DataFile& file);
+    void writesettings();
+    void rename(const std::string& from, const std::string& to);
+    void remove(const std::string& directory);
+
+    bool failed() const { return !result.failure.empty(); }
+    static std::string nameof(const DataFile& file); // below the database directory
+
+    const SampleOptions options;
+    const Content content;
+    SampleResult result;
+
+private:
+    bool open(TSXbinfile& file, const std::string& path);
+    void close(TSXbinfile& file, const std::string& path, bool broken);
+    void check(const std::error_code& error, const char* tried, const std::string& path);
+    void writefieldnames(TSXbinfile& file) const;
+    int writerecords(TSXbinfile& file, const DataFile& data);
+    void writerecord(TSXbinfile& file, const DataFile& data, const SampleRecord& record);
+
+    std::string root_;
+};

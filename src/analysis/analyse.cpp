@@ -1,0 +1,99 @@
+// The analysis pass: what the key tables in memory and the directory tree on disk have wrong with them, as
+// the problem list and the visible keys.
+#include <algorithm>
+
+#include "analysis/problem.h"
+#include "model/database.h"
+#include "model/datafile.h"
+#include "model/exptype.h"
+#include "model/keyentry.h"
+
+void TSXdatabase::analyse() {
+    for (const auto& type : types)
+        type->filecount = type->entrycount = 0;
+    clearproblems();
+    scanallsidefiles();
+    checkdirectories();
+    for (int i = 0; i <= lastlist; ++i)
+        lists[static_cast<std::size_t>(i)]->reportinvalid(i);
+    for (int i = 0; i <= lastlist; ++i)
+        lists[static_cast<std::size_t>(i)]->reportempty(i);
+    indexfiles();
+    findduplicates();
+    findorphans();
+    showmarked();
+}
+
+void TSXdatabase::indexfiles() {
+    keytree.clear();
+    for (const auto& list : lists)
+        for (std::size_t i = 1; i < list->files.size(); ++i)
+            if (list->files[i]->valid != 0)
+                indexfile(*list->files[i]);
+    keytotal = 0;
+    keytree.flatten();
+    for (std::size_t i = 1; i < keyarray.size(); ++i)
+        keyarray[i]->shown = 0;
+}
+
+void TSXdatabase::indexfile(TSXdatafile& file) {
+    ++gettype(file.typeid_)->filecount;
+    for (std::int32_t r = 1; r <= file.keycount; ++r) {
+        const auto record = static_cast<std::size_t>(r);
+        const std::int32_t type = file.keytypes[record];
+        ++gettype(type)->entrycount;
+        keytree.findoradd(file.keys[record]).addoccurrence(type, file, r);
+    }
+}
+
+// One walk over the keys serves all types. An empty key that several experiments share is no fault: it stands
+// for experiments that are tied to no entry.
+void TSXdatabase::findduplicates() {
+    std::vector<bool> named(types.size());
+    bool blank = false;
+    for (std::size_t i = 1; i < keyarray.size(); ++i) {
+        TSXkeyentry& entry = *keyarray[i];
+        for (const TSXkeyentry::TypeList& list : entry.lists) {
+            if (list.records.size() < 2 || (entry.key.empty() && list.type != 0))
+                continue;
+            entry.shown = 1;
+            if (entry.key.empty())
+                blank = true;
+            else
+                named[static_cast<std::size_t>(list.type)] = true;
+        }
+    }
+    for (std::int32_t type = 0; type <= lasttype; ++type) {
+        if (named[static_cast<std::size_t>(type)])
+            addproblem(std::make_unique<TSXproblem>(*this, duplicatekeys, type));
+        if (type == 0 && blank)
+            addproblem(std::make_unique<TSXproblem>(*this, blankkeys, 0));
+    }
+}
+
+void TSXdatabase::findorphans() {
+    bool found = false;
+    for (std::size_t i = 1; i < keyarray.size(); ++i) {
+        if (!keyarray[i]->isorphan())
+            continue;
+        keyarray[i]->shown = 1;
+        found = true;
+    }
+    if (found)
+        addproblem(std::make_unique<TSXproblem>(*this, orphankeys, 0));
+}
+
+void TSXdatabase::showmarked() {
+    visiblekeys.resize(1);
+    for (std::int32_t i = 1; i <= keytotal; ++i)
+        if (keyarray[static_cast<std::size_t>(i)]->shown == 1)
+            visiblekeys.push_back(i);
+    visiblecount = static_cast<std::int32_t>(visiblekeys.size()) - 1;
+}
+
+void TSXdatabase::showallkeys() {
+    visiblekeys.resize(1);
+    for (std::int32_t i = 1; i <= keytotal; ++i)
+        visiblekeys.push_back(i);
+    visiblecount = keytotal;
+}

@@ -1,0 +1,212 @@
+// What each solution does to the data files, how one record gets another key, and how changes reach the disk.
+// The index that is used here is that of the last analysis.
+#include <algorithm>
+#include <map>
+
+#include "app/report.h"
+#include "model/database.h"
+#include "model/datafile.h"
+#include "model/keyentry.h"
+#include "platform/system/bytestream.h"
+#include "platform/system/directory.h"
+#include "platform/system/letters.h"
+#include "platform/system/messagebox.h"
+
+namespace {
+
+constexpr std::size_t maxcandidatelength = maxkeylength - 1;
+constexpr std::string_view suffixmark = "/#";
+
+void reporterror(const char* form, const char* subject) {
+    report(Text<2400>().format(form, subject), "Error", MB_OK | MB_ICONEXCLAMATION);
+}
+
+// Finds keys that a type doesn't use, with the lowest number that is free. Numbers once found taken are not
+// tried again, so that many duplicates of one key cost no more than they are.
+class FreeKeys {
+public:
+    FreeKeys(TSXkeytree& keytree, int keytype) : tree(keytree), type(keytype) {}
+
+    std::string next(std::string_view key) {
+        int first = 2;
+        for (int digits = 1;; ++digits) {
+            const int end = first < 10 ? 10 : first * 10;
+            std::string stem(
+                key.substr(0, maxcandidatelength - suffixmark.size() - static_cast<std::size_t>(digits)));
+            stem += suffixmark;
+            int& number = numbers.try_emplace({digits, stem}, first).first->second;
+            for (; number < end; ++number) {
+                std::string candidate = stem + std::to_string(number);
+                if (tree.findoradd(candidate).occurrences(type) == 0)
+                    return candidate;
+            }
+            first = end;
+        }
+    }
+
+private:
+    struct IgnoringCase {
+        bool operator()(const std::pair<int, std::string>& a, const std::pair<int, std::string>& b) const {
+            return a.first != b.first ? a.first < b.first : compareIgnoringCase(a.second, b.second) < 0;
+        }
+    };
+
+    TSXkeytree& tree;
+    int type;
+    // By the number's digits and the text in front of it, the lowest number that was not yet seen taken.
+    std::map<std::pair<int, std::string>, int, IgnoringCase> numbers;
+};
+
+void renamerecord(TSXdatabase& database, TSXdatafile& file, int record, int type, const std::string& key) {
+    file.setkey(record, key.c_str());
+    database.keytree.findoradd(key).addoccurrence(type, file, record);
+}
+
+} // namespace
+
+void TSXdatabase::uniquekey(std::string& text, int type) {
+    text = FreeKeys(keytree, type).next(text);
+}
+
+void TSXdatabase::removeemptyfiles(int fileclass) {
+    if (fileclass < 0 || fileclass > lastlist)
+        return;
+    TSXfilelist& list = *lists[static_cast<std::size_t>(fileclass)];
+    for (int i = 1; i <= list.count;) {
+        TSXdatafile& file = *list.files[static_cast<std::size_t>(i)];
+        if (!file.isempty()) {
+            ++i;
+            continue;
+        }
+        file.removefile();
+        list.removeat(i);
+    }
+}
+
+void TSXdatabase::foreachduplicate(int type, const std::function<void(const TSXkeyentry&, int)>& operation) {
+    if (type < 0 || type > lasttype)
+        return;
+    for (std::size_t i = 1; i < keyarray.size(); ++i) {
+        const TSXkeyentry& entry = *keyarray[i];
+        const int count = entry.key.empty() ? 0 : entry.occurrences(type);
+        for (int n = 2; n <= count; ++n)
+            operation(entry, n);
+    }
+}
+
+void TSXdatabase::removeduplicates(int type) {
+    foreachduplicate(type, [type](const TSXkeyentry& entry, int n) {
+        const Occurrence later = entry.occurrence(type, n);
+        later.file->clearkey(later.record);
+    });
+}
+
+void TSXdatabase::renameduplicates(int type) {
+    FreeKeys freekeys(keytree, type);
+    foreachduplicate(type, [&](const TSXkeyentry& entry, int n) {
+        const Occurrence later = entry.occurrence(type, n);
+        renamerecord(*this, *later.file, later.record, type, freekeys.next(entry.key));
+    });
+}
+
+void TSXdatabase::createkeys() {
+    FreeKeys freekeys(keytree, 0);
+    const TSXfilelist& list = *lists[0];
+    for (std::size_t i = 1; i < list.files.size(); ++i) {
+        TSXdatafile& file = *list.files[i];
+        for (std::int32_t r = 1; r <= file.keycount; ++r)
+            if (file.keys[static_cast<std::size_t>(r)].empty())
+                renamerecord(*this, file, r, 0, freekeys.next("dbkey"));
+    }
+}
+
+void TSXdatabase::removeexperimentkeys() {
+    for (std::size_t i = 1; i < keyarray.size(); ++i) {
+        if (!keyarray[i]->isorphan())
+            continue;
+        for (const TSXkeyentry::TypeList& list : keyarray[i]->lists)
+            for (const Occurrence& occurrence : list.records)
+                occurrence.file->clearkey(occurrence.record);
+    }
+}
+
+void TSXdatabase::adddatabaseentries() {
+    constexpr int maxadded = 100; // entries in one new file
+    auto& list = static_cast<TSXdbslist&>(*lists[0]);
+    TSXdatafile* current = nullptr;
+    for (std::size_t i = 1; i < keyarray.size(); ++i) {
+        if (!keyarray[i]->isorphan())
+            continue;
+        if (current == nullptr || current->keycount >= maxadded) {
+            const int position = list.newfile();
+            if (position == -1)
+                return; // the keys that are left stay a problem, which the next analysis tells
+            current = list.files[static_cast<std::size_t>(position)].get();
+        }
+        current->addentry(keyarray[i]->key.c_str());
+    }
+}
+
+int TSXdatabase::createdirectory(const char* fullpath) {
+    if (CreateDirectoryA(fullpath) != 0)
+        return 1;
+    reporterror("Unable to create the directory '%s'", fullpath);
+    return 0;
+}
+
+int TSXdatabase::deletecorruptfile(int fileclass, int position) {
+    if (fileclass < 0 || fileclass > lastlist)
+        return 0;
+    TSXfilelist& list = *lists[static_cast<std::size_t>(fileclass)];
+    if (position < 1 || position > list.count)
+        return 0;
+    if (deletefile(list.files[static_cast<std::size_t>(position)]->path) == 0)
+        return 0;
+    list.removeat(position);
+    return 1;
+}
+
+int TSXdatabase::deletefile(const char* fullpath) {
+    if (removeFile(fullpath))
+        return 1;
+    reporterror("Unable to remove the file '%s'", fullpath);
+    return 0;
+}
+
+int TSXdatabase::changekey(TSXkeyentry& entry, int type, int n, const char* text) {
+    if (equalIgnoringCase(text, entry.key))
+        return 0;
+    if (std::string_view(text).size() > maxkeylength) {
+        report(Text<100>().format("The new key is too long: a key has at most %d bytes. Nothing was changed",
+                                  maxkeylength),
+               "Error", MB_OK | MB_ICONEXCLAMATION);
+        return -1;
+    }
+    const Occurrence moved = entry.occurrence(type, n);
+    if (moved.file == nullptr)
+        return -1;
+    TSXkeyentry& target = findoraddkey(text);
+    if (target.occurrences(type) > 0 && report(type == 0 ? "This database entry exists already. Continue?"
+                                                         : "This experiment exists already. Continue?",
+                                               "Warning", MB_YESNO | MB_ICONEXCLAMATION) != IDYES)
+        return -1;
+    entry.removeoccurrence(type, n);
+    target.addoccurrence(type, *moved.file, moved.record);
+    moved.file->setkey(moved.record, text);
+    return 1;
+}
+
+int TSXdatabase::ismodified() const {
+    for (const auto& list : lists)
+        for (std::size_t i = 1; i < list->files.size(); ++i)
+            if (list->files[i]->anydirty() == 1)
+                return 1;
+    return 0;
+}
+
+void TSXdatabase::saveall() {
+    for (const auto& list : lists)
+        for (std::size_t i = 1; i < list->files.size(); ++i)
+            list->files[i]->writeback();
+    flushToDisk();
+}

@@ -1,0 +1,19 @@
+// The marker file of a database, whose open handle is the lock that keeps a second program off, and the sign
+// of a connected database beside it.
+#pragma once
+
+#include <string>
+
+#include "platform/system/hold.h"
+
+// Takes exclusive hold of the marker file open_db.txf in the database directory and makes it if it is
+// missing. INVALID_HANDLE_VALUE on failure; lockFailureText then says why.
+HANDLE openMarker(const char* databaseDirectory);
+
+// What to tell the person after a failed openMarker, with the number and text of the last error.
+std::string lockFailureText();
+
+// 1 if a connected database, a plain file *.xdb, lies in the directory, else 0.
+int hasConnectedDatabase(const char* databaseDirectory);
+
+extern const char* const connectedDatabaseText; // the warning about it, which ends in a question

@@ -1,0 +1,26 @@
+#include "app/report.h"
+
+#include <cstdio>
+#include <utility>
+
+#include "platform/system/messagebox.h"
+
+namespace {
+
+int reportToStandardError(const char* text, const char* title, std::uint32_t flags) {
+    std::fprintf(stderr, "%s: %s\n", title, text);
+    constexpr std::uint32_t buttons = 0x0F;
+    return (flags & buttons) == MB_OK ? IDOK : IDNO;
+}
+
+ReportOperation operation = reportToStandardError;
+
+} // namespace
+
+void setReport(ReportOperation newOperation) {
+    operation = newOperation ? std::move(newOperation) : reportToStandardError;
+}
+
+int report(const char* text, const char* title, std::uint32_t flags) {
+    return operation(text, title, flags);
+}

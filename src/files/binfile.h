@@ -1,0 +1,68 @@
+// The chunked binary file under every file of a database: chunk frames, two string encodings and one integer
+// encoding. A failure is one line in the log and a result; what it means for the file is the caller's to
+// decide.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/system/bytestream.h"
+#include "platform/system/cobject.h"
+#include "platform/system/text.h"
+
+constexpr int tagBufferSize = 5;
+
+// Unless a line says otherwise an operation returns 1 on success and 0 on failure.
+class TSXbinfile : public CObject {
+public:
+    TSXbinfile() = default;
+    ~TSXbinfile() override;
+
+    // 1 opened; 0 could not be opened; -1 this object is open already, and stays open on its old file.
+    int openread(const char* path);   // an existing file
+    int openwrite(const char* path);  // a new file, or an existing one emptied
+    int openupdate(const char* path); // an existing file, to be changed in place
+    void close();
+
+    // All count bytes or failure; 0 bytes is a failure. Bytes of a short read stay in the buffer.
+    int blockread(void* bytes, int count);
+    int blockwrite(const void* bytes, int count);
+
+    int seek(std::int64_t position); // 0 on success, else not: the one operation whose 0 is success
+    std::int32_t tell() const;       // -1 where the position is beyond what 32 bits hold
+    int iseof() const;               // non-zero once a read has asked for more than there was
+
+    // 1: a frame was read and the stream stands at the chunk's body; 0: end of file; -1: no frame stands
+    // here.
+    int readtag(char tag[tagBufferSize]);
+    // Leaves the last chunk read by its end. 1; 0 when that end is negative and the stream stands where it
+    // stood; -1 when that end does not lead on, so that the walk has to end.
+    int skipchunk();
+
+    int readint(std::int32_t& number); // not touched on failure
+    // Text of at most capacity - 1 bytes, up to its first NUL; "???" on failure.
+    int readstring(std::string& text,
+                   int capacity); // a counted string; what exceeds the capacity is left unread
+    int readfield(std::string& text, int capacity); // a field string
+
+    int writetag(const char* tag); // opens a chunk; always 1
+    int endtag();                  // closes it; always 1
+    int writeint(std::int32_t number);
+    int writestring(const char* text);
+    int writefield(const char* text, int capacity);
+
+private:
+    int open(const char* path, OpenMode mode);
+    int readlength(std::int32_t& length, int capacity);
+    int readtext(std::string& text, std::int32_t length);
+    int endread(std::string& text, std::int32_t length, int lengthread, int textread);
+    int writebytes(const std::string& bytes);
+
+    std::int32_t openflag = 0;
+    std::int32_t chunkend = 0;
+    std::int32_t endposition = 0; // where the end field of the chunk that is being written stands
+    Text<200> filename = "???";   // for messages only
+    ByteStream stream;
+    std::int64_t frameend = 0; // where the body of the last chunk read begins
+    bool endknown = false;     // whether that chunk's end could be read
+};

@@ -1,0 +1,100 @@
+// The whole model of one database: file lists, experiment types, key index, key arrays and problem list. Its
+// operations are in database.cpp and sidefiles.cpp beside it, and in problemlist.cpp, analyse.cpp and
+// repairs.cpp of analysis.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "model/filelist.h"
+#include "model/keytree.h"
+#include "platform/system/cobject.h"
+#include "platform/system/text.h"
+
+class TSXdatafile;
+class TSXexptype;
+class TSXkeyentry;
+class TSXproblem;
+
+constexpr int maxtypes = 200; // besides type 0
+
+class TSXdatabase : public CObject {
+public:
+    explicit TSXdatabase(const char* productdata); // touches no file
+    ~TSXdatabase() override;
+
+    // Reads the tree and analyses it. Runs once.
+    void load(const char* directorytext);
+    // The index of the type of that name, ignoring case, in that class, made if missing. With 200 types
+    // there, the last.
+    int addexptype(int fileclass, const char* name);
+    TSXexptype* gettype(int index) const;            // none unless index is from 0 to lasttype
+    TSXkeyentry* getvisiblekey(int index) const;     // none unless index is from 1 to visiblecount
+    TSXkeyentry& findoraddkey(std::string_view key); // a new one goes to the end of both key arrays
+
+    // Problems, from 1 to problemcount.
+    void addproblem(std::unique_ptr<TSXproblem> problem);
+    TSXproblem* getproblem(int index) const; // none if out of range
+    void clearproblems();
+
+    // Adds a problem for each damaged file with that extension in a directory relative to the database's.
+    void scansidefiles(const char* relative, const char* extension, const char* header);
+    void checkdirectory(const char* fullpath); // adds a problem if it can't be entered
+    // Rebuilds the index, the counts, the visible keys and the problem list from memory; looks at the disk
+    // only for side files and directories. Pointers to problems and keys from before are invalid behind it.
+    void analyse();
+    void showallkeys(); // makes every key visible until the next pass
+
+    // Repairs. They leave the data files right; an analysis has to follow. Deleting and making happen at once
+    // on disk, keys change in memory. Results: 1 success, 0 failure, which has been reported.
+    void removeemptyfiles(int fileclass);
+    void removeduplicates(int type);
+    void renameduplicates(int type);
+    void createkeys();
+    void removeexperimentkeys();
+    void adddatabaseentries();
+    int createdirectory(const char* fullpath);
+    int deletecorruptfile(int fileclass, int position);
+    int deletefile(const char* fullpath);
+    void uniquekey(std::string& text, int type); // replaces the text by a key that the type does not use yet
+    // Moves occurrence n of the entry in a type to another key; asks where that is in use there. 1 moved; 0
+    // nothing to do, the text is the entry's key; -1 refused, by the person, for its length or because there
+    // is no such occurrence.
+    int changekey(TSXkeyentry& entry, int type, int n, const char* text);
+
+    int ismodified() const; // 1 if any record differs from the disk, else 0
+    void saveall();         // writes every changed key to disk, and asks the system to put it there
+
+    Text<600> datapath;
+    Text<600> directory; // every path of the tree starts from it
+    std::int32_t lastlist = 0;
+    std::vector<std::unique_ptr<TSXfilelist>> lists; // by file class, from 0 to lastlist
+    std::int32_t lasttype = 0;
+    std::vector<std::unique_ptr<TSXexptype>> types; // from 0, "Database", to lasttype
+    TSXkeytree keytree;
+    std::int32_t keytotal = 0;
+    std::int32_t visiblecount = 0;
+    std::vector<TSXkeyentry*> keyarray;    // all keys in order, from 1 to keytotal
+    std::vector<std::int32_t> visiblekeys; // indices into keyarray, from 1 to visiblecount
+    std::int32_t problemcount = 0;
+    std::vector<std::unique_ptr<TSXproblem>> problems; // from 1 to problemcount; slot 0 holds nothing
+
+    std::function<void(const TSXdatafile&)>
+        fileread; // called, where set, behind each data file that load has read
+
+private:
+    void scanallsidefiles();
+    void scanlibraries();
+    void checkdirectories();
+    void indexfiles();
+    void indexfile(TSXdatafile& file);
+    void findduplicates();
+    void findorphans();
+    void showmarked();
+    // For each later occurrence, from number 2 on, of each key in that type.
+    void foreachduplicate(int type, const std::function<void(const TSXkeyentry&, int)>& operation);
+};

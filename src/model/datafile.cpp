@@ -1,0 +1,128 @@
+#include "model/datafile.h"
+
+#include <algorithm>
+
+#include "app/log.h"
+#include "app/report.h"
+#include "files/binfile.h"
+#include "model/database.h"
+#include "model/fileclass.h"
+#include "platform/system/bytestream.h"
+#include "platform/system/messagebox.h"
+
+constexpr int headercapacity = 100;
+
+TSXdatafile::TSXdatafile(TSXdatabase& owner, TSXfilelist& holder, const char* basename,
+                         std::int32_t fileclass)
+    : database(owner), list(holder), name(basename), classid(fileclass) {
+    const FileClass& format = fileclasses[classid];
+    logLine(Text<700>().format("   found %s file '%s'", format.foundlabel, basename));
+    path.format("%s/%s/%s.%s", database.directory.c_str(), format.directory, basename, format.extension);
+}
+
+void TSXdatafile::setkey(int i, const char* text) {
+    if (i < 1 || i > keycount)
+        return;
+    const auto record = static_cast<std::size_t>(i);
+    keys[record] = text;
+    keydirty[record] = 1;
+}
+
+void TSXdatafile::clearkey(int i) {
+    setkey(i, "");
+}
+
+void TSXdatafile::addentry(const char* text) {
+    if (keycount >= maxrecords)
+        return;
+    ++keycount;
+    const auto size = static_cast<std::size_t>(keycount) + 1;
+    keys.resize(size);
+    keytypes.resize(size, typeid_);
+    keypos.resize(size, -1);
+    keydirty.resize(size);
+    setkey(keycount, text);
+}
+
+int TSXdatafile::anydirty() const {
+    return std::find(keydirty.begin(), keydirty.end(), 1) != keydirty.end() ? 1 : 0;
+}
+
+void TSXdatafile::writeback() {
+    if (anydirty() == 0)
+        return;
+    if (ondisk == 0) {
+        writewhole();
+        return;
+    }
+    TSXbinfile file;
+    if (file.openupdate(path) != 1) {
+        report(Text<1100>().format("Could not write in file '%s'", path.c_str()), "Error",
+               MB_OK | MB_ICONEXCLAMATION);
+        return;
+    }
+    for (std::size_t i = 1; i < keys.size(); ++i) {
+        if (keydirty[i] != 1 || keypos[i] <= 0)
+            continue;
+        file.seek(keypos[i]);
+        file.writefield(keys[i].c_str(), keycapacity);
+        keydirty[i] = 0;
+    }
+    file.close();
+}
+
+int TSXdatafile::removefile() {
+    return removeFile(path) ? 0 : -1;
+}
+
+void TSXdatafile::writewhole() {}
+
+int TSXdatafile::openwithheader(TSXbinfile& file) {
+    if (file.openread(path) != 1)
+        return 0;
+    std::string header;
+    file.readstring(header, headercapacity);
+    if (header == fileclasses[classid].header)
+        return 1;
+    if (const char* line = fileclasses[classid].headerline; *line != '\0')
+        logLine(line);
+    file.close();
+    return -1;
+}
+
+void TSXdatafile::readchunks(TSXbinfile& file) {
+    char tag[tagBufferSize];
+    int result = 1;
+    do {
+        result = file.readtag(tag);
+        if (result != 1)
+            break;
+        const int taken = readchunk(file, tag);
+        if (taken == -1) {
+            file.close();
+            return;
+        }
+        if (taken == 0)
+            result = file.skipchunk();
+    } while (result != -1 && file.iseof() == 0);
+    file.close();
+    ondisk = 1;
+    valid = result == -1 ? 0 : 1;
+}
+
+int TSXdatafile::readcount(TSXbinfile& file) {
+    std::int32_t count = 0;
+    file.readint(count);
+    const bool usable = count >= 1 && count <= maxrecords;
+    maketable(usable ? count : 0);
+    return usable ? 1 : -1;
+}
+
+void TSXdatafile::maketable(std::int32_t count) {
+    const auto size = static_cast<std::size_t>(count) + 1;
+    keycount = count;
+    keys.assign(size, {});
+    keytypes.assign(size, 0);
+    keypos.assign(size, 0);
+    keydirty.assign(size, 0);
+}

@@ -1,0 +1,66 @@
+// One data file's key table in memory: the keys of its records, their types and where each stands on disk.
+// Reading the file is the constructor's work and never fails; valid and ondisk tell what was found. Changed
+// keys are written back in place, and nothing else of the file is touched.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/system/cobject.h"
+#include "platform/system/text.h"
+
+class TSXbinfile;
+class TSXdatabase;
+class TSXfilelist;
+
+constexpr int maxrecords = 1000;
+constexpr int keycapacity = 61; // of a key field: 60 bytes of text and a terminator
+constexpr int maxkeylength = keycapacity - 1;
+
+class TSXdatafile : public CObject {
+public:
+    TSXdatafile(TSXdatabase& owner, TSXfilelist& holder, const char* basename, std::int32_t fileclass);
+
+    // Gives record i another key of at most 60 bytes and marks it changed. Out of 1 to keycount nothing
+    // happens.
+    void setkey(int i, const char* text);
+    void clearkey(int i); // the same with the empty key
+    // Adds a record that is not on disk yet; with 1000 records nothing happens.
+    void addentry(const char* text);
+    int anydirty() const; // 1 if a record differs from the disk, else 0
+    // Brings the disk up to date. A file that can't be opened is reported, and its records stay changed.
+    void writeback();
+    bool isempty() const { return valid == 1 && keycount == 0; }
+    int removefile(); // deletes the file: 0 on success, -1 on failure; the object stays as it was
+    virtual void
+    writewhole(); // writes a file that is not on disk yet; only for classes that can be made anew
+
+    TSXdatabase& database;
+    TSXfilelist& list;
+    Text<600> name; // base name: no directory, no extension
+    Text<1000> path;
+    std::int32_t classid;
+    std::int32_t typeid_ = 0; // the file's own experiment type
+    // The records, from 1 to keycount; slot 0 holds nothing. A record never leaves the table.
+    std::int32_t keycount = 0;
+    std::vector<std::string> keys;      // a key may be empty
+    std::vector<std::int32_t> keytypes; // experiment type of each record
+    std::vector<std::int32_t> keypos;   // offset of the key field; -1 for a record that is not on disk
+    std::vector<std::int32_t> keydirty; // 1 if the key differs from the disk
+    std::int32_t valid = 0;             // 1 if the file is usable
+    std::int32_t ondisk = 0;            // 1 if the file can be updated in place
+
+protected:
+    // Opens the file and tests its header: 1; 0 not opened; -1 wrong header, and the file is closed again.
+    int openwithheader(TSXbinfile& file);
+    // Walks the chunks of an open file, closes it and sets the flags. A reader takes the body of each chunk.
+    void readchunks(TSXbinfile& file);
+    // Takes what the class knows of the chunk. 1: read on behind what was taken; 0: leave the chunk by its
+    // end; -1: the file is refused.
+    virtual int readchunk(TSXbinfile& file, const char* tag) = 0;
+    // Reads a record count and makes the table: 1; -1 if it is not from 1 to 1000, and the table is empty.
+    int readcount(TSXbinfile& file);
+    void maketable(std::int32_t count);
+};

@@ -1,0 +1,83 @@
+#include "model/dbsfile.h"
+
+#include <cstring>
+
+#include "app/log.h"
+#include "app/report.h"
+#include "files/binfile.h"
+#include "model/fileclass.h"
+#include "platform/system/messagebox.h"
+
+namespace {
+
+constexpr int valuecapacity = 300; // of field names and field values, which are read only to be passed over
+
+// Behind the end of the file there is nothing to pass over, however many values are announced.
+void passstrings(TSXbinfile& file, std::int32_t count) {
+    std::string discarded;
+    for (std::int32_t i = 0; i < count && file.iseof() == 0; ++i)
+        file.readstring(discarded, valuecapacity);
+}
+
+} // namespace
+
+TSXdbsfile::TSXdbsfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename)
+    : TSXdatafile(owner, holder, basename, 0) {
+    TSXbinfile file;
+    const int opened = openwithheader(file);
+    if (opened == 0)
+        valid = 1;
+    if (opened == 1)
+        readchunks(file);
+}
+
+int TSXdbsfile::readchunk(TSXbinfile& file, const char* tag) {
+    if (std::strcmp(tag, "FLD") == 0)
+        return readfields(file);
+    if (std::strcmp(tag, fileclasses[classid].recordtag) == 0)
+        return readentries(file);
+    return 0;
+}
+
+int TSXdbsfile::readfields(TSXbinfile& file) {
+    fieldcount = 0;
+    file.readint(fieldcount);
+    passstrings(file, fieldcount);
+    return 1;
+}
+
+int TSXdbsfile::readentries(TSXbinfile& file) {
+    if (readcount(file) == -1)
+        return -1;
+    for (std::size_t i = 1; i < keys.size(); ++i) {
+        keypos[i] = file.tell();
+        file.readfield(keys[i], keycapacity);
+        passstrings(file, fieldcount);
+        logLine(Text<100>().format("%s%s", fileclasses[classid].recordindent, keys[i].c_str()));
+    }
+    return 1;
+}
+
+void TSXdbsfile::writewhole() {
+    TSXbinfile file;
+    if (file.openwrite(path) != 1) {
+        report(Text<1100>().format("Could not write to file '%s'", path.c_str()), "Error",
+               MB_OK | MB_ICONEXCLAMATION);
+        return;
+    }
+    file.writestring(fileclasses[classid].header);
+    file.writetag("FLD");
+    file.writeint(0);
+    file.endtag();
+    file.writetag(fileclasses[classid].recordtag);
+    file.writeint(keycount);
+    for (std::size_t i = 1; i < keys.size(); ++i) {
+        keypos[i] = file.tell();
+        file.writefield(keys[i].c_str(), keycapacity);
+        keydirty[i] = 0;
+    }
+    file.endtag();
+    file.close();
+    valid = 1;
+    ondisk = 1;
+}

@@ -1,0 +1,22 @@
+// A .DBS file: up to 1000 database entries. The only class of data file that the tool can also make anew.
+#pragma once
+
+#include "model/datafile.h"
+
+class TSXdbsfile : public TSXdatafile {
+public:
+    // Reads DBASE/basename.DBS. A file that can't be opened is a new one: valid, not on disk, without
+    // records.
+    TSXdbsfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename);
+    // Writes the whole file with no fields. A file that can't be made is reported, and nothing changes.
+    void writewhole() override;
+
+protected:
+    int readchunk(TSXbinfile& file, const char* tag) override;
+
+private:
+    int readfields(TSXbinfile& file);
+    int readentries(TSXbinfile& file);
+
+    std::int32_t fieldcount = 0; // of each entry
+};

@@ -1,0 +1,58 @@
+#include "model/deffile.h"
+
+#include <cstring>
+
+#include "app/log.h"
+#include "files/binfile.h"
+#include "model/database.h"
+
+TSXdeffile::TSXdeffile(TSXdatabase& owner, TSXfilelist& holder, const char* basename, int fileclass)
+    : TSXdatafile(owner, holder, basename, fileclass), format(fileclasses[fileclass]) {
+    TSXbinfile file;
+    if (openwithheader(file) == 1)
+        readchunks(file);
+}
+
+int TSXdeffile::readchunk(TSXbinfile& file, const char* tag) {
+    const bool typechunk = *format.typetag != '\0';
+    if (typechunk && std::strcmp(tag, format.typetag) == 0) {
+        typeid_ = readtype(file);
+        return 1;
+    }
+    if (std::strcmp(tag, format.recordtag) != 0)
+        return 0;
+    return typechunk ? readrecords(file) : readsinglerecord(file);
+}
+
+std::int32_t TSXdeffile::readtype(TSXbinfile& file) {
+    std::string typetext;
+    file.readfield(typetext, keycapacity);
+    return database.addexptype(classid, typetext.c_str());
+}
+
+int TSXdeffile::readrecords(TSXbinfile& file) {
+    if (readcount(file) == -1)
+        return -1;
+    for (std::size_t i = 1; i < keys.size(); ++i)
+        readrecord(file, i);
+    return 1;
+}
+
+// The one class without a count: its chunk is left by its end, since there is more behind the record.
+int TSXdeffile::readsinglerecord(TSXbinfile& file) {
+    maketable(1);
+    readrecord(file, 1);
+    typeid_ = keytypes[1];
+    return 0;
+}
+
+void TSXdeffile::readrecord(TSXbinfile& file, std::size_t i) {
+    keypos[i] = file.tell();
+    file.readfield(keys[i], keycapacity);
+    keytypes[i] = format.recordtypes ? readtype(file) : typeid_;
+    for (int n = 0; n < format.recordintegers; ++n) {
+        std::int32_t discarded;
+        file.readint(discarded);
+    }
+    logLine(Text<100>().format("%s%s | %d", format.recordindent, keys[i].c_str(), keytypes[i]));
+}

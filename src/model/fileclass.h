@@ -1,0 +1,24 @@
+// The six file classes as a table: 0 the database entries, 1 to 5 the experiments. The number is the index of
+// the file list, the class of a file and of an experiment type.
+#pragma once
+
+constexpr int fileclasscount = 6;
+
+struct FileClass {
+    const char* directory;    // below the database directory
+    const char* extension;    // without a point
+    const char* header;       // the counted string at the start of a data file
+    const char* typetag;      // the chunk with the name of the file's type; empty where there is none
+    const char* recordtag;    // the chunk with the records
+    const char* scanlabel;    // in "*** Scanning %s files at %s ***"
+    const char* foundlabel;   // in "   found %s file '%s'"
+    const char* recordindent; // the blanks before a record's line in the log
+    const char* headerline;   // the line in the log for a wrong header; empty for none
+    bool recordtypes;         // each record names its own type
+    int recordintegers;       // integers behind a record's key and type
+    const char* emptylabel;   // the class in the message about empty files
+    const char* damagelabel;  // the class in the message about a corrupted file; empty where none is known
+    const char* sideheader;   // the header of the class's .CNF files; empty where there are none
+};
+
+extern const FileClass fileclasses[fileclasscount];

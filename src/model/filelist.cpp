@@ -1,0 +1,107 @@
+#include "model/filelist.h"
+
+#include <cstring>
+#include <string>
+#include <unordered_set>
+
+#include "analysis/problem.h"
+#include "app/log.h"
+#include "files/finder.h"
+#include "model/database.h"
+#include "model/dbsfile.h"
+#include "model/deffile.h"
+#include "model/fileclass.h"
+#include "platform/system/letters.h"
+#include "platform/system/path.h"
+
+namespace {
+
+template <class File>
+std::unique_ptr<TSXdatafile> make(TSXdatabase& database, TSXfilelist& list, const char* basename) {
+    return std::make_unique<File>(database, list, basename);
+}
+
+using Maker = std::unique_ptr<TSXdatafile> (*)(TSXdatabase&, TSXfilelist&, const char*);
+
+constexpr Maker makers[fileclasscount] = {make<TSXdbsfile>, make<TSXgelfile>,  make<TSXcharfile>,
+                                          make<TSXseqfile>, make<TSXpairfile>, make<TSXgel2dfile>};
+
+std::string smallLetters(std::string_view text) {
+    std::string result;
+    for (const char byte : text)
+        result.push_back(static_cast<char>(smallLetter(byte)));
+    return result;
+}
+
+} // namespace
+
+TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass) : database(owner), files(1) {
+    const FileClass& format = fileclasses[fileclass];
+    Text<700> pattern;
+    pattern.format("%s/%s/*.%s", database.directory.c_str(), format.directory, format.extension);
+    logLine(Text<800>().format("*** Scanning %s files at %s ***", format.scanlabel, pattern.c_str()));
+    TSXfinder finder;
+    for (int match = finder.findfirst(pattern); match != 0; match = finder.findnext()) {
+        if (finder.entrykind != TSXfinder::file || count >= maxfiles)
+            continue;
+        std::string basename = finder.entryname.c_str();
+        basename.resize(basename.size() - std::strlen(format.extension) - 1);
+        addfile(makers[fileclass](database, *this, basename.c_str()));
+        if (database.fileread)
+            database.fileread(*files.back());
+    }
+    finder.findclose();
+}
+
+TSXfilelist::~TSXfilelist() = default;
+
+void TSXfilelist::addfile(std::unique_ptr<TSXdatafile> file) {
+    files.push_back(std::move(file));
+    ++count;
+}
+
+void TSXfilelist::removeat(int position) {
+    files.erase(files.begin() + position);
+    --count;
+}
+
+void TSXfilelist::reportinvalid(int fileclass) {
+    for (int i = 1; i <= count; ++i) {
+        const TSXdatafile& file = *files[static_cast<std::size_t>(i)];
+        if (file.valid == 1)
+            continue;
+        auto problem = std::make_unique<TSXproblem>(database, corruptdatafile, fileclass, file.name);
+        problem->fileindex = i;
+        database.addproblem(std::move(problem));
+    }
+}
+
+void TSXfilelist::reportempty(int fileclass) {
+    for (std::size_t i = 1; i < files.size(); ++i) {
+        if (!files[i]->isempty())
+            continue;
+        database.addproblem(std::make_unique<TSXproblem>(database, emptyfiles, fileclass));
+        return;
+    }
+}
+
+int TSXdbslist::newfile() {
+    if (count >= maxfiles)
+        return -1;
+    std::unordered_set<std::string> taken;
+    for (std::size_t i = 1; i < files.size(); ++i)
+        taken.insert(smallLetters(files[i]->name.view()));
+    const FileClass& format = fileclasses[0];
+    Text<20> name;
+    int number = 1;
+    // A file of that name may stand on the disk without being in the list: beyond its limit, or as a
+    // directory.
+    while (taken.count(smallLetters(name.format("DBSF%03d", number).view())) != 0 ||
+           pathExists(Text<700>()
+                          .format("%s/%s/%s.%s", database.directory.c_str(), format.directory, name.c_str(),
+                                  format.extension)
+                          .view()))
+        ++number;
+    addfile(makers[0](database, *this, name));
+    return count;
+}

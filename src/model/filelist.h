@@ -1,0 +1,67 @@
+// The data files of one file class in the order in which the directory search gives them. Making a list scans
+// the class's directory and reads every file there.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "platform/system/cobject.h"
+
+class TSXdatabase;
+class TSXdatafile;
+
+constexpr int maxfiles = 3000;
+
+class TSXfilelist : public CObject {
+public:
+    TSXfilelist(TSXdatabase& owner, int fileclass);
+    ~TSXfilelist() override;
+
+    // Adds a problem of kind 6 for each invalid file.
+    void reportinvalid(int fileclass);
+    // Adds one problem of kind 1 if any valid file has no record.
+    void reportempty(int fileclass);
+    // Takes the file at that position, from 1 to count, out of the list; later ones move one place down.
+    void removeat(int position);
+
+    TSXdatabase& database;
+    std::int32_t count = 0;                          // at most maxfiles
+    std::vector<std::unique_ptr<TSXdatafile>> files; // from 1 to count; slot 0 holds nothing
+
+protected:
+    void addfile(std::unique_ptr<TSXdatafile> file);
+};
+
+class TSXdbslist : public TSXfilelist {
+public:
+    explicit TSXdbslist(TSXdatabase& owner) : TSXfilelist(owner, 0) {}
+    // Makes a new empty file with the lowest number DBSF001, DBSF002 … that neither the list nor the disk
+    // knows. Its position, or -1 if the list is full.
+    int newfile();
+};
+
+class TSXgellist : public TSXfilelist {
+public:
+    explicit TSXgellist(TSXdatabase& owner) : TSXfilelist(owner, 1) {}
+};
+
+class TSXcharlist : public TSXfilelist {
+public:
+    explicit TSXcharlist(TSXdatabase& owner) : TSXfilelist(owner, 2) {}
+};
+
+class TSXseqlist : public TSXfilelist {
+public:
+    explicit TSXseqlist(TSXdatabase& owner) : TSXfilelist(owner, 3) {}
+};
+
+class TSXpairlist : public TSXfilelist {
+public:
+    explicit TSXpairlist(TSXdatabase& owner) : TSXfilelist(owner, 4) {}
+};
+
+class TSXgel2dlist : public TSXfilelist {
+public:
+    explicit TSXgel2dlist(TSXdatabase& owner) : TSXfilelist(owner, 5) {}
+};

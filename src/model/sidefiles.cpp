@@ -1,0 +1,120 @@
+// What the database looks at on disk anew in each analysis: the outer form of the side files, which it
+// doesn't interpret, and the directories of the tree.
+#include <cstring>
+#include <string>
+
+#include "analysis/problem.h"
+#include "app/log.h"
+#include "files/binfile.h"
+#include "files/finder.h"
+#include "model/database.h"
+#include "model/fileclass.h"
+#include "platform/system/directory.h"
+
+namespace {
+
+constexpr const char* rawheaders[] = {"TX-COMP-v1.0", "TX-BUNDLE-v01.0", "TX-LIB-v1.0"};
+constexpr int headercapacity = 100;
+
+bool israw(const char* header) {
+    for (const char* raw : rawheaders)
+        if (std::strcmp(raw, header) == 0)
+            return true;
+    return false;
+}
+
+bool hasheader(TSXbinfile& file, const char* header) {
+    std::string found;
+    if (israw(header)) {
+        found.assign(std::strlen(header), ' ');
+        file.blockread(found.data(), static_cast<int>(found.size()));
+    } else {
+        file.readstring(found, headercapacity);
+    }
+    return found == header;
+}
+
+// Walks from chunk frame to chunk frame without reading a body.
+bool haschunks(TSXbinfile& file) {
+    char tag[tagBufferSize];
+    int result = 1;
+    while (result != -1 && file.iseof() == 0) {
+        result = file.readtag(tag);
+        if (result == 0)
+            return true;
+        if (result == 1)
+            result = file.skipchunk();
+    }
+    return result != -1;
+}
+
+// What is wrong with a side file, in the words of the log; none if it is sound.
+const char* finddamage(const char* path, const char* header) {
+    TSXbinfile file;
+    if (file.openread(path) != 1)
+        return "could not open";
+    const char* damage = nullptr;
+    if (!hasheader(file, header))
+        damage = "invalid header";
+    else if (!haschunks(file))
+        damage = "invalid tag";
+    file.close();
+    return damage;
+}
+
+} // namespace
+
+void TSXdatabase::scansidefiles(const char* relative, const char* extension, const char* header) {
+    Text<1200> pattern;
+    pattern.format("%s/%s/*.%s", directory.c_str(), relative, extension);
+    logLine(Text<1300>().format("*** Scanning corrupt files at %s ***", pattern.c_str()));
+    TSXfinder finder;
+    for (int match = finder.findfirst(pattern); match != 0; match = finder.findnext()) {
+        if (finder.entrykind != TSXfinder::file)
+            continue;
+        Text<1200> path;
+        path.format("%s/%s/%s", directory.c_str(), relative, finder.entryname.c_str());
+        logLine(Text<1300>().format("   found file '%s'", path.c_str()));
+        const char* damage = finddamage(path, header);
+        if (damage == nullptr)
+            continue;
+        logLine(Text<60>().format("        ! corrupt: %s", damage));
+        addproblem(std::make_unique<TSXproblem>(*this, corruptsidefile, 0, path));
+    }
+    finder.findclose();
+}
+
+void TSXdatabase::scanallsidefiles() {
+    for (const FileClass& experiments : fileclasses)
+        if (*experiments.sideheader != '\0')
+            scansidefiles(experiments.directory, "CNF", experiments.sideheader);
+    scansidefiles(".", "CMP", rawheaders[0]);
+    scanlibraries();
+}
+
+void TSXdatabase::scanlibraries() {
+    Text<700> pattern;
+    pattern.format("%s/Library/*.LIB", directory.c_str());
+    logLine(Text<800>().format("*** Scanning library directories at %s ***", pattern.c_str()));
+    TSXfinder finder;
+    for (int match = finder.findfirst(pattern); match != 0; match = finder.findnext())
+        if (finder.entrykind == TSXfinder::directory)
+            scansidefiles(Text<420>().format("Library/%s", finder.entryname.c_str()), "CMP", rawheaders[0]);
+    finder.findclose();
+}
+
+void TSXdatabase::checkdirectory(const char* fullpath) {
+    const std::string remembered = GetCurrentDirectoryA();
+    const int entered = SetCurrentDirectoryA(fullpath);
+    SetCurrentDirectoryA(remembered.c_str());
+    if (entered == 0)
+        addproblem(std::make_unique<TSXproblem>(*this, missingdirectory, 1, fullpath));
+}
+
+void TSXdatabase::checkdirectories() {
+    constexpr const char* below[] = {"dbase", "fprint", "images",  "char",
+                                     "seq",   "matrix", "library", "bundles"};
+    checkdirectory(directory);
+    for (const char* name : below)
+        checkdirectory(Text<700>().format("%s\\%s", directory.c_str(), name));
+}

@@ -1,0 +1,72 @@
+// A buffered byte stream on one plain file: the only way in which the program reads and writes the content of
+// files. Paths follow the rules of path.h. Only a plain file, or a link to one, opens; nothing else ever
+// blocks an open.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+enum class OpenMode {
+    read,   // an existing file
+    write,  // a new file, or an existing one emptied; the file and its content appear together at close
+    update, // an existing file, read and written in place; each write reaches the system at once, in one
+            // piece
+    append, // the end of an existing or a new file; each write reaches the system at once, in one piece
+};
+
+class ByteStream {
+public:
+    ByteStream() = default;
+    ByteStream(const ByteStream&) = delete;
+    ByteStream& operator=(const ByteStream&) = delete;
+    ~ByteStream();
+
+    // Opens the file. False when it can't be had; GetLastError then tells why. Only on a closed stream.
+    bool open(const char* path, OpenMode mode);
+    // Writes what is still held back and closes. False when that could not be written.
+    bool close();
+    bool isOpen() const { return file_ >= 0; }
+
+    // The bytes that came, from 0 to count; fewer than asked only at the end of the file or after a failure.
+    std::size_t read(void* bytes, std::size_t count);
+    // The bytes that were accepted, from 0 to count.
+    std::size_t write(const void* bytes, std::size_t count);
+    // Moves to a position from the start of the file, also behind its end. False for a negative one, or a
+    // failure.
+    bool seek(std::int64_t position);
+    // Passes over bytes as a read would, in a time that does not depend on their number. False if the end
+    // came first.
+    bool skip(std::int64_t count);
+    std::int64_t tell() const { return position_; }
+    // True once a read or skip has asked for more than there was, until the next seek.
+    bool atEnd() const { return atEnd_; }
+
+private:
+    bool openExisting(const std::string& path);
+    bool openNew(const std::string& path);
+    bool publish();
+    bool fill();
+    std::size_t buffered() const;
+    std::size_t holdBack(const char* bytes, std::size_t count);
+    std::size_t overwrite(const char* bytes, std::size_t count);
+    std::size_t append(const char* bytes, std::size_t count);
+
+    int file_ = -1;
+    OpenMode mode_ = OpenMode::read;
+    std::int64_t position_ = 0;
+    bool atEnd_ = false;
+    bool incomplete_ = false;      // write mode: a write was not accepted, so the content must not appear
+    std::string buffer_;           // read modes: a piece of the file; write mode: the whole new content
+    std::int64_t bufferStart_ = 0; // where in the file the buffer's first byte stands
+    std::string newPath_;          // write mode: the name of the file that this stream makes; else empty
+};
+
+// How many writes of the process have failed, a failed close or flush counted as one.
+int failedWrites();
+
+// Deletes a plain file or takes away a link. False on failure; a directory is refused.
+bool removeFile(const char* path);
+
+// Asks the system to put all that was written so far on the disk itself, and waits for it.
+void flushToDisk();

@@ -1,0 +1,34 @@
+#include "platform/system/directory.h"
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/system/path.h"
+#include "platform/system/posix.h"
+
+int CreateDirectoryA(const char* path) {
+    if (injectedFault(DiskOperation::makeDirectory))
+        return 0;
+    const std::string resolved = resolvePath(path);
+    if (mkdir(resolved.c_str(), 0777) == 0)
+        return 1;
+    setLastErrorFromErrno(errno, resolved);
+    return 0;
+}
+
+std::string GetCurrentDirectoryA() {
+    std::error_code failure;
+    return std::filesystem::current_path(failure).string();
+}
+
+int SetCurrentDirectoryA(const char* path) {
+    const std::string resolved = resolvePath(path);
+    if (chdir(resolved.c_str()) == 0)
+        return 1;
+    setLastErrorFromErrno(errno, resolved);
+    return 0;
+}

@@ -1,0 +1,30 @@
+// The error numbers of the platform with their English texts. Each failed operation of this layer that is told to
+// give a number leaves it here until the next one fails.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+constexpr std::uint32_t ERROR_SUCCESS = 0;
+constexpr std::uint32_t ERROR_FILE_NOT_FOUND = 2;
+constexpr std::uint32_t ERROR_PATH_NOT_FOUND = 3;
+constexpr std::uint32_t ERROR_TOO_MANY_OPEN_FILES = 4;
+constexpr std::uint32_t ERROR_ACCESS_DENIED = 5;
+constexpr std::uint32_t ERROR_NOT_ENOUGH_MEMORY = 8;
+constexpr std::uint32_t ERROR_WRITE_PROTECT = 19;
+constexpr std::uint32_t ERROR_GEN_FAILURE = 31;
+constexpr std::uint32_t ERROR_SHARING_VIOLATION = 32;
+constexpr std::uint32_t ERROR_NOT_SUPPORTED = 50;
+constexpr std::uint32_t ERROR_DISK_FULL = 112;
+constexpr std::uint32_t ERROR_INVALID_NAME = 123;
+constexpr std::uint32_t ERROR_ALREADY_EXISTS = 183;
+constexpr std::uint32_t ERROR_FILENAME_EXCED_RANGE = 206;
+constexpr std::uint32_t ERROR_IO_DEVICE = 1117;
+
+// The number of the last failure, 0 if nothing has failed.
+std::uint32_t GetLastError();
+void SetLastError(std::uint32_t number);
+
+// The system's English text of an error number, ended by "\r\n" as the platform ends it; empty for a number it does
+// not know. The caller owns the text: there is nothing to free.
+std::string FormatMessageA(std::uint32_t number);

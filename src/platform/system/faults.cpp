@@ -1,0 +1,3 @@
+#include "platform/system/faults.h"
+
+DiskFaultHook diskFaultHook = nullptr;

@@ -1,0 +1,80 @@
+#include "platform/system/filesearch.h"
+
+#include <memory>
+#include <string_view>
+
+#include <sys/stat.h>
+
+#include "platform/system/letters.h"
+#include "platform/system/listing.h"
+#include "platform/system/path.h"
+#include "platform/system/posix.h"
+
+struct FileSearch {
+    std::string directory; // with its separator behind it
+    std::vector<std::string> matches;
+    std::size_t next = 0;
+};
+
+namespace {
+
+bool matchesPattern(std::string_view name, std::string_view prefix, std::string_view suffix) {
+    return name.size() >= prefix.size() + suffix.size() &&
+           equalIgnoringCase(name.substr(0, prefix.size()), prefix) &&
+           equalIgnoringCase(name.substr(name.size() - suffix.size()), suffix);
+}
+
+// Whether a look-up of the name, with the pattern's suffix in place of its own, opens another entry.
+bool opensAnother(const FileSearch& search, const std::vector<std::string>& names, const std::string& name,
+                  std::string_view suffix) {
+    std::string asked = name;
+    asked.replace(name.size() - suffix.size(), suffix.size(), suffix);
+    if (asked.find('\\') != std::string::npos)
+        return pathExists(search.directory + asked); // a separator in a path: never this entry
+    return asked != name && *findName(names, asked) != name;
+}
+
+std::uint32_t attributesOf(const std::string& directory, const std::string& name) {
+    std::uint32_t attributes = name[0] == '.' ? FILE_ATTRIBUTE_HIDDEN : 0;
+    struct stat state = {};
+    if (stat((directory + name).c_str(), &state) == 0) { // else a dangling link, which no attribute tells
+        if (S_ISDIR(state.st_mode))
+            attributes |= FILE_ATTRIBUTE_DIRECTORY;
+        if ((state.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0)
+            attributes |= FILE_ATTRIBUTE_READONLY;
+    }
+    return attributes == 0 ? FILE_ATTRIBUTE_NORMAL : attributes;
+}
+
+} // namespace
+
+FindHandle FindFirstFileA(const char* pattern, WIN32_FIND_DATAA& data, std::vector<std::string>& passedOver) {
+    passedOver.clear();
+    const std::string_view whole = pattern;
+    const std::size_t last = whole.find_last_of("/\\") + 1; // 0 where there is no directory
+    const std::size_t star = whole.find('*', last);
+    if (star == std::string_view::npos || injectedFault(DiskOperation::open))
+        return nullptr;
+    const std::string_view prefix = whole.substr(last, star - last);
+    const std::string_view suffix = whole.substr(star + 1);
+
+    auto search = std::make_unique<FileSearch>();
+    search->directory = last == 0 ? "./" : resolvePath(whole.substr(0, last));
+    const std::vector<std::string> names = directoryEntries(search->directory);
+    for (const std::string& name : names)
+        if (matchesPattern(name, prefix, suffix))
+            (opensAnother(*search, names, name, suffix) ? passedOver : search->matches).push_back(name);
+    return FindNextFileA(search.get(), data) != 0 ? search.release() : nullptr;
+}
+
+int FindNextFileA(FindHandle search, WIN32_FIND_DATAA& data) {
+    if (search == nullptr || search->next == search->matches.size())
+        return 0;
+    data.cFileName = search->matches[search->next++];
+    data.dwFileAttributes = attributesOf(search->directory, data.cFileName);
+    return 1;
+}
+
+void FindClose(FindHandle search) {
+    const std::unique_ptr<FileSearch> ended(search);
+}

@@ -1,0 +1,31 @@
+// The directory search. The wildcard is one * in the last component; it matches ignoring the case of ASCII letters and
+// also stands for nothing and for a leading point. Matches arrive in the order of directoryEntries of path.h.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+constexpr std::uint32_t FILE_ATTRIBUTE_READONLY = 0x01;  // no write bit is set
+constexpr std::uint32_t FILE_ATTRIBUTE_HIDDEN = 0x02;    // the name begins with a point
+constexpr std::uint32_t FILE_ATTRIBUTE_DIRECTORY = 0x10; // a link counts as what it points to
+constexpr std::uint32_t FILE_ATTRIBUTE_NORMAL = 0x80;    // none of the others
+
+struct WIN32_FIND_DATAA {
+    std::uint32_t dwFileAttributes = 0;
+    std::string cFileName; // no directory
+};
+
+struct FileSearch;
+using FindHandle = FileSearch*;
+
+// Starts a search. The first match stands in data. No handle when nothing matches or the directory can't be read.
+// passedOver gets the names that match and are not reported: a look-up of such a name with the pattern's extension in
+// place of its own would open another entry, which then would be read twice.
+FindHandle FindFirstFileA(const char* pattern, WIN32_FIND_DATAA& data, std::vector<std::string>& passedOver);
+
+// The next match. 0 when there is none.
+int FindNextFileA(FindHandle search, WIN32_FIND_DATAA& data);
+
+// Ends a search; no handle is no harm.
+void FindClose(FindHandle search);

@@ -1,0 +1,27 @@
+// Comparing that ignores the case of the ASCII letters and takes every other byte as it stands, unsigned: the one
+// order of keys, type names and file names.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+// The byte with an ASCII capital turned into its small letter.
+constexpr unsigned char smallLetter(char byte) {
+    const auto value = static_cast<unsigned char>(byte);
+    return value >= 'A' && value <= 'Z' ? static_cast<unsigned char>(value + ('a' - 'A')) : value;
+}
+
+// Below 0, 0 or above 0 as a stands before, with or behind b. A text that begins another is the smaller.
+constexpr int compareIgnoringCase(std::string_view a, std::string_view b) {
+    const std::size_t common = a.size() < b.size() ? a.size() : b.size();
+    for (std::size_t i = 0; i < common; ++i) {
+        const int difference = smallLetter(a[i]) - smallLetter(b[i]);
+        if (difference != 0)
+            return difference;
+    }
+    return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
+constexpr bool equalIgnoringCase(std::string_view a, std::string_view b) {
+    return a.size() == b.size() && compareIgnoringCase(a, b) == 0;
+}

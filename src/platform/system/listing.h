@@ -1,0 +1,11 @@
+// The look-up of a name among the sorted names of a directory, which the path rules and the directory search
+// share.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The entry of that very name, else the first that equals it ignoring the case of ASCII letters, else none.
+// The names are in the order of directoryEntries.
+const std::string* findName(const std::vector<std::string>& names, std::string_view name);

@@ -1,0 +1,154 @@
+#include "platform/system/path.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <utility>
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <time.h>
+
+#include "platform/system/letters.h"
+#include "platform/system/listing.h"
+
+namespace {
+
+unsigned char capitalLetter(char byte) {
+    const unsigned char small = smallLetter(byte);
+    return small >= 'a' && small <= 'z' ? static_cast<unsigned char>(small - ('a' - 'A')) : small;
+}
+
+// Below 0, 0 or above 0 in the order of the capitals; 0 for names that equal each other ignoring case.
+int compareAsCapitals(std::string_view a, std::string_view b) {
+    const std::size_t common = std::min(a.size(), b.size());
+    for (std::size_t i = 0; i < common; ++i) {
+        const int difference = capitalLetter(a[i]) - capitalLetter(b[i]);
+        if (difference != 0)
+            return difference;
+    }
+    return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
+bool before(std::string_view a, std::string_view b) {
+    return compareAsCapitals(a, b) < 0;
+}
+
+bool beforeInOrder(const std::string& a, const std::string& b) {
+    const int order = compareAsCapitals(a, b);
+    return order < 0 || (order == 0 && a < b);
+}
+
+struct CloseDirectory {
+    void operator()(DIR* directory) const { closedir(directory); }
+};
+
+// False where the directory can't be read to its end: half of it must not pass for the whole.
+bool readNames(const std::string& directory, std::vector<std::string>& names) {
+    names.clear();
+    const std::unique_ptr<DIR, CloseDirectory> stream(opendir(directory.c_str()));
+    if (stream == nullptr)
+        return false;
+    errno = 0;
+    while (const dirent* entry = readdir(stream.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..")
+            names.emplace_back(name);
+    }
+    const bool complete = errno == 0;
+    if (!complete)
+        names.clear();
+    std::sort(names.begin(), names.end(), beforeInOrder);
+    return complete;
+}
+
+std::int64_t nanoseconds(const timespec& moment) {
+    return moment.tv_sec * std::int64_t{1000000000} + moment.tv_nsec;
+}
+
+// The names of a directory as they stood after its change at a moment.
+struct Listing {
+    std::int64_t changed = -1;
+    std::vector<std::string> names;
+};
+
+// A change that lies this far back has a moment of its own: file systems tell moments apart by up to two
+// seconds.
+constexpr std::int64_t settlingTime = 2000000000;
+
+// The names of a directory for look-ups. They are read once and kept while they are certainly current, since
+// each file of a directory full of names in other letters looks its own name up. The moment is that of the
+// last status change, because programs that copy trees set the modification time back.
+const std::vector<std::string>& namesForLookup(const std::string& directory) {
+    static std::map<std::pair<dev_t, ino_t>, Listing> kept;
+    static const std::vector<std::string> none;
+
+    timespec now = {};
+    clock_gettime(CLOCK_REALTIME, &now);
+    struct stat state = {};
+    if (stat(directory.c_str(), &state) != 0)
+        return none;
+
+    Listing& listing = kept[{state.st_dev, state.st_ino}];
+    const std::int64_t changed = nanoseconds(state.st_ctim);
+    if (listing.changed != changed) {
+        const bool complete = readNames(directory, listing.names);
+        const bool settled = changed + settlingTime < nanoseconds(now);
+        listing.changed = complete && settled ? changed : -1;
+    }
+    return listing.names;
+}
+
+bool entryExists(const std::string& path) {
+    struct stat state = {};
+    return lstat(path.c_str(), &state) == 0;
+}
+
+} // namespace
+
+const std::string* findName(const std::vector<std::string>& names, std::string_view name) {
+    const auto first = std::lower_bound(names.begin(), names.end(), name, before);
+    auto entry = first;
+    while (entry != names.end() && *entry != name && equalIgnoringCase(*entry, name))
+        ++entry;
+    if (entry != names.end() && *entry == name)
+        return &*entry;
+    return first == entry ? nullptr : &*first;
+}
+
+std::string resolvePath(std::string_view path) {
+    std::string given(path);
+    std::replace(given.begin(), given.end(), '\\', '/');
+    if (entryExists(given))
+        return given;
+
+    std::string found;
+    for (std::size_t at = 0; at < given.size();) {
+        const std::size_t start = std::min(given.find_first_not_of('/', at), given.size());
+        const std::size_t end = std::min(given.find('/', start), given.size());
+        found.append(given, at, start - at);
+        const std::string component = given.substr(start, end - start);
+        if (entryExists(found + component)) {
+            found += component;
+        } else {
+            const std::string* entry = findName(namesForLookup(found.empty() ? "." : found), component);
+            if (entry == nullptr)
+                return found + given.substr(start);
+            found += *entry;
+        }
+        at = end;
+    }
+    return found;
+}
+
+bool pathExists(std::string_view path) {
+    return entryExists(resolvePath(path));
+}
+
+std::vector<std::string> directoryEntries(const std::string& directory) {
+    std::vector<std::string> names;
+    readNames(resolvePath(directory), names);
+    return names;
+}

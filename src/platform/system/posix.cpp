@@ -1,0 +1,48 @@
+#include "platform/system/posix.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+int failedOpen(int systemError, const std::string& path) {
+    setLastErrorFromErrno(systemError, path);
+    return -1;
+}
+
+} // namespace
+
+std::string directoryOf(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    if (slash == std::string::npos)
+        return ".";
+    return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+bool isMissing(const std::string& path) {
+    struct stat state = {};
+    return lstat(path.c_str(), &state) != 0 && errno == ENOENT;
+}
+
+int openPlainFile(const std::string& path, int flags, bool create) {
+    struct stat state = {};
+    if (stat(path.c_str(), &state) != 0) {
+        const int why = errno;
+        if (!create || !isMissing(path))
+            return failedOpen(why, path);
+        flags |= O_CREAT | O_NOFOLLOW; // a link that comes in between must not make what it points to
+    } else if (!S_ISREG(state.st_mode)) {
+        return failedOpen(EISDIR,
+                          path); // before the open, which alone can have effects on a pipe or a device
+    }
+    const int file =
+        retryInterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666); });
+    if (file < 0)
+        return failedOpen(errno, path);
+    if (fstat(file, &state) != 0 || !S_ISREG(state.st_mode)) {
+        close(file);
+        return failedOpen(EISDIR, path);
+    }
+    return file;
+}
