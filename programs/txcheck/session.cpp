@@ -111,6 +111,15 @@ void Session::clearProgress() {
     filesRead = 0;
 }
 
+// Such a file looks like a new one, empty; whoever repairs the database should know that it may hold entries.
+void Session::warnOfUnopened() {
+    const TSXfilelist& list = *database.lists[0];
+    for (std::size_t i = 1; i < list.files.size(); ++i)
+        if (list.files[i]->valid == 1 && list.files[i]->ondisk == 0)
+            std::fprintf(stderr, "txcheck: Warning: %s: Unable to open the file; it counts as empty\n",
+                         list.files[i]->path.c_str());
+}
+
 void Session::analyse() {
     database.analyse();
     found = found || database.problemcount > 0;
@@ -119,6 +128,7 @@ void Session::analyse() {
 void Session::run() {
     database.load(std::string(database.directory).c_str());
     clearProgress();
+    warnOfUnopened();
     found = database.problemcount > 0;
     for (const SolveStep& step : options.solve)
         if (!solve(step.row, step.number))

@@ -45,6 +45,7 @@ private:
     int answer(const char* text, const char* title, std::uint32_t flags);
     void showProgress(const TSXdatafile& file);
     void clearProgress();
+    void warnOfUnopened();
     void analyse();
     bool solve(int row, int number);
     void preen();

@@ -64,6 +64,9 @@ void writeProblems(std::ostream& out, const TSXdatabase& database) {
         const std::string number = std::to_string(row);
         const std::string indent(number.size() < 5 ? 5 - number.size() : 0, ' ');
         writeWrapped(out, indent + number + "  ", printable(problem.message.view()));
+        if (problem.kind == corruptdatafile)
+            out << "         in " << fileclasses[problem.subkind].directory << '/'
+                << printable(problem.name.view()) << '.' << fileclasses[problem.subkind].extension << '\n';
         for (int n = 1; n <= problem.solutioncount(); ++n)
             out << "         " << row << ':' << n << "  " << problem.solutionlabel(n) << '\n';
     }
@@ -94,11 +97,15 @@ void writeKeys(std::ostream& out, const TSXdatabase& database, bool all) {
         const TSXkeyentry& entry = *database.getvisiblekey(i);
         std::string uses;
         for (const TSXkeyentry::TypeList& list : entry.lists)
-            uses += std::to_string(list.type) + ':' + std::to_string(list.records.size()) + ' ';
-        const std::string key = "  " + padded(shownKey(entry.key), keyWidth) + "  ";
-        if (columns(key) > keyWidth + 4)
+            if (!list.records.empty())
+                uses += (uses.empty() ? "" : " ") + std::to_string(list.type) + ':' +
+                        std::to_string(list.records.size());
+        std::string key = "  " + padded(shownKey(entry.key), keyWidth);
+        if (columns(key) > keyWidth + 2) {
             out << key << '\n';
-        writeWrapped(out, columns(key) > keyWidth + 4 ? std::string(keyWidth + 4, ' ') : key, uses);
+            key.assign(keyWidth + 2, ' ');
+        }
+        writeWrapped(out, key + "  ", uses);
     }
 }
 

@@ -202,9 +202,9 @@ int TSXbinfile::readfield(std::string& text, int capacity) {
     blockread(bytes.data(), static_cast<int>(bytes.size()));
     const std::int32_t width = decode(bytes);
     const int textread = lengthread == 1 ? readtext(text, length) : 0;
-    const std::int32_t padding = width - std::max(length, 0);
-    if (padding > 0 && iseof() == 0)
-        stream.skip(padding);
+    const std::int32_t used = std::max(length, 0);
+    if (width > used && iseof() == 0)
+        stream.skip(width - used);
     return endread(text, length, lengthread, textread);
 }
 

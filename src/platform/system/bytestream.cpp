@@ -81,8 +81,9 @@ void putBack(int file, const std::string& old, std::size_t done, std::int64_t po
              std::int64_t oldSize) {
     const std::uint32_t reason = GetLastError();
     writeAt(file, old.data(), std::min(done, old.size()), position);
-    if (done > old.size() && ftruncate(file, oldSize) != 0)
-        SetLastError(ERROR_GEN_FAILURE);
+    if (done > old.size()) {
+        [[maybe_unused]] const int undone = ftruncate(file, oldSize);
+    }
     SetLastError(reason);
 }
 
@@ -158,8 +159,8 @@ bool ByteStream::close() {
         return true;
     bool good = mode_ != OpenMode::write || publish();
     const bool made = !newPath_.empty() && hasName(file_);
-    if (::close(file_) != 0 &&
-        errno != EINTR) { // a file system of another machine may say only now that it is full
+    // A file system of another machine may say only now that it is full.
+    if (::close(file_) != 0 && errno != EINTR) {
         setLastErrorFromErrno(errno, "");
         good = false;
     }
@@ -290,7 +291,7 @@ bool ByteStream::skip(std::int64_t count) {
     if (!isOpen() || !isReadable(mode_) || count < 0 || injectedFault(DiskOperation::read))
         return false;
     const std::int64_t bufferEnd = bufferStart_ + static_cast<std::int64_t>(buffer_.size());
-    if (count <= bufferEnd - position_ && position_ + count >= bufferStart_) {
+    if (count <= bufferEnd - position_) { // the file is known to go as far as the buffer
         position_ += count;
         return true;
     }

@@ -1,5 +1,5 @@
-// The error numbers of the platform with their English texts. Each failed operation of this layer that is told to
-// give a number leaves it here until the next one fails.
+// The error numbers of the platform with their English texts. Each failed operation of this layer that is
+// told to give a number leaves it here until the next one fails.
 #pragma once
 
 #include <cstdint>
@@ -25,6 +25,6 @@ constexpr std::uint32_t ERROR_IO_DEVICE = 1117;
 std::uint32_t GetLastError();
 void SetLastError(std::uint32_t number);
 
-// The system's English text of an error number, ended by "\r\n" as the platform ends it; empty for a number it does
-// not know. The caller owns the text: there is nothing to free.
+// The system's English text of an error number, ended by "\r\n" as the platform ends it; empty for a number
+// it does not know. The caller owns the text: there is nothing to free.
 std::string FormatMessageA(std::uint32_t number);

@@ -60,6 +60,7 @@ FindHandle FindFirstFileA(const char* pattern, WIN32_FIND_DATAA& data, std::vect
 
     auto search = std::make_unique<FileSearch>();
     search->directory = last == 0 ? "./" : resolvePath(whole.substr(0, last));
+    SetLastError(ERROR_FILE_NOT_FOUND); // unless the directory can't be read
     const std::vector<std::string> names = directoryEntries(search->directory);
     for (const std::string& name : names)
         if (matchesPattern(name, prefix, suffix))

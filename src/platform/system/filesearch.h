@@ -1,5 +1,6 @@
-// The directory search. The wildcard is one * in the last component; it matches ignoring the case of ASCII letters and
-// also stands for nothing and for a leading point. Matches arrive in the order of directoryEntries of path.h.
+// The directory search. The wildcard is one * in the last component; it matches ignoring the case of ASCII
+// letters and also stands for nothing and for a leading point. Matches arrive in the order of
+// directoryEntries of path.h.
 #pragma once
 
 #include <cstdint>
@@ -19,9 +20,10 @@ struct WIN32_FIND_DATAA {
 struct FileSearch;
 using FindHandle = FileSearch*;
 
-// Starts a search. The first match stands in data. No handle when nothing matches or the directory can't be read.
-// passedOver gets the names that match and are not reported: a look-up of such a name with the pattern's extension in
-// place of its own would open another entry, which then would be read twice.
+// Starts a search. The first match stands in data. No handle when nothing matches (GetLastError gives 2) or
+// the directory can't be read (it tells why). passedOver gets the names that match and are not reported: a
+// look-up of such a name with the pattern's extension in place of its own would open another entry, which
+// then would be read twice.
 FindHandle FindFirstFileA(const char* pattern, WIN32_FIND_DATAA& data, std::vector<std::string>& passedOver);
 
 // The next match. 0 when there is none.

@@ -13,6 +13,7 @@
 
 #include "platform/system/letters.h"
 #include "platform/system/listing.h"
+#include "platform/system/posix.h"
 
 namespace {
 
@@ -49,8 +50,10 @@ struct CloseDirectory {
 bool readNames(const std::string& directory, std::vector<std::string>& names) {
     names.clear();
     const std::unique_ptr<DIR, CloseDirectory> stream(opendir(directory.c_str()));
-    if (stream == nullptr)
+    if (stream == nullptr) {
+        setLastErrorFromErrno(errno, directory + "/");
         return false;
+    }
     errno = 0;
     while (const dirent* entry = readdir(stream.get())) {
         const std::string_view name = entry->d_name;
@@ -58,8 +61,10 @@ bool readNames(const std::string& directory, std::vector<std::string>& names) {
             names.emplace_back(name);
     }
     const bool complete = errno == 0;
-    if (!complete)
+    if (!complete) {
+        setLastErrorFromErrno(errno, directory);
         names.clear();
+    }
     std::sort(names.begin(), names.end(), beforeInOrder);
     return complete;
 }

@@ -1,18 +1,20 @@
-// How a path finds its file. A backslash is a separator. A path is looked up as it stands first; where a component
-// does not exist, the first entry of that directory that equals it ignoring the case of ASCII letters is taken.
+// How a path finds its file. A backslash is a separator. A path is looked up as it stands first; where a
+// component does not exist, the first entry of that directory that equals it ignoring the case of ASCII
+// letters is taken.
 #pragma once
 
 #include <string>
 #include <string_view>
 #include <vector>
 
-// The path of the entry that the given path names, a dangling link included. What does not exist keeps the name that
-// was given, in the directory found so far.
+// The path of the entry that the given path names, a dangling link included. What does not exist keeps the
+// name that was given, in the directory found so far.
 std::string resolvePath(std::string_view path);
 
 // Whether an entry of any kind stands under that name, ignoring case.
 bool pathExists(std::string_view path);
 
-// The names in a directory in the platform's order: ascending, ASCII small letters counted as capitals, names equal
-// so by their plain bytes. "." and ".." are left out. Empty when the directory can't be read.
+// The names in a directory in the platform's order: ascending, ASCII small letters counted as capitals, names
+// equal so by their plain bytes. "." and ".." are left out. Empty when the directory can't be read, and
+// GetLastError then tells why.
 std::vector<std::string> directoryEntries(const std::string& directory);

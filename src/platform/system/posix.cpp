@@ -28,13 +28,12 @@ bool isMissing(const std::string& path) {
 int openPlainFile(const std::string& path, int flags, bool create) {
     struct stat state = {};
     if (stat(path.c_str(), &state) != 0) {
-        const int why = errno;
-        if (!create || !isMissing(path))
-            return failedOpen(why, path);
-        flags |= O_CREAT | O_NOFOLLOW; // a link that comes in between must not make what it points to
+        if (!create || errno != ENOENT)
+            return failedOpen(errno, path);
+        flags |= O_CREAT | O_NOFOLLOW; // a dangling link must not make what it points to
     } else if (!S_ISREG(state.st_mode)) {
-        return failedOpen(EISDIR,
-                          path); // before the open, which alone can have effects on a pipe or a device
+        // Looked at before the open, which alone can have effects on a pipe or a device.
+        return failedOpen(EISDIR, path);
     }
     const int file =
         retryInterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666); });

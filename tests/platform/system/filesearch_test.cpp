@@ -1,0 +1,76 @@
+#include "platform/system/filesearch.h"
+
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "tempdir.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+class FileSearchTest : public testing::Test {
+protected:
+    Names search(const std::string& pattern) {
+        Names names;
+        WIN32_FIND_DATAA data;
+        const FindHandle handle = FindFirstFileA((directory / pattern).c_str(), data, passedOver);
+        for (bool found = handle != nullptr; found; found = FindNextFileA(handle, data) != 0) {
+            names.push_back(data.cFileName);
+            attributes.push_back(data.dwFileAttributes);
+        }
+        FindClose(handle);
+        return names;
+    }
+
+    void make(const Names& names) {
+        for (const std::string& name : names)
+            writeFile(directory / name, "");
+    }
+
+    TempDir directory;
+    Names passedOver;
+    std::vector<std::uint32_t> attributes;
+};
+
+} // namespace
+
+TEST_F(FileSearchTest, MatchesIgnoringCaseInOrder) {
+    fs::create_directory(directory / "Sub");
+    make({"Sub/b.DBS", "Sub/a_.dbs", "Sub/ab.Dbs", "Sub/.DBS", "Sub/.h.dbs", "Sub/x.DBSX", "Sub/DBS"});
+    EXPECT_EQ(search("Sub/*.DBS"), (Names{".DBS", ".h.dbs", "ab.Dbs", "a_.dbs", "b.DBS"}));
+    EXPECT_EQ(search("SUB\\A*.dbs"), (Names{"ab.Dbs", "a_.dbs"}));
+    EXPECT_EQ(search("sub/*"), (Names{".DBS", ".h.dbs", "ab.Dbs", "a_.dbs", "b.DBS", "DBS", "x.DBSX"}));
+    EXPECT_EQ(passedOver, Names());
+    EXPECT_EQ(search("sub/*.xdb"), Names());
+    EXPECT_EQ(search("missing/*"), Names());
+    EXPECT_EQ(search("Sub/b.DBS*.DBS"), Names()) << "one part of a name can't match twice";
+}
+
+TEST_F(FileSearchTest, PassesOverWhatALookUpWouldNotOpen) {
+    fs::create_directory(directory / "sub");
+    make({"abc.DBS", "abc.dbs", "abc.Dbs", // the name with the pattern's extension is there
+          "X.dbs", "x.dbs",                // of x.DBS the first of the two is opened
+          "Y.DBS", "y.DBS",                // both are opened as they stand
+          "z.dbs", "sub/file.DBS", "sub\\file.dbs", "sub\\other.DBS"});
+    EXPECT_EQ(search("*.DBS"), (Names{"abc.DBS", "sub\\other.DBS", "X.dbs", "Y.DBS", "y.DBS", "z.dbs"}));
+    EXPECT_EQ(passedOver, (Names{"abc.Dbs", "abc.dbs", "sub\\file.dbs", "x.dbs"}));
+}
+
+TEST_F(FileSearchTest, TellsAttributes) {
+    make({".hidden", "plain", "readonly"});
+    fs::permissions(directory / "readonly", fs::perms(0444));
+    fs::create_directory(directory / "sub");
+    fs::create_symlink("sub", directory / "linktosub");
+    fs::create_symlink("readonly", directory / "linktofile");
+    fs::create_symlink("nowhere", directory / "dangling");
+    EXPECT_EQ(search("*"),
+              (Names{".hidden", "dangling", "linktofile", "linktosub", "plain", "readonly", "sub"}));
+    EXPECT_EQ(attributes, (std::vector<std::uint32_t>{FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_NORMAL,
+                                                      FILE_ATTRIBUTE_READONLY, FILE_ATTRIBUTE_DIRECTORY,
+                                                      FILE_ATTRIBUTE_NORMAL, FILE_ATTRIBUTE_READONLY,
+                                                      FILE_ATTRIBUTE_DIRECTORY}));
+}
