@@ -23,6 +23,7 @@ std::string othercase(std::string text) {
 
 std::vector<std::string> keysfrom(const SampleTree& tree, std::int64_t first, int count) {
     std::vector<std::string> keys;
+    keys.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         keys.push_back(tree.content.key(first + i));
     return keys;
@@ -107,7 +108,7 @@ void maketruncated(SampleTree& tree, std::int64_t first) {
 void makesidefiles(SampleTree& tree, std::int64_t) {
     tree.write(SideFile{"fprint/BADHEAD.CNF", fileclasses[2].sideheader});
     tree.write(SideFile{"seq/BADTAG.CNF", fileclasses[3].sideheader, 5, true});
-    tree.write(SideFile{"BADTAG.CMP", "TX-COMP-v1.0", 2, true});
+    tree.write(SideFile{"BADTAG.CMP", compheader, 2, true});
     tree.write(SideFile{"SHORT.CMP", "TX-CO", 0});
     tree.write(SideFile{"Library/SOIL.LIB/SHORT.CMP", "TX-COMP-v1.", 0});
 }

@@ -8,11 +8,11 @@
 
 namespace {
 
-constexpr const char* about = "Makes a sample database, sound or damaged. Equal options give equal bytes.\n"
-                              "Where more experiment records are asked for than there are entries for their "
-                              "keys, fewer are made, so that no\n"
-                              "key is used twice in a type. With damages at most 2980 files of a class and "
-                              "39 types of a class are made.";
+constexpr const char* about =
+    "Makes a sample database, sound or damaged. Equal options give equal bytes.\n"
+    "Where there are fewer entries than the records of a type would need keys, fewer records are made, so "
+    "that\n"
+    "no key is used twice in a type. With damages at most 2980 files and 39 types of a class are made.";
 
 void addNumbers(CLI::App& app, SampleOptions& options) {
     for (const SampleNumber& number : samplenumbers)
@@ -46,7 +46,7 @@ void addSettings(CLI::App& app, SampleOptions& options) {
                    : std::string();
     };
     const auto given = [](const std::string& path) {
-        return path.empty() ? std::string("the directory is empty") : std::string();
+        return path.empty() ? std::string("the path is empty") : std::string();
     };
     CLI::Option* home = app.add_option("--home", options.home,
                                        "Also write the database settings file NAME.dbs into this directory")

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
-#include <numeric>
+#include <system_error>
 
 #include "damage.h"
 #include "model/database.h"
 #include "model/fileclass.h"
+#include "model/filelist.h"
 #include "platform/system/path.h"
+#include "platform/system/text.h"
 #include "tree.h"
 
 namespace filesystem = std::filesystem;
@@ -62,11 +64,12 @@ std::string numberedname(const char* stem, int number) {
     return Text<40>().format("%s%03d", stem, number).c_str();
 }
 
-// The number of the key at a place of a type. The prime is no factor of any number of entries, so all places
-// differ.
+// The number of the key at a place of a type. A number of entries has no prime factor above 3000, so this
+// prime leads each place to another entry.
 std::int64_t keynumber(const SampleOptions& options, int fileclass, int type, std::int64_t place) {
     const std::int64_t entries = std::int64_t{options.files} * options.entries;
-    return (place * 1000003 + fileclass * 7919 + type * 101) % entries + 1;
+    const std::int64_t first = std::int64_t{fileclass * options.types + type} * 618033989;
+    return (place * 1000003 + first) % entries + 1;
 }
 
 void writeentries(SampleTree& tree) {
@@ -103,7 +106,7 @@ void writesidefiles(SampleTree& tree) {
     }
     for (const char* path : {"ALL.CMP", "WARD.CMP", "Library/ENTERIC.LIB/REF.CMP",
                              "Library/ENTERIC.LIB/TYPING.CMP", "Library/SOIL.LIB/REF.CMP"})
-        tree.write(SideFile{path, "TX-COMP-v1.0"});
+        tree.write(SideFile{path, compheader});
 }
 
 // Why the options can't be used; empty when they can.
@@ -123,26 +126,21 @@ std::string unusable(const SampleOptions& options) {
     return {};
 }
 
-// The directory's full path, made if missing; empty when it can't be had or used, and failure tells why.
-std::string prepareroot(const SampleOptions& options, std::string& failure) {
+// Makes the directory if it is missing. Returns why it can't be used; empty when it can.
+std::string prepare(const filesystem::path& directory) {
     std::error_code error;
-    const std::string shown = "'" + options.directory + "'";
-    const filesystem::path wanted = resolvePath(options.directory);
-    filesystem::create_directories(wanted, error);
-    filesystem::path root = filesystem::weakly_canonical(wanted, error);
-    if (error || !filesystem::is_directory(root, error))
-        failure = "can't make the directory " + shown;
-    else if (!filesystem::is_empty(root, error) && !error)
-        failure = "the directory " + shown + " is not empty";
+    filesystem::create_directories(directory, error);
     if (error)
-        failure += ": " + error.message();
-    if (!failure.empty())
-        return {};
-    const std::string path = root.string();
-    if (!options.home.empty() &&
-        (path.size() > longestline || path.find_first_of("\r\n") != std::string::npos))
-        failure = "the path of " + shown + " does not fit into a line of a settings file";
-    return path;
+        return "can't make the directory '" + directory.string() + "': " + error.message();
+    const bool empty = filesystem::is_empty(directory, error);
+    if (error)
+        return "can't read the directory '" + directory.string() + "': " + error.message();
+    return empty ? "" : "the directory '" + directory.string() + "' is not empty";
+}
+
+// Whether the path can stand in a settings file.
+bool fitsline(const std::string& path) {
+    return path.size() <= longestline && path.find_first_of("\r\n") == std::string::npos;
 }
 
 SampleOptions withroomfordamages(SampleOptions options) {
@@ -168,7 +166,18 @@ void writeall(SampleTree& tree) {
 SampleResult makeSample(const SampleOptions& options) {
     SampleResult refused;
     refused.failure = unusable(options);
-    const std::string root = refused.failure.empty() ? prepareroot(options, refused.failure) : "";
+    if (!refused.failure.empty())
+        return refused;
+    const filesystem::path directory = resolvePath(options.directory);
+    refused.failure = prepare(directory);
+    if (!refused.failure.empty())
+        return refused;
+    std::error_code error;
+    const std::string root = filesystem::canonical(directory, error).string();
+    if (error)
+        refused.failure = "can't find the directory '" + directory.string() + "': " + error.message();
+    else if (!options.home.empty() && !fitsline(root))
+        refused.failure = "the path does not fit into a line of a settings file: '" + root + "'";
     if (!refused.failure.empty())
         return refused;
     SampleTree tree(root, options.damages.empty() ? options : withroomfordamages(options));

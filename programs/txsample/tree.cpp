@@ -1,7 +1,9 @@
 #include "tree.h"
 
+#include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 
 #include "files/binfile.h"
 #include "model/fileclass.h"
@@ -13,6 +15,7 @@ namespace filesystem = std::filesystem;
 
 namespace {
 
+constexpr std::uintmax_t textoffset = 8; // of a field's text in the field
 constexpr const char* directories[] = {"DBASE",
                                        "fprint",
                                        "images",
@@ -51,6 +54,12 @@ void writekey(TSXbinfile& file, const SampleRecord& record) {
     file.blockwrite(bytes.data(), record.capacity);
 }
 
+// The reason of the last failure, without the line break that ends a system text.
+std::string lasterror() {
+    const std::string text = FormatMessageA(GetLastError());
+    return text.substr(0, text.find_first_of("\r\n"));
+}
+
 bool hasrecordchunk(const DataFile& data) {
     return !data.records.empty() || data.statedcount >= 0;
 }
@@ -58,7 +67,7 @@ bool hasrecordchunk(const DataFile& data) {
 } // namespace
 
 SampleTree::SampleTree(std::string root, const SampleOptions& wanted)
-    : options(wanted), content(wanted.seed), root_(std::move(root)) {}
+    : options(wanted), content(wanted.seed), root_(std::move(root)), failedbefore_(failedWrites()) {}
 
 void SampleTree::check(const std::error_code& error, const char* tried, const std::string& path) {
     if (error && !failed())
@@ -67,9 +76,10 @@ void SampleTree::check(const std::error_code& error, const char* tried, const st
 
 void SampleTree::makedirectories() {
     for (const char* directory : directories) {
+        const std::string path = root_ + "/" + directory;
         std::error_code error;
-        filesystem::create_directory(root_ + "/" + directory, error);
-        check(error, "make", directory);
+        filesystem::create_directory(path, error);
+        check(error, "make", path);
     }
 }
 
@@ -78,7 +88,7 @@ bool SampleTree::open(TSXbinfile& file, const std::string& path) {
         return false;
     if (file.openwrite(path.c_str()) == 1)
         return true;
-    result.failure = "can't make '" + path + "': " + FormatMessageA(GetLastError());
+    result.failure = "can't make '" + path + "': " + lasterror();
     return false;
 }
 
@@ -86,10 +96,9 @@ bool SampleTree::open(TSXbinfile& file, const std::string& path) {
 void SampleTree::close(TSXbinfile& file, const std::string& path, bool broken) {
     if (broken)
         file.blockwrite("no chunk here", 13);
-    const int before = failedWrites();
     file.close();
-    if (failedWrites() != before)
-        result.failure = "can't write '" + path + "': " + FormatMessageA(GetLastError());
+    if (failedWrites() != failedbefore_)
+        result.failure = "can't write '" + path + "': " + lasterror();
 }
 
 std::string SampleTree::nameof(const DataFile& file) {
@@ -175,7 +184,7 @@ void SampleTree::writecut(const DataFile& data) {
     const std::string path = resolvePath(root_ + "/" + nameof(data));
     std::error_code error;
     if (!failed())
-        filesystem::resize_file(path, static_cast<std::uintmax_t>(lastkey) + 8 + 2, error);
+        filesystem::resize_file(path, static_cast<std::uintmax_t>(lastkey) + textoffset + 2, error);
     check(error, "cut", path);
 }
 
@@ -196,12 +205,12 @@ void SampleTree::rename(const std::string& from, const std::string& to) {
     std::error_code error;
     if (!failed())
         filesystem::rename(root_ + "/" + from, root_ + "/" + to, error);
-    check(error, "rename", from);
+    check(error, "rename", root_ + "/" + from);
 }
 
 void SampleTree::remove(const std::string& directory) {
     std::error_code error;
     if (!failed())
         filesystem::remove(root_ + "/" + directory, error);
-    check(error, "remove", directory);
+    check(error, "remove", root_ + "/" + directory);
 }

@@ -12,6 +12,8 @@
 
 class TSXbinfile;
 
+constexpr const char* compheader = "TX-COMP-v1.0"; // of a .CMP file, without a length before it
+
 struct SampleRecord {
     std::string key;  // as it is to be stored, a NUL byte included
     std::string type; // written where the class's records name their type
@@ -67,4 +69,5 @@ private:
     void writerecord(TSXbinfile& file, const DataFile& data, const SampleRecord& record);
 
     std::string root_;
+    int failedbefore_; // writes of the process that had failed before this tree was begun
 };

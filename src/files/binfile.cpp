@@ -77,7 +77,8 @@ void TSXbinfile::close() {
         logLocalError("TSXbinfile: tried to close closed file");
         return;
     }
-    stream.close();
+    if (!stream.close())
+        logWithName("could not write all of ", filename);
     openflag = 0;
 }
 

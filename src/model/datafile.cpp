@@ -62,9 +62,8 @@ void TSXdatafile::writeback() {
         return;
     }
     for (std::size_t i = 1; i < keys.size(); ++i) {
-        if (keydirty[i] != 1 || keypos[i] <= 0)
+        if (keydirty[i] != 1 || keypos[i] <= 0 || file.seek(keypos[i]) != 0)
             continue;
-        file.seek(keypos[i]);
         file.writefield(keys[i].c_str(), keycapacity);
         keydirty[i] = 0;
     }

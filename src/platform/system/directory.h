@@ -3,8 +3,8 @@
 
 #include <string>
 
-// Makes one directory; its parent must exist. Non-zero on success; 0 on failure, and GetLastError tells why: 183 where
-// an entry of any kind has that name, ignoring case.
+// Makes one directory; its parent must exist. Non-zero on success; 0 on failure, and GetLastError tells why:
+// 183 where an entry of any kind has that name, ignoring case.
 int CreateDirectoryA(const char* path);
 
 // The current directory; empty if it has gone. Unlike the platform's call it has no limit to its length.

@@ -1,5 +1,5 @@
-// The one seam through which a test makes a disk operation fail or end the process at it. Every disk operation of the
-// program asks it first; with no hook set that is one comparison.
+// The one seam through which a test makes a disk operation fail or end the process at it. Every disk
+// operation of the program asks it first; with no hook set that is one comparison.
 #pragma once
 
 enum class DiskOperation { open, read, write, seek, remove, makeDirectory, lock };

@@ -60,12 +60,16 @@ FindHandle FindFirstFileA(const char* pattern, WIN32_FIND_DATAA& data, std::vect
 
     auto search = std::make_unique<FileSearch>();
     search->directory = last == 0 ? "./" : resolvePath(whole.substr(0, last));
-    SetLastError(ERROR_FILE_NOT_FOUND); // unless the directory can't be read
-    const std::vector<std::string> names = directoryEntries(search->directory);
+    std::vector<std::string> names;
+    const bool readable = readNames(search->directory, names);
     for (const std::string& name : names)
         if (matchesPattern(name, prefix, suffix))
             (opensAnother(*search, names, name, suffix) ? passedOver : search->matches).push_back(name);
-    return FindNextFileA(search.get(), data) != 0 ? search.release() : nullptr;
+    if (FindNextFileA(search.get(), data) != 0)
+        return search.release();
+    if (readable)
+        SetLastError(ERROR_FILE_NOT_FOUND);
+    return nullptr;
 }
 
 int FindNextFileA(FindHandle search, WIN32_FIND_DATAA& data) {

@@ -1,5 +1,5 @@
-// Comparing that ignores the case of the ASCII letters and takes every other byte as it stands, unsigned: the one
-// order of keys, type names and file names.
+// Comparing that ignores the case of the ASCII letters and takes every other byte as it stands, unsigned: the
+// one order of keys, type names and file names.
 #pragma once
 
 #include <cstddef>

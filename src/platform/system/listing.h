@@ -9,3 +9,7 @@
 // The entry of that very name, else the first that equals it ignoring the case of ASCII letters, else none.
 // The names are in the order of directoryEntries.
 const std::string* findName(const std::vector<std::string>& names, std::string_view name);
+
+// Reads the names in a directory, in the order of directoryEntries. False where it can't be read to its end,
+// and GetLastError tells why: half of it must not pass for the whole.
+bool readNames(const std::string& directory, std::vector<std::string>& names);

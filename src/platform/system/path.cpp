@@ -46,29 +46,6 @@ struct CloseDirectory {
     void operator()(DIR* directory) const { closedir(directory); }
 };
 
-// False where the directory can't be read to its end: half of it must not pass for the whole.
-bool readNames(const std::string& directory, std::vector<std::string>& names) {
-    names.clear();
-    const std::unique_ptr<DIR, CloseDirectory> stream(opendir(directory.c_str()));
-    if (stream == nullptr) {
-        setLastErrorFromErrno(errno, directory + "/");
-        return false;
-    }
-    errno = 0;
-    while (const dirent* entry = readdir(stream.get())) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..")
-            names.emplace_back(name);
-    }
-    const bool complete = errno == 0;
-    if (!complete) {
-        setLastErrorFromErrno(errno, directory);
-        names.clear();
-    }
-    std::sort(names.begin(), names.end(), beforeInOrder);
-    return complete;
-}
-
 std::int64_t nanoseconds(const timespec& moment) {
     return moment.tv_sec * std::int64_t{1000000000} + moment.tv_nsec;
 }
@@ -83,13 +60,15 @@ struct Listing {
 // seconds.
 constexpr std::int64_t settlingTime = 2000000000;
 
+// By device and number of the directory. Not inside of a function: look-ups are made up to the very end of
+// the process, by what was made before the first one.
+std::map<std::pair<dev_t, ino_t>, Listing> kept;
+const std::vector<std::string> none;
+
 // The names of a directory for look-ups. They are read once and kept while they are certainly current, since
 // each file of a directory full of names in other letters looks its own name up. The moment is that of the
 // last status change, because programs that copy trees set the modification time back.
 const std::vector<std::string>& namesForLookup(const std::string& directory) {
-    static std::map<std::pair<dev_t, ino_t>, Listing> kept;
-    static const std::vector<std::string> none;
-
     timespec now = {};
     clock_gettime(CLOCK_REALTIME, &now);
     struct stat state = {};
@@ -112,6 +91,28 @@ bool entryExists(const std::string& path) {
 }
 
 } // namespace
+
+bool readNames(const std::string& directory, std::vector<std::string>& names) {
+    names.clear();
+    const std::unique_ptr<DIR, CloseDirectory> stream(opendir(directory.c_str()));
+    if (stream == nullptr) {
+        setLastErrorFromErrno(errno, directory + "/");
+        return false;
+    }
+    errno = 0;
+    while (const dirent* entry = readdir(stream.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..")
+            names.emplace_back(name);
+    }
+    const bool complete = errno == 0;
+    if (!complete) {
+        setLastErrorFromErrno(errno, directory);
+        names.clear();
+    }
+    std::sort(names.begin(), names.end(), beforeInOrder);
+    return complete;
+}
 
 const std::string* findName(const std::vector<std::string>& names, std::string_view name) {
     const auto first = std::lower_bound(names.begin(), names.end(), name, before);

@@ -1,4 +1,5 @@
-// A text of a fixed capacity in bytes, its terminator included. What does not fit is cut; the text always ends.
+// A text of a fixed capacity in bytes, its terminator included. What does not fit is cut; the text always
+// ends.
 #pragma once
 
 #include <cstdarg>
