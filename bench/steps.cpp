@@ -1,6 +1,7 @@
-// Times the steps of a run over one database and prints a line of seconds for each: reading the files, the analysis that
-// ends a load, renaming all duplicate keys of the database entries, and saving. The keys are written to a file, one a
-// line in the order of the files, so that other programs can be timed with the same keys.
+// Times the steps of a run over one database and prints a line of seconds for each: reading the files, the
+// analysis that ends a load, renaming all duplicate keys of the database entries, and saving. The keys are
+// written to a file, one a line in the order of the files, so that other programs can be timed with the same
+// keys.
 #include <chrono>
 #include <cstdio>
 #include <fstream>

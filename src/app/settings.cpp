@@ -12,20 +12,40 @@ const char* const noValidDatabaseText = "No valid database specified";
 
 namespace {
 
-constexpr std::size_t maxlinelength = 598; // a longer line is taken as several
+constexpr const char* homeValue = "Home Directory";
+constexpr const char* currentValue = "Current Database";
+
+std::string storePath() {
+    return std::string("SOFTWARE\\") + makerName(makerId(), productId()) + "\\" +
+           productName(makerId(), productId()) + "\\1.0";
+}
+
+std::string databaseFilePath(const DatabaseSettings& settings) {
+    return std::string(settings.homeDirectory) + "\\" + settings.currentDatabase.c_str() + ".dbs";
+}
 
 // Reads one line and cuts it at its first carriage return or line feed. At the end of the file the line is
-// left as it is.
-void readLine(ByteStream& stream, std::string& line) {
+// left as it is. False if the line was longer than what was read of it, as far as that can be seen.
+bool readLine(ByteStream& stream, std::string& line) {
     std::string text;
     char byte = '\0';
-    while (text.size() < maxlinelength && stream.read(&byte, 1) == 1) {
+    while (text.size() < maxsettingsline && stream.read(&byte, 1) == 1) {
         text.push_back(byte);
         if (byte == '\n')
             break;
     }
     if (!text.empty())
         line = text.substr(0, text.find_first_of(std::string("\r\n\0", 3)));
+    return text.size() < maxsettingsline || byte == '\n';
+}
+
+// Reads a directory's line with all its pieces: cut, it could name another directory.
+void readDirectory(ByteStream& stream, std::string& directory) {
+    for (bool whole = readLine(stream, directory); !whole;) {
+        std::string piece;
+        whole = readLine(stream, piece);
+        directory += piece;
+    }
 }
 
 void readSections(ByteStream& stream, DatabaseSettings& settings) {
@@ -35,7 +55,7 @@ void readSections(ByteStream& stream, DatabaseSettings& settings) {
     while (!stream.atEnd()) {
         readLine(stream, line);
         if (line == "[DIR]")
-            readLine(stream, directory);
+            readDirectory(stream, directory);
         if (line == "[BACKCOL]") {
             readLine(stream, colours);
             std::int32_t* const c = settings.backgroundColour;
@@ -48,31 +68,51 @@ void readSections(ByteStream& stream, DatabaseSettings& settings) {
 } // namespace
 
 int readSettingsStore(DatabaseSettings& settings) {
-    Text<200> path;
-    path.format("SOFTWARE\\%s\\%s\\1.0", makerName(makerId(), productId()),
-                productName(makerId(), productId()));
     HKEY key;
-    if (RegOpenKeyExA(path, key) != 0)
+    if (RegOpenKeyExA(storePath().c_str(), key) != 0)
         return 0;
     std::string home;
     std::string current;
-    const int homeResult = RegQueryValueExA(key, "Home Directory", home);
-    const int currentResult = RegQueryValueExA(key, "Current Database", current);
+    const int homeResult = RegQueryValueExA(key, homeValue, home);
+    const int currentResult = RegQueryValueExA(key, currentValue, current);
     RegCloseKey(key);
     settings.homeDirectory = home.c_str();
     settings.currentDatabase = current.c_str();
     return homeResult == 0 && currentResult == 0 ? 1 : 0;
 }
 
+int writeSettingsStore(const DatabaseSettings& settings) {
+    HKEY key;
+    RegCreateKeyExA(storePath().c_str(), key);
+    int result = 1;
+    const auto write = [&](const char* name, const char* value) {
+        if (*value != '\0' && RegSetValueExA(key, name, value) != 0)
+            result = 0;
+    };
+    write(homeValue, settings.homeDirectory);
+    write(currentValue, settings.currentDatabase);
+    RegCloseKey(key);
+    return result;
+}
+
 int readDatabaseFile(DatabaseSettings& settings) {
     ByteStream stream;
-    const std::string path =
-        std::string(settings.homeDirectory) + "\\" + settings.currentDatabase.c_str() + ".dbs";
-    if (!stream.open(path.c_str(), OpenMode::read))
+    if (!stream.open(databaseFilePath(settings).c_str(), OpenMode::read))
         return 0;
     readSections(stream, settings);
     stream.close();
     return 1;
+}
+
+int writeDatabaseFile(const DatabaseSettings& settings) {
+    const std::int32_t* const c = settings.backgroundColour;
+    std::string text = std::string("[DIR]\n") + settings.databaseDirectory.c_str() + "\n[BACKCOL]\n";
+    text += Text<60>().format("%d %d %d\n", c[0], c[1], c[2]);
+    ByteStream stream;
+    if (!stream.open(databaseFilePath(settings).c_str(), OpenMode::write))
+        return 0;
+    const bool written = stream.write(text.data(), text.size()) == text.size();
+    return stream.close() && written ? 1 : 0;
 }
 
 const char* readSettings(DatabaseSettings& settings) {

@@ -2,9 +2,13 @@
 // database in the home directory.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "platform/system/text.h"
+
+constexpr std::size_t maxsettingsline =
+    598; // bytes of a line of the settings file; a longer one is taken as several
 
 struct DatabaseSettings {
     Text<2000> homeDirectory;     // holds the database settings files and the log
@@ -16,8 +20,17 @@ struct DatabaseSettings {
 // Reads the home directory and the current database from the settings store. 1, or 0 if either is missing.
 int readSettingsStore(DatabaseSettings& settings);
 
+// Writes these two to the settings store; an empty one is left as it stands there. 1, or 0 if the store can't
+// be written.
+int writeSettingsStore(const DatabaseSettings& settings);
+
 // Reads the settings file of that database. 1, or 0 if it can't be opened.
 int readDatabaseFile(DatabaseSettings& settings);
+
+// Makes or replaces the settings file of that database with its directory and its colour. 1, or 0 if it can't
+// be written; GetLastError then tells why. The directory has to fit into a line: at most 598 bytes, no line
+// end.
+int writeDatabaseFile(const DatabaseSettings& settings);
 
 // Both of these; none on success, else what to tell the person.
 const char* readSettings(DatabaseSettings& settings);

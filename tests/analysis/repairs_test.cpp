@@ -56,8 +56,8 @@ TEST_F(Repairs, RenamingGivesTheKeysOfThePlainRule) {
     load();
     Texts names = {"a/#2", "A", "a", "a/#2", "a/#2/#2", longKey.substr(0, 56) + "/#3"};
     for (int i = 0; i < 130; ++i)
-        for (const std::string& key :
-             {longKey, longKey.substr(0, 58), longKey.substr(0, 56) + "ZZZZ", std::string("B")})
+        for (const std::string& key : {longKey, longKey.substr(0, 58), longKey.substr(0, 56) + "ZZZZ",
+                                       longKey.substr(0, 55) + "2", std::string("KKKK")})
             names.push_back(i % 3 == 0 ? small(key) : key);
     const TSXdatafile& made = newFile(names);
     database->analyse();

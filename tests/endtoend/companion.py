@@ -94,6 +94,9 @@ class Documents(ProgramTest):
         expected = oracle.Database(self.root)
         found = self.check(*options, "--no-lock", status=status)
         self.assertEqual(list(found), ["directory", "problems", "types", "keytotal", "keys", "solved", "modified", "saved"])
+        for part, names in [("problems", "kind subkind name fileindex message solutions"), ("keys", "key counts"),
+                            ("types", "index class name files entries")]:
+            self.assertEqual({" ".join(row) for row in found[part]} - {names}, set())
         wanted = expected.document(expected.keys if "--all" in options else None)
         wanted.update(solved=[], modified=0, saved=0)
         found["problems"] = [(p["kind"], p["subkind"], p["name"], p["fileindex"]) for p in found["problems"]]
@@ -196,6 +199,13 @@ class Repairs(ProgramTest):
         self.check("--change-key", used, "0", "1", other, "--yes", "--save", status=4, error="exists already")
         self.assertEqual(oracle.Database(self.root).count(other.lower().encode("latin-1"), 0), 4)
 
+    def test_preen_goes_on_behind_a_solution_that_fails(self):
+        self.sample("--damage", "duplicates,missing-directories")
+        pathlib.Path(self.root, "images").write_bytes(b"")
+        done = self.check("--preen", "--save", status=8, error="Unable to create the directory '%s\\images'" % self.root)
+        self.assertEqual([(step["command"], step["result"]) for step in done["solved"]], [(7007, 0), (7007, 1), (7003, 1)])
+        self.assertEqual(([p["kind"] for p in done["problems"]], done["modified"], done["saved"]), ([5], 0, 1))
+
     def test_a_file_that_cannot_be_written_stays_changed(self):
         self.sample("--damage", "duplicates")
         program = self.run_as_nobody()
@@ -251,6 +261,12 @@ class Surroundings(ProgramTest):
         for options, directory in [([], [plain]), ([], [self.root + "/nowhere"]), ([], [""]), ([], []),
                                    (["--log", self.root + "/nowhere"], [self.root])]:
             self.assertIsNone(self.check(*options, status=8, error="txcheck: ", directory=directory), directory)
+
+    def test_a_report_that_cannot_be_written_is_a_failure(self):
+        self.sample()
+        with open("/dev/full", "w") as full:
+            done = subprocess.run([PROGRAMS / "txcheck", self.root], stdout=full, stderr=subprocess.PIPE, timeout=120)
+        self.assertEqual(done.returncode, 8, done.stderr)
 
     def test_the_current_database_of_the_settings_is_taken(self):
         self.sample("--home", self.work, "--name", "My base")
@@ -316,24 +332,29 @@ class Processes(ProgramTest):
         old = contents(pristine)
         self.check("--preen", "--save", status=1)
         new = contents(self.root)
+        names = [os.path.basename(path) for path in new if new[path] != old.get(path, 0)]
         mixed = 0
         for _ in range(40):
             shutil.rmtree(self.root)
             shutil.copytree(pristine, self.root)
-            watched = os.path.join(self.root, "DBASE", "K%03d.DBS" % random.randrange(1, 24))
-            before = os.stat(watched).st_mtime_ns
+            watched = os.path.join(self.root, "DBASE", random.choice(names))
+            before = self.stamp(watched)
             process = self.start("--preen", "--save", stdout=subprocess.DEVNULL)
-            while process.poll() is None and os.stat(watched).st_mtime_ns == before:
+            while process.poll() is None and self.stamp(watched) == before:
                 pass
-            time.sleep(random.random() / 1000)
+            time.sleep(random.random() / 2000)
             process.send_signal(signal.SIGKILL)
             process.wait()
             mixed += self.assert_old_or_new(old, new)
-            if mixed == 6:
+            if mixed == 8:
                 break
         self.assertGreater(mixed, 0, "no kill fell into the save")
         self.check("--preen", "--save", status=1)
         self.check(status=0)
+
+    @staticmethod
+    def stamp(path):
+        return os.stat(path).st_mtime_ns if os.path.exists(path) else None
 
     def assert_old_or_new(self, old, new):
         """Whether the tree is neither the old nor the new one; each of its key fields is, and new files are whole."""

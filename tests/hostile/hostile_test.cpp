@@ -1,64 +1,58 @@
 // Every file of a small sample, damaged in every place: reading the database comes to an end, and what it
 // finds obeys the rules.
-#include <gtest/gtest.h>
-
 #include <functional>
 
+#include "databasetest.h"
 #include "invariants.h"
 #include "sample.h"
-#include "tempdir.h"
 
 namespace {
 
-class HostileFiles : public testing::Test {
+// Each file stands alone in the tree that is read, and there is no log, since there are many thousands of
+// readings.
+class HostileFiles : public DatabaseTest {
 protected:
-    void SetUp() override {
+    void
+    forEachFile(const std::function<void(const std::string& name, const std::string& content)>& operation) {
+        const TempDir sample;
         SampleOptions options;
-        options.directory = sample_.path();
+        options.directory = sample.path();
         options.files = options.types = options.experiments = options.fields = 1;
         options.entries = options.records = 2;
         ASSERT_EQ(makeSample(options).failure, "");
-    }
-
-    // Each file stands alone in the tree that is read, since there are many thousands of readings.
-    void
-    forEachFile(const std::function<void(const std::string& path, const std::string& content)>& operation) {
-        for (const std::string& name : listTree(sample_.path())) {
+        logEnabled = 0;
+        for (const std::string& name : listTree(sample.path())) {
+            SCOPED_TRACE(name);
             if (name.back() == '/') {
-                std::filesystem::create_directory(tree_ / name);
+                std::filesystem::create_directories(root / name);
                 continue;
             }
-            SCOPED_TRACE(name);
-            operation(tree_ / name, readFile(sample_ / name));
-            std::filesystem::remove(tree_ / name);
+            operation(name, readFile(sample / name));
+            std::filesystem::remove(root / name);
         }
     }
 
-    void expectRules(const std::string& path, const std::string& content, std::size_t place) {
-        writeFile(path, content);
-        TSXdatabase database("");
-        database.load(tree_.path().c_str());
-        const char* broken = brokenRule(database);
+    void expectRules(const std::string& name, const std::string& content, std::size_t place) {
+        put(name, content);
+        const char* broken = brokenRule(load());
         EXPECT_EQ(broken, nullptr) << "broken: " << broken << ", at byte " << place;
     }
-
-    TempDir sample_, tree_;
 };
 
 TEST_F(HostileFiles, cut_at_every_length_are_read) {
-    forEachFile([this](const std::string& path, const std::string& content) {
+    forEachFile([this](const std::string& name, const std::string& content) {
         for (std::size_t length = 0; length < content.size(); ++length)
-            expectRules(path, content.substr(0, length), length);
+            expectRules(name, content.substr(0, length), length);
     });
 }
 
 TEST_F(HostileFiles, with_any_of_their_first_bytes_changed_are_read) {
-    forEachFile([this](const std::string& path, const std::string& content) {
+    forEachFile([this](const std::string& name, const std::string& content) {
         for (std::size_t place = 0; place < std::min<std::size_t>(content.size(), 300); ++place)
             for (const int value : {0x00, 0x7F, 0x80, 0xFF}) {
                 std::string changed = content;
                 changed[place] = static_cast<char>(value);
-                expectRules(path, changed, place);
+                expectRules(name, changed, place);
             }
     });
 }

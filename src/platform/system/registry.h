@@ -1,5 +1,5 @@
-// The per-user settings store, read only: an INI file under the user's configuration directory, in which the
-// path of a key gives the groups.
+// The per-user settings store: an INI file under the user's configuration directory, in which the path of a
+// key gives the groups. What values hold are bytes, in any encoding.
 #pragma once
 
 #include <memory>
@@ -16,7 +16,14 @@ int RegOpenKeyExA(const char* subkey, HKEY& key);
 // alone.
 int RegQueryValueExA(const HKEY& key, const char* name, std::string& value);
 
+// Opens a key of the current user for writing, made with its first value if missing.
+void RegCreateKeyExA(const char* subkey, HKEY& key);
+
+// Writes a value of an open key as a text. 0 on success, and it is on disk; else 5, the store can't be
+// written.
+int RegSetValueExA(const HKEY& key, const char* name, const std::string& value);
+
 void RegCloseKey(HKEY& key);
 
-// The file in which the store stands; what fills the store writes it.
+// The file in which the store stands.
 std::string registryFile();

@@ -1,0 +1,59 @@
+// Makes the first inputs of each fuzz target from two small samples, a sound one and one with every damage.
+#include <cstdio>
+
+#include "places.h"
+#include "sample.h"
+#include "tempdir.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The file as a part of an input; nothing where the target takes no file of its directory and extension.
+std::string packed(const Target& target, const fs::path& name, const std::string& content) {
+    for (int i = 0; i < target.count; ++i) {
+        const fs::path place = places[target.first + i];
+        if (place.parent_path() == name.parent_path() && place.extension() == name.extension())
+            return {static_cast<char>(i), static_cast<char>(content.size()),
+                    static_cast<char>(content.size() >> 8)};
+    }
+    return {};
+}
+
+// An input for each file, and one for all.
+void writeSeeds(const std::string& corpus, const Target& target, const TempDir& sample, const char* kind) {
+    const std::string stem = corpus + "/" + target.name + "/" + kind;
+    fs::create_directories(corpus + "/" + target.name);
+    std::string all;
+    for (const std::string& name : listTree(sample.path())) {
+        const std::string content = name.back() == '/' ? "" : readFile(sample / name);
+        const std::string head = packed(target, name, content);
+        if (head.empty())
+            continue;
+        writeFile(stem + std::to_string(all.size()), head + content);
+        all += head + content;
+    }
+    writeFile(stem + "-all", all);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    for (const char* damage : {"none", "all"}) {
+        const TempDir sample;
+        SampleOptions options;
+        options.directory = sample.path();
+        options.files = options.types = options.experiments = options.fields = 1;
+        options.entries = options.records = 3;
+        if (std::string(damage) == "all")
+            options.damages = {damage};
+        const std::string failure = argc == 2 ? makeSample(options).failure : "usage: fuzz_seeds CORPUS";
+        if (!failure.empty()) {
+            std::fprintf(stderr, "%s\n", failure.c_str());
+            return 1;
+        }
+        for (const Target& target : targets)
+            writeSeeds(argv[1], target, sample, damage);
+    }
+    return 0;
+}

@@ -1,0 +1,127 @@
+#include "choices.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "app/settings.h"
+#include "files/finder.h"
+#include "platform/system/errors.h"
+#include "platform/system/path.h"
+#include "platform/system/startprogram.h"
+
+namespace {
+
+constexpr std::string_view extension = ".dbs";
+
+DatabaseSettings readStore() {
+    DatabaseSettings settings;
+    readSettingsStore(settings);
+    return settings;
+}
+
+DatabaseSettings settingsOf(const std::string& home, const std::string& name) {
+    DatabaseSettings settings;
+    settings.homeDirectory = home.c_str();
+    settings.currentDatabase = name.c_str();
+    return settings;
+}
+
+std::string quoted(const std::string& text) {
+    return "'" + text + "'";
+}
+
+std::string reasonOf(std::uint32_t error) {
+    const std::string text = FormatMessageA(error);
+    return text.substr(0, text.find_first_of("\r\n"));
+}
+
+// The directory's absolute path, without a separator at its end; empty, with the reason, if it is no
+// directory or its path can't stand in the settings.
+std::string absoluteDirectory(const std::string& directory, std::string& reason) {
+    std::error_code error;
+    const std::filesystem::path path = std::filesystem::canonical(resolvePath(directory), error);
+    if (error || !std::filesystem::is_directory(path, error))
+        reason = "There is no directory " + quoted(directory);
+    else if (path.string().size() > maxsettingsline)
+        reason = "The path of the directory is too long: it has at most " + std::to_string(maxsettingsline) +
+                 " bytes";
+    else if (path.string().find_first_of("\r\n") != std::string::npos)
+        reason = "The path of the directory has a line break in it, which the settings can't hold";
+    return reason.empty() ? path.string() : std::string();
+}
+
+std::string writeStore(const DatabaseSettings& settings) {
+    return writeSettingsStore(settings) == 1 ? std::string() : "The settings can't be written";
+}
+
+} // namespace
+
+std::string currentHome() {
+    return readStore().homeDirectory.c_str();
+}
+
+std::string currentDatabaseName() {
+    return readStore().currentDatabase.c_str();
+}
+
+std::vector<std::string> databaseNames(const std::string& home) {
+    std::vector<std::string> names;
+    TSXfinder finder;
+    for (int match = finder.findfirst((home + "/*" + std::string(extension)).c_str()); match != 0;
+         match = finder.findnext()) {
+        const std::string_view name = finder.entryname.view();
+        if (finder.entrykind == TSXfinder::file && name.size() > extension.size())
+            names.emplace_back(name.substr(0, name.size() - extension.size()));
+    }
+    finder.findclose();
+    return names;
+}
+
+std::string directoryOfDatabase(const std::string& home, const std::string& name) {
+    DatabaseSettings settings = settingsOf(home, name);
+    readDatabaseFile(settings);
+    return settings.databaseDirectory.c_str();
+}
+
+std::string chooseHome(const std::string& home) {
+    std::string reason;
+    const std::string path = absoluteDirectory(home, reason);
+    return reason.empty() ? writeStore(settingsOf(path, "")) : reason;
+}
+
+std::string chooseDatabase(const std::string& home, const std::string& name) {
+    if (home.empty())
+        return "No home directory is chosen yet";
+    DatabaseSettings settings = settingsOf(home, name);
+    if (name.empty() || readDatabaseFile(settings) == 0)
+        return "There is no database " + quoted(name) + " in the home directory " + quoted(home);
+    return writeStore(settings);
+}
+
+std::string addDatabase(const std::string& home, const std::string& name, const std::string& directory) {
+    if (home.empty())
+        return "No home directory is chosen yet";
+    if (name.empty() || name.find_first_of("/\\\r\n") != std::string::npos)
+        return "The name of a database is not empty and has no slash, backslash or line break in it";
+    DatabaseSettings settings = settingsOf(home, name);
+    if (pathExists(home + "/" + name + std::string(extension)))
+        return "There is a database " + quoted(name) + " already";
+    std::string reason;
+    settings.databaseDirectory = absoluteDirectory(directory, reason).c_str();
+    if (!reason.empty())
+        return reason;
+    constexpr std::int32_t grey = 192;
+    std::fill_n(settings.backgroundColour, 3, grey);
+    if (writeDatabaseFile(settings) == 1)
+        return {};
+    return "The settings of the database can't be written in " + quoted(home) + ". " +
+           reasonOf(GetLastError());
+}
+
+std::string startInspecting() {
+    constexpr int started = 32; // and above
+    const int result = WinExec("txinspect");
+    if (result >= started)
+        return {};
+    return "The program txinspect can't be started. " + reasonOf(static_cast<std::uint32_t>(result));
+}

@@ -1,0 +1,24 @@
+// What the start-up program does: it knows the databases of the home directory, adds one, and makes one the
+// current database. Each operation that can fail gives the reason in words, empty on success.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// The home directory and the current database of the settings store; empty where there is none.
+std::string currentHome();
+std::string currentDatabaseName();
+
+// The names of the databases whose settings files lie in the home directory, in the order of their names.
+std::vector<std::string> databaseNames(const std::string& home);
+// The directory that the settings file of the database names; empty if there is none.
+std::string directoryOfDatabase(const std::string& home, const std::string& name);
+
+// Makes the directory the home directory of the settings store, under its absolute path.
+std::string chooseHome(const std::string& home);
+// Makes a database of the home directory the current one.
+std::string chooseDatabase(const std::string& home, const std::string& name);
+// Writes a new settings file for the database in the directory, under its absolute path.
+std::string addDatabase(const std::string& home, const std::string& name, const std::string& directory);
+// Starts the tool, which takes the current database.
+std::string startInspecting();

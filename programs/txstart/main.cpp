@@ -1,0 +1,46 @@
+// txstart: the start-up program, which chooses the database and starts its inspection.
+#include <QApplication>
+#include <cstdio>
+
+#include "choices.h"
+#include "options.h"
+#include "startwindow.h"
+
+namespace {
+
+// The reason of the first step that fails, which ends the work; empty on success.
+std::string carryOut(const Options& options) {
+    std::string reason;
+    if (options.home)
+        reason = chooseHome(*options.home);
+    if (reason.empty() && !options.add.empty())
+        reason = addDatabase(currentHome(), options.add[0], options.add[1]);
+    if (reason.empty() && options.database)
+        reason = chooseDatabase(currentHome(), *options.database);
+    if (reason.empty() && options.inspect)
+        reason = startInspecting();
+    return reason;
+}
+
+int showWindow(int argc, char** argv) {
+    QApplication application(argc, argv);
+    StartWindow window;
+    window.show();
+    return QApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    int status = statusDone;
+    const std::optional<Options> options = parseOptions(argc, argv, status);
+    if (!options)
+        return status;
+    if (options->nothingAsked())
+        return showWindow(argc, argv);
+    const std::string reason = carryOut(*options);
+    if (reason.empty())
+        return statusDone;
+    std::fprintf(stderr, "txstart: %s\n", reason.c_str());
+    return statusFailed;
+}

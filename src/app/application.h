@@ -1,0 +1,34 @@
+// The one application object, from the start of the process to its end, and what the whole process shares.
+#pragma once
+
+#include <memory>
+
+#include "platform/system/hold.h"
+#include "platform/system/text.h"
+#include "platform/window/winapp.h"
+
+class TSXdatabase;
+class TSXmainframe;
+
+class TSXapp : public CWinApp {
+public:
+    // Finds the current database, takes hold of it and starts the log. A failure is shown and ends the
+    // process from here, without the destructor.
+    TSXapp();
+    // Gives up the model, the log and the hold, in this order, and starts the start-up program.
+    ~TSXapp() override;
+
+    // Reads the database and opens the main window on it. Always 1.
+    int InitInstance() override;
+};
+
+// Set by the constructor.
+extern Text<2000> rootDirectory; // of the product: the directory above that of the program
+extern Text<2000> homeDirectory;
+extern Text<2000> currentDatabase; // its name
+extern Text<2000> databaseDirectory;
+extern HANDLE lockHandle; // the open marker file
+
+// Set by InitInstance.
+extern std::unique_ptr<TSXdatabase> database;
+extern TSXmainframe* mainFrame; // owned by the window system; null when it is gone

@@ -1,0 +1,20 @@
+// From the end of the message loop to that of the process. The window system is gone by then.
+#include "app/application.h"
+#include "app/edition.h"
+#include "app/log.h"
+#include "app/report.h"
+#include "model/database.h"
+#include "platform/system/directory.h"
+#include "platform/system/startprogram.h"
+#include "toolkit/drawing.h"
+
+TSXapp::~TSXapp() {
+    setReport({});
+    database.reset();
+    releaseDrawing();
+    endLog();
+    CloseHandle(lockHandle); // before the start-up program starts, which may start the tool again at once
+    SetCurrentDirectoryA(rootDirectory);
+    if (const char* program = startProgram(makerId(), productId()); *program != '\0')
+        WinExec(program);
+}

@@ -1,0 +1,100 @@
+// From the start of the process to the message loop.
+#include <cstdlib>
+#include <string>
+
+#include "app/application.h"
+#include "app/log.h"
+#include "app/marker.h"
+#include "app/report.h"
+#include "app/settings.h"
+#include "model/database.h"
+#include "platform/system/directory.h"
+#include "platform/window/msgbox.h"
+#include "resources/resources.h"
+#include "toolkit/drawing.h"
+#include "views/mainframe.h"
+
+Text<2000> rootDirectory;
+Text<2000> homeDirectory;
+Text<2000> currentDatabase;
+Text<2000> databaseDirectory;
+HANDLE lockHandle = INVALID_HANDLE_VALUE;
+std::unique_ptr<TSXdatabase> database;
+TSXmainframe* mainFrame = nullptr;
+
+namespace {
+
+// An exit from inside the constructor leaves without the destructor, and so without the start-up program.
+[[noreturn]] void leave(const char* text, std::uint32_t icon) {
+    report(text, "Error", MB_OK | icon);
+    std::exit(0);
+}
+
+void findRootDirectory() {
+    constexpr std::size_t programDirectory = 6; // the length of the last part of the path
+    std::string directory = GetCurrentDirectoryA();
+    if (directory.size() > programDirectory)
+        directory.resize(directory.size() - programDirectory);
+    rootDirectory = directory.c_str();
+}
+
+void findDatabase() {
+    DatabaseSettings settings;
+    if (readSettingsStore(settings) == 0)
+        leave(notStartedText, MB_ICONEXCLAMATION);
+    findRootDirectory();
+    if (readDatabaseFile(settings) == 0)
+        leave(noValidDatabaseText, MB_ICONHAND);
+    homeDirectory = settings.homeDirectory;
+    currentDatabase = settings.currentDatabase;
+    databaseDirectory = settings.databaseDirectory;
+}
+
+// The model has less room for the path than the settings, and a cut path could be that of another database.
+void refuseLongDirectory() {
+    constexpr std::size_t capacity = decltype(TSXdatabase::directory)::capacity();
+    if (databaseDirectory.view().size() < capacity)
+        return;
+    leave(Text<200>().format("The path of the database directory is too long: it has at most %zu bytes",
+                             capacity - 1),
+          MB_ICONEXCLAMATION);
+}
+
+void takeHold() {
+    lockHandle = openMarker(databaseDirectory);
+    if (lockHandle == INVALID_HANDLE_VALUE)
+        leave(lockFailureText().c_str(), MB_ICONEXCLAMATION);
+}
+
+void warnOfConnectedDatabase() {
+    if (hasConnectedDatabase(databaseDirectory) == 1 &&
+        report(connectedDatabaseText, "Warning", MB_OKCANCEL | MB_ICONINFORMATION) != IDOK)
+        std::exit(-1);
+}
+
+} // namespace
+
+TSXapp::TSXapp() {
+    setResources(programResources);
+    setReport([](const char* text, const char* title, std::uint32_t flags) {
+        SetCursor(IDC_ARROW); // a repair may have set the wait cursor
+        return MessageBoxA(mainFrame, text, title, flags);
+    });
+    findDatabase();
+    refuseLongDirectory();
+    takeHold();
+    warnOfConnectedDatabase();
+    initDrawing({192, 192, 192});
+    if (startLog(1, homeDirectory) == 0)
+        std::exit(0);
+}
+
+int TSXapp::InitInstance() {
+    database = std::make_unique<TSXdatabase>((std::string(rootDirectory) + "\\DATA\\").c_str());
+    mainFrame = new TSXmainframe;
+    database->load(databaseDirectory);
+    mainFrame->createMainWindow();
+    mainFrame->ShowWindow();
+    m_pMainWnd = mainFrame;
+    return 1;
+}

@@ -1,0 +1,153 @@
+#include "platform/window/dialog.h"
+
+#include <QDialog>
+#include <QEventLoop>
+#include <QFontMetrics>
+#include <QLabel>
+#include <QPushButton>
+#include <algorithm>
+#include <cstring>
+#include <string>
+
+#include "platform/system/messagebox.h"
+#include "platform/window/internal/bytefield.h"
+#include "platform/window/internal/conversion.h"
+#include "platform/window/internal/host.h"
+#include "platform/window/internal/modal.h"
+#include "platform/window/resources.h"
+#include "platform/window/testaccess.h"
+
+struct DialogWidgets {
+    explicit DialogWidgets(QWidget* parent)
+        : dialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                             Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint) {}
+
+    QDialog dialog;
+
+    QWidget* control(int id) const { return dialog.findChild<QWidget*>(QString::number(id)); }
+    ByteField* field(int id) const { return dynamic_cast<ByteField*>(control(id)); }
+};
+
+namespace {
+
+QWidget* makeControl(const DialogControl& row, CDialog& dialog, QDialog& window) {
+    switch (row.kind) {
+    case ControlKind::edit:
+        return new ByteField(&window);
+    case ControlKind::label: {
+        auto* const label = new QLabel(unicodeOf(row.text), &window);
+        label->setTextFormat(Qt::PlainText);
+        return label;
+    }
+    default:
+        break;
+    }
+    auto* const button = new QPushButton(labelOf(row.text), &window);
+    button->setAutoDefault(false);
+    button->setDefault(row.kind == ControlKind::defaultButton);
+    if (row.id == IDOK)
+        QObject::connect(button, &QPushButton::clicked, &window, [&dialog] { dialog.OnOK(); });
+    else
+        QObject::connect(button, &QPushButton::clicked, &window, &QDialog::reject);
+    return button;
+}
+
+// Sizes follow the font, as letters of the desktop's font have to fit in.
+void build(const DialogResource& resource, CDialog& dialog, QDialog& window) {
+    const QFontMetrics metrics(window.font());
+    const int across = std::max(metrics.averageCharWidth(), 1);
+    const int down = std::max(metrics.height(), 1);
+    const auto pixels = [](int units, int base, int unitsOfBase) {
+        return (units * base + unitsOfBase / 2) / unitsOfBase;
+    };
+    window.setFixedSize(pixels(resource.width, across, 4), pixels(resource.height, down, 8));
+    QWidget* before = nullptr;
+    for (const DialogControl& row : resource.controls) {
+        QWidget* const control = makeControl(row, dialog, window);
+        control->setObjectName(QString::number(row.id));
+        const int top = pixels(row.y, down, 8);
+        const int height = std::max(pixels(row.height, down, 8), row.kind == ControlKind::label ? down : 0);
+        control->setGeometry(pixels(row.x, across, 4), top, pixels(row.width, across, 4), height);
+        if (before != nullptr)
+            QWidget::setTabOrder(before, control);
+        else
+            control->setFocus();
+        before = control;
+    }
+}
+
+// Shows the dialog until it ends, by itself, with its parent or with the program.
+void run(QDialog& window, WindowHost& parent) {
+    const ModalScope modal;
+    const QPointer<WindowHost> owner(&parent);
+    QEventLoop loop;
+    QObject::connect(&window, &QDialog::finished, &loop, &QEventLoop::quit);
+    owner->setDialog(&window);
+    window.show();
+    loop.exec();
+    if (!owner)
+        return;
+    owner->setDialog(nullptr);
+    if (owner->wnd() != nullptr)
+        owner->activateWindow();
+}
+
+} // namespace
+
+CDialog::CDialog(int resourceNumber, CWnd& parent) : resourceNumber_(resourceNumber), parent_(parent) {}
+
+CDialog::~CDialog() = default;
+
+int CDialog::DoModal() {
+    const DialogResource* const resource = findDialog(resourceNumber_);
+    auto* const owner =
+        parent_.host() == nullptr ? nullptr : dynamic_cast<WindowHost*>(parent_.host()->window());
+    if (resource == nullptr || owner == nullptr)
+        return 0;
+    widgets_ = std::make_unique<DialogWidgets>(owner);
+    build(*resource, *this, widgets_->dialog);
+    OnInitDialog();
+    for (auto* const field : widgets_->dialog.findChildren<QLineEdit*>())
+        field->selectAll();
+    if (!answers.dialog)
+        run(widgets_->dialog, *owner);
+    else if (answers.dialog(*this) == IDOK)
+        OnOK();
+    const bool confirmed = widgets_->dialog.result() == QDialog::Accepted;
+    widgets_.reset();
+    return confirmed ? IDOK : IDCANCEL;
+}
+
+void CDialog::SetWindowTextA(const char* title) {
+    if (widgets_)
+        widgets_->dialog.setWindowTitle(titleOf(title));
+}
+
+void CDialog::SetDlgItemTextA(int control, const char* text) {
+    if (!widgets_)
+        return;
+    if (ByteField* const field = widgets_->field(control))
+        field->setBytes(text);
+    else if (auto* const label = dynamic_cast<QLabel*>(widgets_->control(control)))
+        label->setText(unicodeOf(text));
+}
+
+void CDialog::GetDlgItemTextA(int control, char* buffer, std::size_t size) const {
+    const ByteField* const field = widgets_ ? widgets_->field(control) : nullptr;
+    const std::string text = field == nullptr ? std::string() : field->bytes();
+    if (size == 0)
+        return;
+    const std::size_t length = cutBetweenCharacters(text, size - 1);
+    std::memcpy(buffer, text.data(), length);
+    buffer[length] = '\0';
+}
+
+void CDialog::LimitText(int control, int bytes) {
+    if (ByteField* const field = widgets_ ? widgets_->field(control) : nullptr)
+        field->setByteLimit(bytes);
+}
+
+void CDialog::OnOK() {
+    if (widgets_)
+        widgets_->dialog.accept();
+}

@@ -1,0 +1,42 @@
+#include "platform/window/framewnd.h"
+
+#include <QIcon>
+
+#include "platform/window/bitmap.h"
+#include "platform/window/dc.h"
+#include "platform/window/internal/host.h"
+#include "platform/window/resources.h"
+
+namespace {
+
+QIcon pictureOf(const IconResource& icon) {
+    CDC context;
+    CBitmap picture;
+    picture.CreateCompatibleBitmap(context, IconResource::size, IconResource::size);
+    context.SelectObject(&picture);
+    context.DrawIcon(0, 0, icon);
+    return QPixmap::fromImage(picture.canvas()->image());
+}
+
+} // namespace
+
+bool CFrameWnd::Create(const WindowClass& windowClass, const char* title, const RECT& rectangle, CWnd* parent,
+                       int menuNumber) {
+    if (host_ != nullptr || (parent != nullptr && parent->host_ == nullptr))
+        return false;
+    WindowHost* const owner = parent == nullptr ? nullptr : parent->host_;
+    host_ = new WindowHost(*this, windowClass, owner, Qt::Window); // goes with the window
+    if (windowClass.icon != nullptr)
+        host_->setWindowIcon(pictureOf(*windowClass.icon));
+    if (const MenuResource* const menu = findMenu(menuNumber))
+        host_->setMenu(*menu);
+    SetWindowTextA(title);
+    host_->move(rectangle.left, rectangle.top);
+    host_->resize(rectangle.right - rectangle.left, rectangle.bottom - rectangle.top);
+    started();
+    return host_ != nullptr;
+}
+
+void CFrameWnd::PostNcDestroy() {
+    delete this;
+}

@@ -1,0 +1,92 @@
+#include "platform/window/internal/clientarea.h"
+
+#include <QPainter>
+#include <QWheelEvent>
+#include <cmath>
+
+#include "platform/window/internal/host.h"
+
+namespace {
+
+unsigned flagsOf(const QMouseEvent& event) {
+    return (event.modifiers() & Qt::ShiftModifier ? MK_SHIFT : 0U) |
+           (event.modifiers() & Qt::ControlModifier ? MK_CONTROL : 0U);
+}
+
+using MouseOperation = void (MessageTarget::*)(unsigned, int, int);
+
+void sendMouse(WindowHost& host, MouseOperation operation, const QMouseEvent& event) {
+    const QPointF place = event.position();
+    if (host.wnd() != nullptr)
+        (host.wnd()->*operation)(flagsOf(event), static_cast<int>(std::floor(place.x())),
+                                 static_cast<int>(std::floor(place.y())));
+}
+
+} // namespace
+
+ClientArea::ClientArea(WindowHost& host) : QWidget(&host), host_(host) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setMouseTracking(true);
+    setCursor(Qt::ArrowCursor);
+}
+
+bool ClientArea::event(QEvent* event) {
+    switch (event->type()) {
+    case QEvent::Leave:
+        if (host_.wnd() != nullptr && !host_.hasCapture())
+            host_.wnd()->onMouseLeave();
+        break;
+    case QEvent::Hide:
+    case QEvent::WindowDeactivate:
+        host_.endCapture();
+        break;
+    default:
+        break;
+    }
+    return QWidget::event(event);
+}
+
+// Copies the surface, one device pixel to one, also where the widget begins between two.
+void ClientArea::paintEvent(QPaintEvent* /*event*/) {
+    host_.paintInvalid();
+    const Canvas& surface = *host_.surface();
+    QPainter painter(this);
+    const QPointF begin = painter.deviceTransform().map(QPointF(0, 0));
+    painter.setWorldTransform(QTransform::fromScale(1 / surface.scale(), 1 / surface.scale()));
+    painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.drawImage(QPointF(std::floor(begin.x() + 0.5), std::floor(begin.y() + 0.5)) - begin,
+                      surface.image());
+}
+
+void ClientArea::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        sendMouse(host_, &MessageTarget::onLeftButtonDown, *event);
+    else if (event->button() == Qt::RightButton)
+        sendMouse(host_, &MessageTarget::onRightButtonDown, *event);
+}
+
+void ClientArea::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        sendMouse(host_, &MessageTarget::onLeftButtonUp, *event);
+    else if (event->button() == Qt::RightButton)
+        sendMouse(host_, &MessageTarget::onRightButtonUp, *event);
+    if (event->buttons() == Qt::NoButton)
+        host_.endCapture();
+}
+
+void ClientArea::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton)
+        sendMouse(host_, &MessageTarget::onLeftButtonDoubleClick, *event);
+}
+
+void ClientArea::mouseMoveEvent(QMouseEvent* event) {
+    sendMouse(host_, &MessageTarget::onMouseMove, *event);
+}
+
+void ClientArea::wheelEvent(QWheelEvent* event) {
+    host_.wheel(*event);
+}
+
+void ClientArea::timerEvent(QTimerEvent* event) {
+    host_.timeOut(event->timerId());
+}

@@ -1,0 +1,25 @@
+// The client area of a window: copies the window's surface to the screen and hands on its events of the
+// mouse.
+#pragma once
+
+#include <QWidget>
+
+class WindowHost;
+
+class ClientArea : public QWidget {
+public:
+    explicit ClientArea(WindowHost& host);
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void timerEvent(QTimerEvent* event) override;
+
+private:
+    WindowHost& host_;
+};

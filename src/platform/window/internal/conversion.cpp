@@ -1,0 +1,85 @@
+#include "platform/window/internal/conversion.h"
+
+#include <QStringDecoder>
+#include <algorithm>
+#include <array>
+
+namespace {
+
+// Windows-1252 from 0x80 to 0x9F; all else is Latin-1.
+constexpr std::array<char16_t, 32> upperControls = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
+};
+
+QByteArrayView viewOf(std::string_view bytes) {
+    return {bytes.data(), static_cast<qsizetype>(bytes.size())};
+}
+
+QString decodeUtf8(std::string_view bytes, bool& valid) {
+    // Stateless makes an unfinished character at the end an error; a byte order mark is a character like
+    // others.
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    QString text = decoder(viewOf(bytes));
+    valid = !decoder.hasError();
+    return text;
+}
+
+char windows1252Of(char16_t unit) {
+    if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF))
+        return static_cast<char>(unit);
+    const auto* const found = std::find(upperControls.begin(), upperControls.end(), unit);
+    return found == upperControls.end() ? '?' : static_cast<char>(0x80 + (found - upperControls.begin()));
+}
+
+} // namespace
+
+TextEncoding encodingOf(std::string_view bytes) {
+    bool valid = false;
+    decodeUtf8(bytes, valid);
+    return valid ? TextEncoding::utf8 : TextEncoding::windows1252;
+}
+
+QString unicodeOf(std::string_view bytes) {
+    bool valid = false;
+    QString text = decodeUtf8(bytes, valid);
+    if (valid)
+        return text;
+    text = QString::fromLatin1(viewOf(bytes));
+    for (QChar& letter : text) {
+        if (letter >= QChar(0x80) && letter < QChar(0xA0))
+            letter = QChar(upperControls[letter.unicode() - 0x80U]);
+    }
+    return text;
+}
+
+QByteArray bytesOf(const QString& text, TextEncoding encoding) {
+    if (encoding == TextEncoding::utf8)
+        return text.toUtf8();
+    QByteArray bytes;
+    for (const QChar letter : text) {
+        if (!letter.isLowSurrogate()) // its first half has become the question mark
+            bytes.append(windows1252Of(letter.unicode()));
+    }
+    return bytes;
+}
+
+std::size_t cutBetweenCharacters(std::string_view bytes, std::size_t limit) {
+    if (bytes.size() <= limit)
+        return bytes.size();
+    if (encodingOf(bytes) == TextEncoding::windows1252)
+        return limit;
+    while (limit > 0 && (static_cast<unsigned char>(bytes[limit]) & 0xC0) == 0x80)
+        --limit;
+    return limit;
+}
+
+QString labelOf(std::string_view bytes) {
+    return unicodeOf(bytes).replace('&', "&&");
+}
+
+QString titleOf(std::string_view bytes) {
+    return unicodeOf(bytes).replace("[*]", "[*][*]");
+}

@@ -1,0 +1,284 @@
+#include "platform/window/internal/host.h"
+
+#include <QMenu>
+#include <QMenuBar>
+#include <QWheelEvent>
+#include <algorithm>
+#include <cmath>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "platform/window/internal/conversion.h"
+#include "platform/window/internal/modal.h"
+#include "platform/window/resources.h"
+
+namespace {
+
+// A scroll bar of a window: the wheel over it is the window's, and it has no menu of its own.
+class WindowBar : public QScrollBar {
+public:
+    WindowBar(Qt::Orientation orientation, WindowHost& host) : QScrollBar(orientation, &host), host_(host) {
+        setContextMenuPolicy(Qt::NoContextMenu);
+        setFocusPolicy(Qt::NoFocus);
+    }
+
+protected:
+    void wheelEvent(QWheelEvent* event) override { host_.wheel(*event); }
+
+private:
+    WindowHost& host_;
+};
+
+int scrollCode(int action) {
+    switch (action) {
+    case QAbstractSlider::SliderSingleStepAdd:
+        return SB_LINEDOWN;
+    case QAbstractSlider::SliderSingleStepSub:
+        return SB_LINEUP;
+    case QAbstractSlider::SliderPageStepAdd:
+        return SB_PAGEDOWN;
+    case QAbstractSlider::SliderPageStepSub:
+        return SB_PAGEUP;
+    case QAbstractSlider::SliderToMinimum:
+        return SB_TOP;
+    case QAbstractSlider::SliderToMaximum:
+        return SB_BOTTOM;
+    default:
+        return SB_THUMBTRACK;
+    }
+}
+
+std::vector<WindowHost*> childHosts(const QObject& parent) {
+    std::vector<WindowHost*> found;
+    for (QObject* child : parent.children()) {
+        if (auto* const host = dynamic_cast<WindowHost*>(child))
+            found.push_back(host);
+    }
+    return found;
+}
+
+} // namespace
+
+WindowHost::WindowHost(CWnd& wnd, const WindowClass& windowClass, QWidget* parent, Qt::WindowFlags flags)
+    : QWidget(parent, flags), wnd_(&wnd), background_(windowClass.background),
+      client_(new ClientArea(*this)) {
+    setFocusPolicy(Qt::NoFocus);
+    setAutoFillBackground(true); // the corner between the bars
+}
+
+WindowHost::~WindowHost() {
+    if (wnd_ != nullptr) // the window system has gone before the window
+        wnd_->host_ = nullptr;
+}
+
+void WindowHost::detach() {
+    for (WindowHost* owned : childHosts(*this)) {
+        if (owned->wnd() != nullptr)
+            owned->wnd()->DestroyWindow();
+    }
+    hide(); // at once with all that is in it
+    for (WindowHost* child : childHosts(*client_)) {
+        if (child->wnd() != nullptr)
+            child->wnd()->DestroyWindow();
+    }
+    wnd_ = nullptr;
+    timers_.clear();
+    endCapture();
+    if (dialog_)
+        dialog_->reject();
+    retire(this);
+}
+
+QRect WindowHost::clientRectangle() const {
+    const auto extent = [](const Bar& bar, bool wide) {
+        if (bar.widget == nullptr)
+            return 0;
+        return wide ? bar.widget->sizeHint().width() : bar.widget->sizeHint().height();
+    };
+    const int top = menu_ == nullptr ? 0 : menu_->heightForWidth(width());
+    const int right = std::max(width() - extent(bars_[SB_VERT], true), 0);
+    const int bottom = std::max(height() - extent(bars_[SB_HORZ], false), top);
+    return {0, top, right, bottom - top};
+}
+
+void WindowHost::arrange() {
+    const QRect area = clientRectangle();
+    const int right = area.left() + area.width();
+    const int bottom = area.top() + area.height();
+    client_->setGeometry(area);
+    if (menu_ != nullptr)
+        menu_->setGeometry(0, 0, width(), area.top());
+    if (bars_[SB_VERT].widget != nullptr)
+        bars_[SB_VERT].widget->setGeometry(right, area.top(), width() - right, area.height());
+    if (bars_[SB_HORZ].widget != nullptr)
+        bars_[SB_HORZ].widget->setGeometry(area.left(), bottom, area.width(), height() - bottom);
+}
+
+void WindowHost::tellSize() {
+    const QSize size = clientSize();
+    if (wnd_ == nullptr || size == toldSize_)
+        return;
+    toldSize_ = size;
+    invalidate(QRect(QPoint(0, 0), size), true);
+    wnd_->onSize(isMaximized() ? SIZE_MAXIMIZED : SIZE_RESTORED, size.width(), size.height());
+}
+
+bool WindowHost::event(QEvent* event) {
+    const bool done = QWidget::event(event);
+    const bool changesPlaces = event->type() == QEvent::Resize || event->type() == QEvent::Show ||
+                               event->type() == QEvent::LayoutRequest; // the menu wants another height
+    if (changesPlaces) {
+        arrange();
+        tellSize();
+    }
+    return done;
+}
+
+void WindowHost::setMenu(const MenuResource& menu) {
+    menu_ = new QMenuBar(this);
+    menu_->setNativeMenuBar(false);
+    QMenu* column = nullptr;
+    const char* title = nullptr;
+    for (const MenuEntry& entry : menu.entries) {
+        if (column == nullptr || std::string_view(title) != entry.menu)
+            column = menu_->addMenu(labelOf(entry.menu));
+        title = entry.menu;
+        connect(column->addAction(labelOf(entry.text)), &QAction::triggered, this,
+                [this, id = entry.id] { postCommand(id); });
+    }
+}
+
+void WindowHost::setDialog(QDialog* dialog) {
+    dialog_ = dialog;
+    client_->setEnabled(dialog ==
+                        nullptr); // not the whole host: the windows that belong to it stay as they are
+    if (menu_ != nullptr)
+        menu_->setEnabled(dialog == nullptr);
+}
+
+void WindowHost::postCommand(std::uint32_t id) {
+    const auto deliver = [this, id] {
+        if (wnd_ != nullptr)
+            wnd_->onCommand(id);
+    };
+    QMetaObject::invokeMethod(this, deliver, Qt::QueuedConnection);
+}
+
+const std::shared_ptr<Canvas>& WindowHost::surface() {
+    const QRect all(QPoint(0, 0), clientSize());
+    const double scale = client_->devicePixelRatioF();
+    if (!surface_)
+        surface_ = std::make_shared<Canvas>(QSize(), scale);
+    if (surface_->size() != all.size() || surface_->scale() != scale) {
+        surface_->reset(all.size(), scale, background_);
+        update_ = erase_ = all;
+    }
+    return surface_;
+}
+
+void WindowHost::invalidate(const QRegion& region, bool erase) {
+    update_ += region;
+    if (erase)
+        erase_ += region;
+    client_->update(region);
+}
+
+bool WindowHost::paintInvalid() {
+    surface(); // a new one makes all of it invalid
+    if (wnd_ == nullptr || painting_ || update_.isEmpty() || !client_->isVisible())
+        return false;
+    painting_ = true;
+    wnd_->onPaint();
+    painting_ = false;
+    return true;
+}
+
+void WindowHost::paintAtOnce() {
+    if (paintInvalid())
+        client_->repaint();
+}
+
+QRegion WindowHost::takeUpdateRegion() {
+    const QRect all(QPoint(0, 0), clientSize());
+    QRegion region = std::exchange(update_, {}) & all;
+    const QRegion erase = surface()->toDevice(std::exchange(erase_, {}) & all);
+    surface_->fill(erase.boundingRect(), background_, erase);
+    return region;
+}
+
+void WindowHost::scroll(int dx, int dy) {
+    const QRect all(QPoint(0, 0), clientSize());
+    const double scale = surface()->scale();
+    const double deviceX = dx * scale;
+    const double deviceY = dy * scale;
+    if (deviceX != std::floor(deviceX) || deviceY != std::floor(deviceY)) {
+        // No whole device pixels: moved ones would not lie where painted ones do.
+        invalidate(all, true);
+        return;
+    }
+    surface_->move(static_cast<int>(deviceX), static_cast<int>(deviceY));
+    update_ = update_.translated(dx, dy) & all;
+    erase_ = erase_.translated(dx, dy) & all;
+    invalidate(QRegion(all) - all.translated(dx, dy), true);
+    client_->update();
+}
+
+void WindowHost::showBar(ScrollBarKind kind) {
+    Bar& shown = bars_[kind];
+    if (shown.widget != nullptr)
+        return;
+    shown.widget = new WindowBar(kind == SB_VERT ? Qt::Vertical : Qt::Horizontal, *this);
+    connect(shown.widget, &QScrollBar::actionTriggered, this,
+            [this, kind](int action) { barMoved(kind, action); });
+    connect(shown.widget, &QScrollBar::sliderReleased, this,
+            [this, kind] { sendScroll(kind, SB_THUMBPOSITION, range(kind).info().nPos); });
+    setRange(kind, shown.range);
+    shown.widget->show();
+    arrange();
+    tellSize();
+}
+
+void WindowHost::setRange(ScrollBarKind kind, const ScrollRange& range) {
+    bars_[kind].range = range;
+    QScrollBar* const widget = bars_[kind].widget;
+    if (widget == nullptr)
+        return;
+    widget->setRange(0, range.limit());
+    widget->setPageStep(std::max(range.info().nPage, 1));
+    widget->setValue(range.info().nPos);
+    widget->setEnabled(range.limit() > 0);
+}
+
+void WindowHost::barMoved(ScrollBarKind kind, int action) {
+    QScrollBar* const widget = bars_[kind].widget;
+    const int wanted = widget->sliderPosition();
+    const int code = scrollCode(action);
+    sendScroll(kind, code, code == SB_THUMBTRACK ? wanted : 0);
+    widget->setSliderPosition(bars_[kind].range.info().nPos); // the window has the last word
+}
+
+void WindowHost::sendScroll(ScrollBarKind kind, int code, int position) {
+    if (wnd_ == nullptr)
+        return;
+    const int carried = static_cast<std::int16_t>(position); // as wide as the message is
+    if (kind == SB_VERT)
+        wnd_->onVScroll(code, carried);
+    else
+        wnd_->onHScroll(code, carried);
+}
+
+void WindowHost::setTimer(std::uint32_t id, int milliseconds) {
+    timers_[id].start(milliseconds, client_);
+}
+
+void WindowHost::killTimer(std::uint32_t id) {
+    timers_.erase(id);
+}
+
+void WindowHost::timeOut(int timer) {
+    const auto isIt = [timer](const auto& entry) { return entry.second.timerId() == timer; };
+    const auto found = std::find_if(timers_.begin(), timers_.end(), isIt);
+    if (wnd_ != nullptr && found != timers_.end())
+        wnd_->onTimer(found->first);
+}

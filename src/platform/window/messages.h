@@ -1,0 +1,55 @@
+// What can happen to a window, as operations that a window class overrides. The base of CWnd.
+#pragma once
+
+#include <cstdint>
+
+#include "platform/system/cobject.h"
+
+// Bits of the flags of a mouse operation.
+constexpr unsigned MK_SHIFT = 0x04;
+constexpr unsigned MK_CONTROL = 0x08;
+
+enum SizeType : int { SIZE_RESTORED = 0, SIZE_MAXIMIZED = 2 };
+
+enum ScrollCode : int {
+    SB_LINEUP = 0,
+    SB_LINEDOWN = 1,
+    SB_PAGEUP = 2,
+    SB_PAGEDOWN = 3,
+    SB_THUMBPOSITION = 4, // the thumb was let go
+    SB_THUMBTRACK = 5,    // the thumb is being dragged
+    SB_TOP = 6,
+    SB_BOTTOM = 7,
+    SB_ENDSCROLL = 8,
+};
+
+class MessageTarget : public CObject {
+public:
+    virtual void onCreate() {} // the window is there, not yet on show
+    // The client area has a new size; also when the window is made. The type is a SizeType.
+    virtual void onSize(int /*type*/, int /*width*/, int /*height*/) {}
+    virtual void onPaint() {}                       // CWnd's makes a CPaintDC, so that it is erased
+    virtual void onClose() {}                       // the person wants to close it; CWnd's destroys it
+    virtual void onCommand(std::uint32_t /*id*/) {} // chosen from a menu
+    virtual void onTimer(std::uint32_t /*id*/) {}
+
+    // x and y are client pixels, also outside of the client area while a button is held. Flags: MK_SHIFT,
+    // MK_CONTROL. A double click is press, release, double click, release.
+    virtual void onLeftButtonDown(unsigned /*flags*/, int /*x*/, int /*y*/) {}
+    virtual void onLeftButtonUp(unsigned /*flags*/, int /*x*/, int /*y*/) {}
+    virtual void onLeftButtonDoubleClick(unsigned /*flags*/, int /*x*/, int /*y*/) {}
+    virtual void onRightButtonDown(unsigned /*flags*/, int /*x*/, int /*y*/) {}
+    virtual void onRightButtonUp(unsigned /*flags*/, int /*x*/, int /*y*/) {}
+    virtual void onMouseMove(unsigned /*flags*/, int /*x*/, int /*y*/) {}
+    virtual void onMouseLeave() {}     // the mouse has left the client area, with no button held
+    virtual void onCaptureChanged() {} // the capture that SetCapture took is over, for whatever reason
+
+    // Keys reach frames only. Codes are those of the platform; a key that is held repeats with flag 0x4000.
+    virtual void onKeyDown(std::uint32_t /*key*/, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) {}
+    virtual void onChar(std::uint32_t /*unicode*/, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) {}
+
+    // From the window's own bars, and in lines, three a notch, from wheel and touchpad. The code is a
+    // ScrollCode; the position is the thumb's, its low 16 bits with their sign, as the platform carries it.
+    virtual void onVScroll(int /*code*/, int /*position*/) {}
+    virtual void onHScroll(int /*code*/, int /*position*/) {}
+};

@@ -1,0 +1,33 @@
+// For tests only: the door through which all goes that asks the person, and a look at what is on show.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "platform/window/colour.h"
+
+class CDialog;
+class CMenu;
+class CWnd;
+class QWidget;
+
+// Answers given before anything is shown. Where one is set, nothing appears on the screen.
+struct Answers {
+    std::function<int(const char* text, const char* title, std::uint32_t flags)> messageBox;
+    // Called when the dialog stands, its OnInitDialog behind it: may set and read its controls as the person
+    // would. IDOK then takes the way of the OK button, anything else that of Cancel.
+    std::function<int(CDialog& dialog)> dialog;
+    // The id of the chosen entry, or 0 for none.
+    std::function<std::uint32_t(const CMenu& menu)> popupMenu;
+    std::function<void()> beep;
+};
+extern Answers answers;
+
+// The colour on the window's surface in the middle of a client pixel; 0xFFFFFFFF outside of it.
+COLORREF surfacePixel(const CWnd& window, int x, int y);
+// Writes the whole window as it would be on the screen, with menu and bars and child windows, to a PNG file.
+bool saveWindow(const CWnd& window, const char* path);
+
+// The widgets that take real events: the client area (mouse, wheel) and the whole window (keys, close).
+QWidget* clientWidget(const CWnd& window);
+QWidget* outerWidget(const CWnd& window);

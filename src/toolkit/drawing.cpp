@@ -1,0 +1,148 @@
+#include "toolkit/drawing.h"
+
+#include <algorithm>
+#include <map>
+
+#include "platform/window/resources.h"
+#include "platform/window/windowdc.h"
+#include "toolkit/icons.h"
+
+namespace {
+
+constexpr COLORREF black = RGB(0, 0, 0);
+constexpr COLORREF red = RGB(255, 0, 0);
+constexpr COLORREF green = RGB(0, 255, 0);
+constexpr COLORREF blue = RGB(0, 0, 255);
+
+struct FontRow {
+    int number;
+    int height;
+    int escapement;
+    int weight;
+    bool italic;
+    const char* face;
+};
+
+constexpr FontRow fontRows[] = {
+    {1, -11, 0, 400, false, "arial"},       {2, -12, 0, 700, false, "arial"},
+    {3, -11, 0, 400, true, "arial"},        {4, -9, 0, 400, false, "arial"},
+    {5, -14, 0, 400, false, "courier new"}, {6, -7, 0, 400, false, "arial"},
+    {7, -11, 0, 400, true, "arial"},        {101, -11, 900, 400, false, "arial"},
+    {102, -10, 900, 400, false, "arial"},
+};
+
+using Channels = std::array<std::int32_t, 3>;
+
+struct DrawingSet {
+    std::map<int, COLORREF> colours;
+    std::map<int, CBrush> brushes;
+    std::map<int, CPen> pens;
+    std::map<int, CFont> fonts;
+};
+
+DrawingSet set;
+
+template <class Formula> COLORREF perChannel(const Channels& base, Formula formula) {
+    return RGB(static_cast<int>(formula(base[0])), static_cast<int>(formula(base[1])),
+               static_cast<int>(formula(base[2])));
+}
+
+// A little darker, and further from grey.
+COLORREF accent(const Channels& base) {
+    const int middle = static_cast<int>((base[0] + base[1] + base[2]) * 0.31);
+    return perChannel(base, [middle](int c) {
+        const int darker = static_cast<int>(c * 0.88);
+        return std::clamp(static_cast<int>(darker + (darker - middle) * 1.5), 0, 255);
+    });
+}
+
+void makeColours(const Channels& base) {
+    set.colours = {
+        {1, perChannel(base, [](int c) { return c; })},
+        {2, perChannel(base, [](int c) { return c * 0.86; })},
+        {3, perChannel(base, [](int c) { return c * 0.76; })},
+        {-1, perChannel(base, [](int c) { return c * 0.7; })},
+        {0, perChannel(base, [](int c) { return 255.0 - (255 - c) * 0.4; })},
+        {101, accent(base)},
+        {4, green},
+    };
+}
+
+void makeBrushes() {
+    const CClientDC screen(nullptr);
+    for (const int number : {1, 2, 3})
+        set.brushes.try_emplace(number, screen.GetNearestColor(getColour(number)));
+    set.brushes.try_emplace(4, green);
+    set.brushes.try_emplace(5, blue);
+    set.brushes.try_emplace(6, red);
+    set.brushes.try_emplace(101, getColour(101));
+    set.brushes.try_emplace(201, GetSysColor(COLOR_BTNFACE));
+}
+
+void makePens() {
+    set.pens.try_emplace(1, getColour(0));
+    set.pens.try_emplace(2, getColour(-1));
+    set.pens.try_emplace(3, getColour(1));
+    set.pens.try_emplace(5, red);
+    set.pens.try_emplace(6, blue);
+    set.pens.try_emplace(199, GetSysColor(COLOR_3DLIGHT));
+    set.pens.try_emplace(200, GetSysColor(COLOR_BTNHIGHLIGHT));
+    set.pens.try_emplace(201, GetSysColor(COLOR_BTNFACE));
+    set.pens.try_emplace(202, GetSysColor(COLOR_BTNSHADOW));
+    set.pens.try_emplace(203, GetSysColor(COLOR_3DDKSHADOW));
+}
+
+// The object of the number, else the first one; null before there is a set.
+template <class Object> const Object* find(const std::map<int, Object>& objects, int number) {
+    const auto found = objects.find(number);
+    if (found != objects.end())
+        return &found->second;
+    return objects.empty() ? nullptr : &objects.at(1);
+}
+
+} // namespace
+
+void initDrawing(const std::array<std::int32_t, 3>& base) {
+    releaseDrawing();
+    makeColours(base);
+    makeBrushes();
+    makePens();
+    for (const FontRow& row : fontRows)
+        set.fonts.try_emplace(row.number, row.height, row.escapement, row.weight, row.italic, row.face);
+}
+
+void releaseDrawing() {
+    set.brushes.clear();
+    set.pens.clear();
+    set.fonts.clear();
+    set.colours.clear();
+}
+
+COLORREF getColour(int number) {
+    const auto found = set.colours.find(number);
+    return found == set.colours.end() ? black : found->second;
+}
+
+const CBrush* getBrush(int number) {
+    return find(set.brushes, number);
+}
+
+const CPen* getPen(int number) {
+    return find(set.pens, number);
+}
+
+const CFont* getFont(int number) {
+    return find(set.fonts, number);
+}
+
+void paintIcon(CDC& dc, int x, int y, int number) {
+    for (const IconPart& part : iconParts(number)) {
+        const COLORREF colour = part.colour == iconBaseColour ? getColour(1) : hexColour(part.colour);
+        if (part.width == 0)
+            dc.SetPixel(x + part.x, y + part.y, colour);
+        else
+            dc.FillSolidRect(x + part.x, y + part.y, part.width, part.height, colour);
+    }
+    if (const IconResource* const stored = LoadIconA(storedIcon(number)))
+        dc.DrawIcon(x, y, *stored);
+}

@@ -1,0 +1,105 @@
+#include "toolkit/frame.h"
+
+#include "platform/window/statusbarctrl.h"
+#include "platform/window/windowdc.h"
+#include "toolkit/drawing.h"
+
+namespace {
+
+constexpr int statusStrip = 20; // pixels at the bottom of the client area
+constexpr int statusGap = 2;    // from the line above the strip to the bar
+constexpr int statusHeight = 21;
+constexpr std::uint32_t lastCommand = 9001;
+
+int kindOf(unsigned flags) {
+    return (flags & MK_SHIFT) != 0 ? 2 : 1;
+}
+
+void drawLine(CDC& dc, int x1, int y1, int x2, int y2) {
+    dc.MoveTo(x1, y1);
+    dc.LineTo(x2, y2);
+}
+
+} // namespace
+
+TSXframe::TSXframe() = default;
+TSXframe::~TSXframe() = default;
+
+void TSXframe::getInnerSize(int& right, int& bottom) const {
+    const RECT client = GetClientRect();
+    right = client.right - 1;
+    bottom = client.bottom - (hasStatusBar == 1 ? statusStrip : 1);
+}
+
+void TSXframe::onCreate() {
+    if (hasStatusBar == 1) {
+        statusBar = std::make_unique<CStatusBarCtrl>();
+        statusBar->Create(*this);
+    }
+    frameCreated();
+}
+
+void TSXframe::onSize(int type, int width, int height) {
+    frameSized(type, width, height);
+    if (hasStatusBar != 1 || !statusBar)
+        return;
+    int right = 0;
+    int bottom = 0;
+    getInnerSize(right, bottom);
+    statusBar->SetWindowPos(0, bottom + statusGap, right, statusHeight);
+}
+
+void TSXframe::onPaint() {
+    CPaintDC dc(*this);
+    dc.SelectStockObject(BLACK_PEN);
+    paintFrame(dc);
+    if (hasBorder != 0)
+        drawBorder(dc);
+    dc.SelectStockObject(BLACK_PEN);
+    dc.SelectStockObject(BLACK_BRUSH);
+    dc.SelectStockObject(SYSTEM_FONT);
+}
+
+// Dark on the left and at the top, light on the right and above the status bar: the area looks sunken.
+void TSXframe::drawBorder(CDC& dc) const {
+    const RECT client = GetClientRect();
+    int right = 0;
+    int bottom = 0;
+    getInnerSize(right, bottom);
+    dc.SelectObject(getPen(202));
+    drawLine(dc, 0, 0, 0, client.bottom);
+    drawLine(dc, 0, 0, client.right, 0);
+    dc.SelectObject(getPen(200));
+    drawLine(dc, right, 0, right, client.bottom);
+    drawLine(dc, 0, bottom, client.right, bottom);
+}
+
+void TSXframe::onClose() {
+    if (canClose() != 0)
+        DestroyWindow(); // and with it this object
+}
+
+void TSXframe::onCommand(std::uint32_t id) {
+    if (id >= 1 && id <= lastCommand)
+        frameCommand(id);
+}
+
+void TSXframe::onLeftButtonDown(unsigned flags, int x, int y) {
+    leftDown(kindOf(flags), x, y);
+}
+
+void TSXframe::onLeftButtonUp(unsigned /*flags*/, int x, int y) {
+    leftUp(1, x, y);
+}
+
+void TSXframe::onMouseMove(unsigned flags, int x, int y) {
+    frameMouseMove(kindOf(flags), x, y);
+}
+
+void TSXframe::onKeyDown(std::uint32_t key, std::uint32_t repeat, std::uint32_t flags) {
+    keyDown(key, repeat, flags);
+}
+
+void TSXframe::onChar(std::uint32_t unicode, std::uint32_t repeat, std::uint32_t flags) {
+    charTyped(unicode, repeat, flags);
+}

@@ -1,0 +1,53 @@
+// A child window of a frame: its messages as plain operations to override. Keys reach the frame only. A pane
+// is made by its frame with Create and the background of getBrush(1), laid out with placeAt, and deleted by
+// the frame.
+#pragma once
+
+#include "platform/window/wnd.h"
+
+class CDC;
+
+// The button and the keys held, as one number, in the mouse operations of a pane.
+enum MouseKind : int {
+    leftPress = 1, // also the release of the left button, and a move
+    leftDouble = 2,
+    moveWithShift = 2,
+    leftWithControl = 5,
+    leftWithShift = 6, // with both keys, a press arrives as 5 and then as 6
+    rightPress = 11,   // also the release of the right button
+    rightWithShift = 13,
+};
+
+class TSXpane : public CWnd {
+public:
+    // In client pixels of the parent; the pane comes to lie on top of its sisters.
+    void placeAt(int x, int y, int width, int height);
+    void getClientSize(int& width, int& height) const;
+
+    virtual void paneCreated() {}
+    virtual void paneSized(int /*type*/, int /*width*/, int /*height*/) {} // SizeType, new client size
+    virtual void paintPane(CDC& /*dc*/) {} // what is invalid of the pane; the context clips to it
+
+    // Places are client pixels, also outside of the pane while a button is held. A double click is press,
+    // release, double, release.
+    virtual void mouseDown(int /*kind*/, int /*x*/, int /*y*/) {}
+    virtual void mouseUp(int /*kind*/, int /*x*/, int /*y*/) {}
+    virtual void mouseMove(int /*kind*/, int /*x*/, int /*y*/) {}
+
+    // ScrollCode, and the position of the thumb.
+    virtual void verticalScroll(int /*code*/, int /*position*/) {}
+    virtual void horizontalScroll(int /*code*/, int /*position*/) {}
+
+private:
+    void onCreate() override;
+    void onSize(int type, int width, int height) override;
+    void onPaint() override;
+    void onLeftButtonDown(unsigned flags, int x, int y) override;
+    void onLeftButtonUp(unsigned flags, int x, int y) override;
+    void onLeftButtonDoubleClick(unsigned flags, int x, int y) override;
+    void onRightButtonDown(unsigned flags, int x, int y) override;
+    void onRightButtonUp(unsigned flags, int x, int y) override;
+    void onMouseMove(unsigned flags, int x, int y) override;
+    void onVScroll(int code, int position) override;
+    void onHScroll(int code, int position) override;
+};

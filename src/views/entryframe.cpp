@@ -1,0 +1,99 @@
+#include "views/entryframe.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "model/database.h"
+#include "model/datafile.h"
+#include "model/keyentry.h"
+#include "platform/window/dc.h"
+#include "platform/window/msgbox.h"
+#include "resources/resources.h"
+#include "toolkit/promptdialog.h"
+#include "views/entrygridpane.h"
+#include "views/entrytypespane.h"
+#include "views/mainframe.h"
+#include "views/table.h"
+
+namespace {
+
+constexpr int namesWidth = 147;
+constexpr int gridX = 150;
+
+} // namespace
+
+TSXentryframe::TSXentryframe(TSXmainframe& main, TSXdatabase& owner, TSXkeyentry& entry)
+    : database(owner), mainWindow(main), key(entry) {}
+
+TSXentryframe::~TSXentryframe() {
+    mainWindow.entryWindowClosed(*this);
+}
+
+void TSXentryframe::createEntryWindow() {
+    const std::string title = "Entry " + key.key;
+    Create(AfxRegisterWndClass(getBrush(2), LoadIconA(applicationIcon)), title.c_str(),
+           RECT{120, 120, 650, 500}, &mainWindow, entryMenu);
+    ShowWindow();
+}
+
+void TSXentryframe::frameCreated() {
+    gridPane = makePane<TSXentrygridpane>(*this);
+    typeNamesPane = makePane<TSXentrytypespane>(*this);
+}
+
+void TSXentryframe::frameSized(int /*type*/, int /*width*/, int /*height*/) {
+    int right = 0;
+    int bottom = 0;
+    getInnerSize(right, bottom);
+    typeNamesPane->placeAt(1, 1, namesWidth, bottom - 1);
+    gridPane->placeAt(gridX, 1, right - gridX, bottom - 1);
+    gridPane->setGridRange();
+    typeNamesPane->InvalidateRect(false);
+    gridPane->InvalidateRect(false);
+}
+
+void TSXentryframe::paintFrame(CDC& dc) {
+    int right = 0;
+    int bottom = 0;
+    getInnerSize(right, bottom);
+    dc.SelectStockObject(WHITE_PEN);
+    dc.MoveTo(gridX - 2, 1);
+    dc.LineTo(gridX - 2, bottom);
+    dc.SelectObject(getPen(2));
+    dc.MoveTo(gridX - 1, 1);
+    dc.LineTo(gridX - 1, bottom);
+}
+
+void TSXentryframe::frameCommand(std::uint32_t id) {
+    if (id == exitCommand && canClose() == 1)
+        DestroyWindow(); // deletes this object
+    else if (id == editCommand)
+        changeKeyCommand();
+}
+
+void TSXentryframe::limitSelection() {
+    selectedOccurrence = std::max(std::min(selectedOccurrence, key.occurrences(selectedType)), 1);
+}
+
+void TSXentryframe::refreshEntry() {
+    limitSelection();
+    InvalidateRect(true);
+    gridPane->InvalidateRect(true);
+    gridPane->UpdateWindow();
+    typeNamesPane->InvalidateRect(true);
+    typeNamesPane->UpdateWindow();
+}
+
+void TSXentryframe::changeKeyCommand() {
+    constexpr int limit = 99;
+    if (selectedOccurrence < 1 || selectedOccurrence > key.occurrences(selectedType)) {
+        MessageBeep();
+        return;
+    }
+    char text[limit + 1] = {};
+    static_assert(maxkeylength < sizeof text);
+    std::strncpy(text, key.key.c_str(), limit);
+    // Where the window has gone meanwhile the answer is 0, and nothing of it may be touched.
+    if (promptForText(*this, "Change key", "Enter new key", text, limit) == 1)
+        mainWindow.changeKey(key, selectedType, selectedOccurrence, text);
+}

@@ -1,0 +1,101 @@
+#include "views/problempane.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "analysis/problem.h"
+#include "app/application.h"
+#include "model/database.h"
+#include "platform/window/menu.h"
+#include "platform/window/windowdc.h"
+#include "views/mainframe.h"
+#include "views/table.h"
+
+namespace {
+
+constexpr int buttonWidth = 40;
+constexpr int messageX = 5;
+constexpr int gap = 10; // between the longest message and the buttons
+
+void paintSolveButton(CDC& dc, int x, int rowTop, bool pressed) {
+    dc.SelectObject(getFont(1));
+    dc.FillSolidRect(x, rowTop + 1, buttonWidth, 18, RGB(192, 192, 192));
+    dc.SetTextColor(RGB(0, 128, 0));
+    dc.TextOutA(x + (pressed ? 8 : 7), rowTop + (pressed ? 3 : 2), "Solve");
+    COLORREF light = RGB(255, 255, 255);
+    COLORREF dark = RGB(128, 128, 128);
+    if (pressed)
+        std::swap(light, dark);
+    dc.FillSolidRect(x, rowTop + 1, buttonWidth, 1, light);
+    dc.FillSolidRect(x, rowTop + 1, 1, 18, light);
+    dc.FillSolidRect(x, rowTop + 18, buttonWidth, 1, dark);
+    dc.FillSolidRect(x + buttonWidth - 1, rowTop + 1, 1, 18, dark);
+}
+
+} // namespace
+
+int TSXproblempane::rowTop(int row) const {
+    return rowHeight * row - vStep * vPos - rowHeight;
+}
+
+void TSXproblempane::updateScrollRange() {
+    int width = 0;
+    int height = 0;
+    getClientSize(width, height);
+    hRange = 0;
+    vRange = scrollSteps(rowHeight * database->problemcount, height, vStep);
+    updateScrollBars();
+}
+
+void TSXproblempane::placeButtons(CDC& dc, int width) {
+    solveX = 0;
+    for (int r = 1; r <= database->problemcount; ++r) {
+        const SIZE extent = dc.GetTextExtentPoint32A(database->getproblem(r)->message);
+        solveX = std::max(solveX, messageX + extent.cx + gap);
+    }
+    solveX = std::min(solveX, width - buttonWidth);
+}
+
+void TSXproblempane::paintPane(CDC& dc) {
+    int width = 0;
+    int height = 0;
+    getClientSize(width, height);
+    beginTable(dc);
+    placeButtons(dc, width);
+    for (int r = 1; r <= database->problemcount; ++r) {
+        const int top = rowTop(r);
+        dc.SetBkColor(rowColour(r == owner.selectedProblem));
+        dc.SetTextColor(RGB(0, 0, 0));
+        paintCell(dc, messageX, {0, top, width, top + rowHeight}, database->getproblem(r)->message);
+        paintSolveButton(dc, solveX, top, false);
+    }
+    if (database->problemcount > 0)
+        fillBelow(dc, rowTop(database->problemcount + 1), width, height);
+}
+
+void TSXproblempane::mouseDown(int kind, int x, int y) {
+    const int row = (y + vStep * vPos) / rowHeight + 1;
+    const bool onRow = row >= 1 && row <= database->problemcount;
+    if (onRow) {
+        owner.selectedProblem = row;
+        InvalidateRect(false);
+    }
+    UpdateWindow(); // the selection stands on the screen before a menu opens
+    if (onRow && kind == leftPress && x >= solveX && x <= solveX + buttonWidth)
+        openMenu(row);
+}
+
+void TSXproblempane::openMenu(int row) {
+    const TSXproblem& problem = *database->getproblem(row);
+    CMenu menu;
+    for (int i = 1; i <= problem.solutioncount(); ++i)
+        menu.AppendMenuA(static_cast<std::uint32_t>(problem.solutioncommand(i)), problem.solutionlabel(i));
+    const int left = solveX;
+    const int top = rowTop(row);
+    const POINT below = ClientToScreen({left, top + rowHeight - 1});
+    CClientDC popupDC(this);
+    paintSolveButton(popupDC, left, top, true);
+    menu.TrackPopupMenu(below.x, below.y, owner);
+    // The window may have gone while the menu was open: nothing of the pane is touched from here on.
+    paintSolveButton(popupDC, left, top, false);
+}

@@ -1,0 +1,27 @@
+// The pane across the top of the main window: one row for each problem, with a "Solve" button that opens a
+// menu of the problem's solutions. The choice reaches the main window as a command.
+#pragma once
+
+#include <cstdint>
+
+#include "toolkit/scrollpane.h"
+
+class TSXmainframe;
+
+class TSXproblempane : public TSXscrollpane {
+public:
+    explicit TSXproblempane(TSXmainframe& frame) : owner(frame) {}
+
+    void updateScrollRange(); // after each change of the list or the pane's size
+    void paintPane(CDC& dc) override;
+    void mouseDown(int kind, int x, int y) override;
+
+    TSXmainframe& owner;
+
+private:
+    int rowTop(int row) const;
+    void placeButtons(CDC& dc, int width);
+    void openMenu(int row);
+
+    std::int32_t solveX = 0; // left edge of all buttons, worked out by each paint
+};

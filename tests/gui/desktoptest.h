@@ -1,0 +1,115 @@
+// A database with one problem of each kind and the main window on it, on show, with all questions answered.
+#pragma once
+
+#include <QTest>
+#include <algorithm>
+
+#include "app/application.h"
+#include "databasetest.h"
+#include "platform/window/msgbox.h"
+#include "platform/window/testaccess.h"
+#include "toolkit/drawing.h"
+#include "views/entriespane.h"
+#include "views/entryframe.h"
+#include "views/entrygridpane.h"
+#include "views/entrytypespane.h"
+#include "views/mainframe.h"
+#include "views/problempane.h"
+#include "views/typespane.h"
+
+constexpr COLORREF white = RGB(255, 255, 255);
+constexpr COLORREF black = RGB(0, 0, 0);
+
+class DesktopTest : public DatabaseTest {
+protected:
+    void SetUp() override {
+        put(0, "DBSF001", dataFile(0, "", {"Alpha", "alpha", "", "", "Beta"}));
+        put(1, "GEL", dataFile(1, "Gels", {"Alpha", "Gamma", "Alpha", "Alpha", "Beta"}));
+        put(2, "TRAITS", dataFile(2, "Traits", {"Beta"}));
+        put(3, "EMPTY", counted(formats[3].header));
+        put(4, "BAD", "junk");
+        put("fprint/BAD.CNF", "junk");
+        std::filesystem::remove(root / "bundles");
+        answers = {};
+        answers.messageBox = [this](const char* text, const char*, std::uint32_t) {
+            reports.push_back(text);
+            return answer;
+        };
+        answers.beep = [this] { ++beeps; };
+        currentDatabase = "Strains";
+        load();
+        ::database = std::move(database);
+        main = new TSXmainframe; // deletes itself
+        main->createMainWindow();
+        main->ShowWindow();
+        settle();
+    }
+    void TearDown() override {
+        if (main != nullptr)
+            main->DestroyWindow();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        ::database.reset();
+        answers = {};
+    }
+
+    static void settle() { QApplication::processEvents(); }
+    // Real events at a place of the client area.
+    static void click(const CWnd& window, int x, int y, Qt::KeyboardModifiers keys = {},
+                      Qt::MouseButton button = Qt::LeftButton) {
+        QTest::mouseClick(clientWidget(window), button, keys, {x, y});
+        settle();
+    }
+    static void doubleClick(const CWnd& window, int x, int y) {
+        QTest::mouseClick(clientWidget(window), Qt::LeftButton, {}, {x, y});
+        QTest::mouseDClick(clientWidget(window), Qt::LeftButton, {}, {x, y});
+        settle();
+    }
+    void command(std::uint32_t id) {
+        main->frameCommand(id);
+        settle();
+    }
+    // Row of a key among the visible ones.
+    static int rowOf(const char* key) {
+        int row = 1;
+        while (::database->getvisiblekey(row) != nullptr && ::database->getvisiblekey(row)->key != key)
+            ++row;
+        return row;
+    }
+    TSXentryframe& openEntry(const char* key) {
+        doubleClick(*main->entriesPane, 10, 20 * rowOf(key) - 10);
+        const TSXkeyentry& entry = *::database->getvisiblekey(rowOf(key));
+        for (TSXentryframe* window : main->entryWindows)
+            if (window != nullptr && window->showsKey(entry))
+                return *window;
+        throw std::runtime_error("no window");
+    }
+    int openWindows() const {
+        return static_cast<int>(std::count_if(main->entryWindows.begin(), main->entryWindows.end(),
+                                              [](const TSXentryframe* window) { return window != nullptr; }));
+    }
+    // Left edge of the buttons: where the first one's upper edge begins.
+    int solveX() const {
+        int x = 0;
+        while (x < 750 && surfacePixel(*main->problemPane, x, 1) != white)
+            ++x;
+        return x;
+    }
+
+    // Whether text of that colour, or nearly so, stands in the rectangle.
+    static bool hasInk(const CWnd& window, const RECT& place, COLORREF ink) {
+        for (int y = place.top; y < place.bottom; ++y)
+            for (int x = place.left; x < place.right; ++x) {
+                int distance = 0;
+                for (int shift = 0; shift < 24; shift += 8)
+                    distance = std::max(
+                        distance, std::abs(channel(surfacePixel(window, x, y), shift) - channel(ink, shift)));
+                if (distance < 40)
+                    return true;
+            }
+        return false;
+    }
+    static int channel(COLORREF colour, int shift) { return static_cast<int>(colour >> shift & 0xFF); }
+
+    TSXmainframe* main = nullptr;
+    int beeps = 0;
+};

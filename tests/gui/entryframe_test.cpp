@@ -1,0 +1,121 @@
+#include <QTimer>
+
+#include "desktoptest.h"
+#include "toolkit/promptdialog.h"
+
+namespace {
+
+// Whether the cell has its black outline.
+bool outlined(const TSXentrygridpane& pane, int type, int n) {
+    return surfacePixel(pane, 100 * (n - 1), 20 * type + 10) == black &&
+           surfacePixel(pane, 100 * n - 1, 20 * type) == black;
+}
+
+// Answers the prompt with a text.
+auto typed(const char* text) {
+    return [text](CDialog& dialog) {
+        dialog.SetDlgItemTextA(TSXpromptdialog::fieldId, text);
+        return IDOK;
+    };
+}
+
+} // namespace
+
+TEST_F(DesktopTest, AnEntryWindowShowsEachRecordOfItsKey) {
+    const TSXentryframe& window = openEntry("Alpha");
+    const TSXentrygridpane& grid = *window.gridPane;
+    EXPECT_EQ(outerWidget(window)->windowTitle(), "Entry Alpha");
+    EXPECT_EQ(outerWidget(window)->size(), QSize(530, 380));
+    EXPECT_TRUE(outlined(grid, 0, 1));
+    for (int type = 0; type < 3; ++type)
+        for (int n = 1; n < 4; ++n)
+            EXPECT_EQ(hasInk(grid, {100 * n - 98, 20 * type + 1, 100 * n - 2, 20 * type + 19}, black),
+                      n <= window.key.occurrences(type))
+                << type << ", " << n;
+    EXPECT_EQ(surfacePixel(grid, 330, 10), getColour(101)) << "the selected row";
+    EXPECT_EQ(surfacePixel(window, 148, 100), white);
+    EXPECT_EQ(surfacePixel(window, 149, 100), getColour(-1));
+    EXPECT_EQ(outerWidget(openEntry(""))->windowTitle(), "Entry ");
+}
+
+TEST_F(DesktopTest, AClickInTheGridSelectsTheRowAndACellOfIt) {
+    TSXentryframe& window = openEntry("Alpha"); // 2, 3 and 0 records
+    const struct {
+        int x, y, type, occurrence;
+    } clicks[] = {{250, 30, 1, 3}, {150, 10, 0, 2}, {350, 30, 1, 2}, {50, 50, 2, 1},
+                  {150, 50, 2, 1}, {299, 39, 1, 3}, {350, 5, 0, 2},  {50, 70, 0, 2}};
+    for (const auto& row : clicks) {
+        click(*window.gridPane, row.x, row.y, Qt::ShiftModifier, Qt::RightButton);
+        EXPECT_EQ(window.selectedType, row.type) << row.x << ", " << row.y;
+        EXPECT_EQ(window.selectedOccurrence, row.occurrence) << row.x << ", " << row.y;
+        EXPECT_EQ(outlined(*window.gridPane, row.type, row.occurrence), row.type < 2);
+    }
+}
+
+TEST_F(DesktopTest, TheNamesFollowTheGridUpAndDown) {
+    TSXentryframe& window = openEntry("Alpha");
+    TSXentrygridpane& grid = *window.gridPane;
+    const CWnd& names = *window.typeNamesPane;
+    const auto inkRows = [&] {
+        std::vector<bool> rows;
+        for (int y = 0; y < 100; ++y)
+            rows.push_back(hasInk(names, {5, y, 60, y + 1}, black));
+        return rows;
+    };
+    const std::vector<bool> before = inkRows();
+    grid.verticalScroll(SB_LINEDOWN, 0);
+    const std::vector<bool> after = inkRows();
+    EXPECT_TRUE(std::equal(before.begin() + 16, before.end(), after.begin()));
+    window.refreshEntry();
+    EXPECT_EQ(inkRows(), after) << "a repaint moves the names";
+    grid.horizontalScroll(SB_LINEDOWN, 0);
+    EXPECT_EQ(inkRows(), after);
+}
+
+TEST_F(DesktopTest, ARecordMovesToTheKeyThatIsTyped) {
+    TSXentryframe& window = openEntry("Alpha");
+    TSXentryframe& target = openEntry("Gamma");
+    click(*window.gridPane, 250, 30);
+    const std::string tooLong(61, 'x');
+    answer = IDNO;
+    for (const char* refused : {"ALPHA", tooLong.c_str(), "Gamma"}) {
+        answers.dialog = typed(refused);
+        window.frameCommand(201);
+        EXPECT_EQ(window.key.occurrences(1), 3) << refused;
+    }
+    EXPECT_EQ(::database->ismodified(), 0);
+    answer = IDYES;
+    window.frameCommand(201);
+    EXPECT_EQ(window.key.occurrences(1), 2);
+    EXPECT_EQ(window.selectedOccurrence, 2);
+    EXPECT_TRUE(outlined(*window.gridPane, 1, 2));
+    settle();
+    EXPECT_TRUE(hasInk(*target.gridPane, {102, 21, 198, 39}, black)) << "the other window shows it too";
+    answers.dialog = typed("Delta");
+    window.frameCommand(201);
+    window.frameCommand(201);
+    settle();
+    EXPECT_EQ(::database->getvisiblekey(::database->visiblecount)->key, "Delta");
+    EXPECT_EQ(beeps, 0);
+    window.frameCommand(201); // nothing is left at the selection
+    EXPECT_EQ(beeps, 1);
+    EXPECT_FALSE(outlined(*window.gridPane, 1, 1));
+    EXPECT_TRUE(hasInk(*main->entriesPane, {2, 20 * rowOf("Delta") - 20, 200, 20 * rowOf("Delta")}, black));
+}
+
+TEST_F(DesktopTest, APromptIsDismissedWhenItsWindowGoes) {
+    for (const bool closeAll : {false, true}) {
+        TSXentryframe& window = openEntry("Alpha");
+        QTimer::singleShot(0, [&] {
+            QApplication::processEvents();
+            if (closeAll)
+                outerWidget(*main)->close();
+            else
+                main->rebuildDatabase();
+        });
+        window.frameCommand(201);
+        EXPECT_EQ(::database->ismodified(), 0);
+        EXPECT_EQ(closeAll ? 0 : openWindows(), 0);
+    }
+    main = nullptr;
+}

@@ -1,0 +1,80 @@
+#include "analysis/problem.h"
+#include "desktoptest.h"
+
+TEST_F(DesktopTest, MainWindowHasItsTitleSizePanesAndGrooves) {
+    EXPECT_EQ(outerWidget(*main)->windowTitle(), "Database Check- Strains");
+    EXPECT_EQ(outerWidget(*main)->size(), QSize(750, 550));
+    const RECT client = main->GetClientRect();
+    const int right = client.right - 1;
+    const int bottom = client.bottom - 20;
+    const auto place = [](const CWnd& pane) { return outerWidget(pane)->geometry(); };
+    EXPECT_EQ(place(*main->problemPane), QRect(1, 24, right - 1, 171));
+    EXPECT_EQ(place(*main->typesPane), QRect(1, 222, 244, bottom - 222));
+    EXPECT_EQ(place(*main->entriesPane), QRect(250, 222, right - 250, bottom - 222));
+    const COLORREF groove[] = {white, getColour(1), getColour(2), getColour(3), black};
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(surfacePixel(*main, 100, 195 + i), groove[i]) << i;
+        EXPECT_EQ(surfacePixel(*main, 245 + i, 300), groove[i]) << i;
+    }
+    EXPECT_EQ(surfacePixel(*main, 247, 197), getColour(2)) << "the grooves meet";
+    for (const int y : {22, 220}) {
+        EXPECT_EQ(surfacePixel(*main, 400, y), white);
+        EXPECT_EQ(surfacePixel(*main, 400, y + 1), getColour(-1));
+    }
+}
+
+TEST_F(DesktopTest, ASolutionThatFailsBeepsAndLeavesTheList) {
+    const int before = ::database->problemcount;
+    while (::database->getproblem(main->selectedProblem)->kind != missingdirectory)
+        ++main->selectedProblem;
+    writeFile(root / "bundles", "in the way");
+    command(createdirectorycommand);
+    command(removeemptyfilescommand); // not a solution of the selected problem
+    command(7099);
+    main->selectedProblem = before + 1;
+    command(createkeyscommand);
+    EXPECT_EQ(beeps, 4);
+    EXPECT_EQ(::database->problemcount, before);
+    EXPECT_EQ(reports, Texts{"Error 48: Unable to create the directory 'ROOT\\bundles'"});
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the wait cursor stays";
+}
+
+TEST_F(DesktopTest, LeavingAsksOnlyWhenSomethingIsUnsaved) {
+    EXPECT_EQ(main->canClose(), 1);
+    EXPECT_EQ(reports, Texts());
+    ::database->createkeys();
+    const struct { int answer, result, modified; } cases[] = {{IDCANCEL, 0, 1}, {IDNO, 1, 1}, {IDYES, 1, 0}};
+    for (const auto& row : cases) {
+        answer = row.answer;
+        EXPECT_EQ(main->canClose(), row.result) << row.answer;
+        EXPECT_EQ(::database->ismodified(), row.modified) << row.answer;
+    }
+    EXPECT_EQ(reports, Texts(3, "Database has been changed. Do you want to save these changes on disk?"));
+}
+
+TEST_F(DesktopTest, AKeyHasOneWindowAndThereAreFiftyAtMost) {
+    Texts keys;
+    for (int i = 0; i < 60; ++i)
+        keys.push_back("key " + std::to_string(100 + i));
+    put(0, "DBSF002", dataFile(0, "", keys));
+    TearDown();
+    SetUp();
+    command(103);
+    command(201);
+    for (; main->selectedKey <= 60; ++main->selectedKey) {
+        command(201);
+        EXPECT_EQ(openWindows(), std::min(main->selectedKey, 50));
+    }
+    main->entryWindows[7]->frameCommand(999);
+    EXPECT_EQ(main->entryWindows[7], nullptr);
+    command(201);
+    EXPECT_NE(main->entryWindows[7], nullptr);
+    command(101);
+    command(103);
+    EXPECT_EQ(openWindows(), 50);
+    command(102);
+    EXPECT_EQ(openWindows(), 0);
+    main->selectedKey = 9999;
+    command(201);
+    EXPECT_EQ(beeps, 1);
+}

@@ -1,0 +1,125 @@
+#include "analysis/problem.h"
+#include "desktoptest.h"
+#include "platform/window/menu.h"
+
+namespace {
+
+constexpr COLORREF darkEdge = RGB(128, 128, 128);
+constexpr COLORREF red = RGB(255, 0, 0);
+
+} // namespace
+
+TEST_F(DesktopTest, AButtonIsRaisedAndStaysPressedWhileItsMenuIsOpen) {
+    const TSXproblempane& pane = *main->problemPane;
+    const int x = solveX();
+    const auto edges = [&](int top) {
+        return std::array{surfacePixel(pane, x, top + 10), surfacePixel(pane, x + 39, top + 10),
+                          surfacePixel(pane, x + 20, top + 1), surfacePixel(pane, x + 20, top + 18)};
+    };
+    const std::array raised = {white, darkEdge, white, darkEdge};
+    const std::array pressed = {darkEdge, white, darkEdge, white};
+    Texts menu;
+    answers.popupMenu = [&](const CMenu& shown) {
+        for (const CMenu::Item& item : shown.items())
+            menu.push_back(std::to_string(item.id) + item.text);
+        EXPECT_EQ(edges(40), pressed);
+        EXPECT_EQ(surfacePixel(pane, 700, 50), getColour(101)) << "the selection comes after the menu";
+        return 0U;
+    };
+    EXPECT_EQ(surfacePixel(pane, 700, 10), getColour(101)) << "the first row is selected from the start";
+    EXPECT_EQ(edges(40), raised);
+    EXPECT_TRUE(hasInk(pane, {x + 5, 42, x + 35, 58}, RGB(0, 128, 0)));
+    click(pane, x + 20, 50);
+    const TSXproblem& problem = *::database->getproblem(3);
+    EXPECT_EQ(menu, Texts{std::to_string(problem.solutioncommand(1)) + problem.solutionlabel(1)});
+    EXPECT_EQ(edges(40), raised);
+    EXPECT_EQ(main->selectedProblem, 3);
+    EXPECT_EQ(surfacePixel(pane, 700, 10), getColour(1));
+}
+
+TEST_F(DesktopTest, OnlyAPlainPressOnAButtonOpensAMenu) {
+    const TSXproblempane& pane = *main->problemPane;
+    const int x = solveX();
+    const int count = ::database->problemcount;
+    int menus = 0;
+    answers.popupMenu = [&](const CMenu&) { return ++menus, 0U; };
+    const struct {
+        int x, y;
+        Qt::KeyboardModifiers keys;
+        Qt::MouseButton button;
+        bool opens;
+    } cases[] = {{x, 20, {}, Qt::LeftButton, true},
+                 {x + 40, 39, {}, Qt::LeftButton, true},
+                 {x - 1, 30, {}, Qt::LeftButton, false},
+                 {x + 41, 30, {}, Qt::LeftButton, false},
+                 {x + 20, 30, Qt::ShiftModifier, Qt::LeftButton, false},
+                 {x + 20, 30, Qt::ControlModifier, Qt::LeftButton, false},
+                 {x + 20, 30, {}, Qt::RightButton, false}};
+    for (const auto& row : cases) {
+        main->selectedProblem = count;
+        menus = 0;
+        click(pane, row.x, row.y, row.keys, row.button);
+        EXPECT_EQ(menus, row.opens ? 1 : 0) << row.x << ", " << row.y;
+        EXPECT_EQ(main->selectedProblem, 2);
+    }
+    doubleClick(pane, x + 20, 30);
+    EXPECT_EQ(menus, 1) << "one for the press, none for the double click";
+}
+
+TEST_F(DesktopTest, ALongListOfProblemsScrollsToItsEnd) {
+    for (int i = 0; i < 30; ++i)
+        put(3, "BAD" + std::to_string(i), "junk");
+    TearDown();
+    SetUp();
+    TSXproblempane& pane = *main->problemPane;
+    pane.verticalScroll(SB_THUMBTRACK, 1000);
+    const RECT client = pane.GetClientRect();
+    const int bottom = 20 * ::database->problemcount - 16 * pane.vPos;
+    EXPECT_GT(bottom, 0);
+    EXPECT_LE(bottom, client.bottom);
+    click(pane, 10, bottom - 1);
+    EXPECT_EQ(main->selectedProblem, ::database->problemcount);
+    click(pane, 10, bottom + 1);
+    EXPECT_EQ(main->selectedProblem, ::database->problemcount) << "a click below the rows selects";
+}
+
+TEST_F(DesktopTest, DataTypesShowTheirIconsAndTheFirstRowIsMarked) {
+    const TSXtypespane& pane = *main->typesPane;
+    click(pane, 50, 30); // changes nothing
+    EXPECT_EQ(surfacePixel(pane, 225, 10), getColour(101));
+    EXPECT_EQ(surfacePixel(pane, 225, 30), getColour(1));
+    EXPECT_EQ(surfacePixel(pane, 8, 2), darkEdge) << "the sheets";
+    EXPECT_EQ(surfacePixel(pane, 4, 22), RGB(0xE6, 0xE6, 0xE6)) << "the tile of the gels";
+    EXPECT_EQ(surfacePixel(pane, 19, 30), darkEdge) << "its shadow to the right";
+    EXPECT_EQ(surfacePixel(pane, 10, 38), darkEdge) << "its shadow below";
+    EXPECT_TRUE(hasInk(pane, {30, 20, 120, 40}, black) && hasInk(pane, {120, 20, 170, 40}, black) &&
+                hasInk(pane, {170, 20, 220, 40}, black));
+    EXPECT_EQ(surfacePixel(pane, 100, 200), getColour(1));
+}
+
+TEST_F(DesktopTest, KeysShowWhatIsOutOfOrderInRed) {
+    const TSXentriespane& pane = *main->entriesPane;
+    const struct {
+        const char* key;
+        std::array<bool, 3> red; // by type: database, gels, traits
+    } rows[] = {{"", {true, false, false}}, {"Alpha", {true, true, false}}, {"Gamma", {true, false, false}}};
+    for (const auto& row : rows)
+        for (int t = 0; t < 3; ++t) {
+            const int top = 20 * (rowOf(row.key) - 1);
+            const RECT cell = {250 + 25 * t, top, 275 + 25 * t, top + 20};
+            EXPECT_EQ(hasInk(pane, cell, red), row.red[static_cast<std::size_t>(t)]) << row.key << t;
+        }
+    EXPECT_EQ(::database->visiblecount, 3);
+    command(103);
+    EXPECT_EQ(::database->visiblecount, 4);
+    const int beta = 20 * (rowOf("Beta") - 1);
+    EXPECT_FALSE(hasInk(pane, {250, beta, 325, beta + 20}, red));
+    EXPECT_TRUE(hasInk(pane, {300, beta, 325, beta + 20}, black));
+    click(pane, 400, 70, {}, Qt::RightButton);
+    EXPECT_EQ(main->selectedKey, 4);
+    EXPECT_EQ(surfacePixel(pane, 400, 70), getColour(101));
+    EXPECT_EQ(surfacePixel(pane, 400, 10), getColour(1));
+    doubleClick(pane, 10, 85); // below the last row
+    EXPECT_EQ(main->selectedKey, 4);
+    EXPECT_EQ(openWindows(), 0);
+}

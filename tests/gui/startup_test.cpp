@@ -1,0 +1,87 @@
+#include <cstdio>
+#include <cstdlib>
+
+#include "app/application.h"
+#include "app/marker.h"
+#include "app/settings.h"
+#include "databasetest.h"
+#include "platform/window/testaccess.h"
+
+namespace {
+
+// A home directory and a settings store of its own, with the database "Strains" chosen.
+class StartTest : public DatabaseTest {
+protected:
+    StartTest() {
+        GTEST_FLAG_SET(death_test_style, "threadsafe"); // Qt has threads of its own
+        setenv("XDG_CONFIG_HOME", config.path().c_str(), 1);
+        settings.homeDirectory = home.path().c_str();
+        settings.currentDatabase = "Strains";
+        settings.databaseDirectory = root.path().c_str();
+        answers.messageBox = [](const char* text, const char* title, std::uint32_t flags) {
+            std::fprintf(stderr, "%s %u: %s\n", title, flags, text);
+            return IDCANCEL;
+        };
+    }
+    void choose() {
+        ASSERT_EQ(writeSettingsStore(settings), 1);
+        ASSERT_EQ(writeDatabaseFile(settings), 1);
+    }
+    // Starting ends the process with the status and shows a box that begins so.
+    void leaves(int status, const std::string& box) {
+        EXPECT_EXIT({ TSXapp application; }, testing::ExitedWithCode(status), box);
+    }
+
+    TempDir config;
+    DatabaseSettings settings;
+};
+
+} // namespace
+
+TEST_F(StartTest, SettingsComeBackAsTheyWereWritten) {
+    settings.currentDatabase = "Stämme, 1; \xE4\xFF \"x\" @";
+    settings.backgroundColour[2] = -7;
+    choose();
+    DatabaseSettings read;
+    EXPECT_EQ(readSettings(read), nullptr);
+    EXPECT_EQ(read.homeDirectory.view(), settings.homeDirectory.view());
+    EXPECT_EQ(read.currentDatabase.view(), settings.currentDatabase.view());
+    EXPECT_EQ(read.databaseDirectory.view(), settings.databaseDirectory.view());
+    EXPECT_EQ(read.backgroundColour[2], -7);
+    settings.homeDirectory = "";
+    settings.currentDatabase = "Other";
+    EXPECT_EQ(writeSettingsStore(settings), 1);
+    EXPECT_EQ(readSettingsStore(read), 1);
+    EXPECT_EQ(read.homeDirectory.view(), home.path());
+    EXPECT_EQ(read.currentDatabase.view(), "Other");
+}
+
+TEST_F(StartTest, WhatKeepsTheToolFromStartingIsTold) {
+    leaves(0, "Error 48: The software is not properly started. Please run the startup program\n");
+    settings.currentDatabase = "Other";
+    choose();
+    settings.currentDatabase = "Strains";
+    ASSERT_EQ(writeSettingsStore(settings), 1);
+    leaves(0, "Error 16: No valid database specified\n");
+    settings.databaseDirectory = (root / "nowhere").c_str();
+    choose();
+    leaves(0, "Error 48: Unable to open the database\n\n"
+              "\\(Error code 3: The system cannot find the path specified.\\)\n");
+    for (const std::size_t length : {600U, 1500U, 20000U}) {
+        writeFile(home / "Strains.dbs", "[DIR]\n" + root.path() + "/" + std::string(length, '/') + "\n");
+        leaves(0, "Error 48: The path of the database directory is too long: it has at most 599 bytes\n");
+    }
+    settings.databaseDirectory = root.path().c_str();
+    choose();
+    const HANDLE held = openMarker(root.path().c_str());
+    leaves(0, "Error 48: Unable to open the database\nThis database is probably opened by another person\n\n"
+              "\\(Error code 32: ");
+    CloseHandle(held);
+    put("outside.XDB", "");
+    leaves(255, "Warning 65: There is a connected database present. ");
+    std::filesystem::remove(root / "outside.XDB");
+    std::filesystem::create_directory(root / "directory.xdb");
+    std::filesystem::remove(home / "TXLOG.TXT");
+    std::filesystem::create_directory(home / "TXLOG.TXT");
+    leaves(0, "Error 16: Could not create log file in /.+\n");
+}

@@ -1,0 +1,161 @@
+#include "toolkit/buttonbar.h"
+
+#include <QApplication>
+
+#include "onshow.h"
+#include "platform/window/msgbox.h"
+
+namespace {
+
+struct BarFrame : TSXframe {
+    void frameCreated() override {
+        bar.Create(AfxRegisterWndClass(getBrush(201)), {0, 0, 200, 31}, *this);
+        for (std::uint32_t id = 1; id <= 3; ++id) {
+            BarButton button;
+            button.commandId = id;
+            button.width = 30;
+            button.hintText = id == 2 ? "" : "hint";
+            bar.addButton(button);
+        }
+    }
+    void frameCommand(std::uint32_t id) override { commands += std::to_string(id); }
+    TSXbuttonbar bar{*this};
+    std::string commands;
+};
+
+struct ButtonBar : testing::Test {
+    using Edges = std::pair<COLORREF, COLORREF>; // at the top and at the bottom
+
+    COLORREF pixel(int x, int y, int index = 1) {
+        return surfacePixel(bar, bar.button(index).x + x, bar.button(index).y + y);
+    }
+    Edges edges(int index, int depth = 0) {
+        return {pixel(8, depth, index), pixel(8, bar.button(index).height - depth, index)};
+    }
+    void draw(int state) {
+        CClientDC dc(&bar);
+        bar.drawButton(dc, 1, state);
+    }
+    // The mouse, at the middle of a button; 5 is beyond all of them.
+    QPoint at(int index) { return {2 + 33 * (index - 1) + 15, 15}; }
+    void move(int index) {
+        QMouseEvent event(QEvent::MouseMove, at(index), widget->mapToGlobal(QPointF(at(index))), {}, {}, {});
+        QApplication::sendEvent(widget, &event);
+    }
+    void press(int index, Qt::KeyboardModifiers keys = {}) {
+        QTest::mousePress(widget, Qt::LeftButton, keys, at(index));
+    }
+    void release(int index) { QTest::mouseRelease(widget, Qt::LeftButton, {}, at(index)); }
+    void repeat(int times) {
+        for (int i = 0; i < times; ++i)
+            static_cast<MessageTarget&>(bar).onTimer(TSXbuttonbar::repeatTimer);
+    }
+    static bool hintIsOnScreen() {
+        const auto all = QApplication::topLevelWidgets();
+        return std::any_of(all.begin(), all.end(), [](const QWidget* each) {
+            return each->isVisible() && each->windowType() == Qt::ToolTip;
+        });
+    }
+
+    OnShow<BarFrame> frame;
+    TSXbuttonbar& bar = frame->bar;
+    QWidget* const widget = clientWidget(bar);
+    const COLORREF face = GetSysColor(COLOR_BTNFACE);
+    const COLORREF light = GetSysColor(COLOR_BTNHIGHLIGHT);
+    const COLORREF dark = GetSysColor(COLOR_BTNSHADOW);
+    const Edges flat{face, face}, raised{light, dark}, pressed{dark, light};
+    const Edges latched{light, GetSysColor(COLOR_3DDKSHADOW)};
+};
+
+} // namespace
+
+TEST_F(ButtonBar, DrawsStatesIconsTicksAndDither) {
+    BarButton& button = bar.button(1);
+    struct {
+        int state, latched;
+        Edges outer, inner;
+    } const states[] = {{-1, 0, flat, flat},      {0, 0, raised, flat},    {1, 0, pressed, flat},
+                        {-1, 1, latched, raised}, {0, 1, latched, raised}, {1, 1, pressed, pressed}};
+    for (const auto& row : states) {
+        button.latched = row.latched;
+        draw(row.state);
+        EXPECT_EQ(edges(1), row.outer) << row.state << row.latched;
+        EXPECT_EQ(edges(1, 1), row.inner) << row.state << row.latched;
+    }
+    button.latched = 0;
+    for (const int code : {202, 10202, 11202, 12202}) { // plain, with shadow and spark, with shadow, neither
+        button.iconCode = code;
+        draw(1);
+        const int left = code < 11000 ? 7 : 8;
+        const bool shadow = code == 10202 || code == 11202;
+        EXPECT_EQ(pixel(left + 15, 11), shadow ? hexColour(0x808080) : face) << code;
+        EXPECT_EQ(pixel(left + 14, 20), hexColour(0xE6E6E6)) << code;
+        EXPECT_EQ(pixel(left + 1, 7), hexColour(code == 10202 ? 0xFFD200 : 0xE6E6E6)) << code;
+    }
+    button.ticked = 1;
+    for (const int enabled : {1, 0}) {
+        button.enabled = enabled;
+        draw(1);
+        EXPECT_EQ(pixel(6, 8), enabled == 1 ? hexColour(0x00FF00) : face);
+        EXPECT_EQ(pixel(7, 8), hexColour(0x00FF00));
+        EXPECT_EQ(edges(1), pressed);
+    }
+}
+
+TEST_F(ButtonBar, GivesItsCommandWhenReleasedOnTheButtonOrHeldDown) {
+    move(1);
+    EXPECT_EQ(edges(1), raised);
+    move(2);
+    EXPECT_EQ(edges(1), flat);
+    press(2);
+    EXPECT_EQ(edges(2), pressed);
+    move(5);
+    EXPECT_EQ(edges(2), raised);
+    release(5);
+    EXPECT_EQ(edges(2), flat);
+    press(1);
+    bar.ReleaseCapture(); // as when another window comes to the front
+    EXPECT_EQ(edges(1), flat);
+    release(1);
+    bar.button(3).enabled = 0;
+    press(3);
+    release(3);
+    EXPECT_EQ(frame->commands, "");
+    press(2, Qt::ControlModifier | Qt::ShiftModifier);
+    repeat(2);
+    release(2);
+    EXPECT_EQ(frame->commands, "22"); // with Shift at each tick, and none at the end
+    press(1);
+    release(1);
+    press(1);
+    repeat(28);
+    move(2);
+    repeat(40);
+    release(1);
+    EXPECT_EQ(frame->commands, "22111"); // a click, the 24th tick and the 28th
+}
+
+TEST_F(ButtonBar, ShowsTheHintOfTheButtonUnderTheMouseAfterADelay) {
+    move(1);
+    EXPECT_FALSE(hintIsOnScreen());
+    EXPECT_TRUE(QTest::qWaitFor(hintIsOnScreen));
+    move(2); // has none
+    EXPECT_FALSE(hintIsOnScreen());
+    move(3);
+    EXPECT_TRUE(hintIsOnScreen());
+    press(3);
+    EXPECT_FALSE(hintIsOnScreen());
+    release(3);
+    EXPECT_TRUE(QTest::qWaitFor(hintIsOnScreen));
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(widget, &leave);
+    EXPECT_FALSE(hintIsOnScreen());
+    EXPECT_EQ(edges(3), flat);
+    const TSXhintwindow one(bar, 10, 20, "one", "");
+    const TSXhintwindow two(bar, GetSystemMetrics(SM_CXSCREEN), 20, "one", "and the other");
+    EXPECT_EQ(widget->mapToGlobal(QPoint(10, 20)), QPoint(one.x, one.y));
+    EXPECT_EQ(one.height, 18);
+    EXPECT_EQ(two.height, 34);
+    EXPECT_GT(two.width, one.width);
+    EXPECT_EQ(two.x + two.width, GetSystemMetrics(SM_CXSCREEN) - 2);
+}
