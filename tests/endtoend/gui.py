@@ -56,7 +56,11 @@ class Display:
                                 LSAN_OPTIONS="suppressions=%s/leaks:print_suppressions=0" % work)
         self.manager = subprocess.Popen(["openbox"], env=self.environment, stdout=subprocess.DEVNULL,
                                         stderr=subprocess.DEVNULL)
-        wait("the window manager", lambda: self.xdotool("get_desktop", check=False).strip() == "0")
+
+        def ready():  # without a manager the answer is 0 too, but a failure
+            answer = self.call("get_desktop")
+            return answer.returncode == 0 and answer.stdout == "0\n"
+        wait("the window manager", ready)
 
     def close(self):
         self.manager.terminate()
@@ -72,8 +76,11 @@ class Display:
     def run(self, program, *arguments):
         return self.start(program, *arguments).wait()
 
+    def call(self, *words):
+        return subprocess.run(["xdotool", *map(str, words)], env=self.environment, capture_output=True, text=True)
+
     def xdotool(self, *words, check=True):
-        done = subprocess.run(["xdotool", *map(str, words)], env=self.environment, capture_output=True, text=True)
+        done = self.call(*words)
         expect(done.returncode == 0 or not check, "xdotool %s: %s" % (words, done.stderr))
         return done.stdout
 
