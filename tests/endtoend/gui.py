@@ -71,7 +71,7 @@ class Display:
 
     def start(self, program, *arguments):
         return subprocess.Popen([PROGRAMS / program, *map(str, arguments)], env=self.environment,
-                                cwd=self.environment["HOME"], stderr=self.errors)
+                                cwd=self.environment["HOME"], stdout=self.errors, stderr=self.errors)
 
     def run(self, program, *arguments):
         return self.start(program, *arguments).wait()

@@ -68,9 +68,8 @@ TEST_F(DesktopTest, OnlyAPlainPressOnAButtonOpensAMenu) {
 
 TEST_F(DesktopTest, ALongListOfProblemsScrollsToItsEnd) {
     for (int i = 0; i < 30; ++i)
-        put(3, "BAD" + std::to_string(i), "junk");
-    TearDown();
-    SetUp();
+        put("fprint/BAD" + std::to_string(i) + ".CNF", "junk");
+    command(102);
     TSXproblempane& pane = *main->problemPane;
     pane.verticalScroll(SB_THUMBTRACK, 1000);
     const RECT client = pane.GetClientRect();
