@@ -1,5 +1,6 @@
-// Times one repaint of each pane of the main window over a database with all its keys on show: whole, and the strip
-// that a scroll by one step brings into view. Each figure is the median of many repaints, in milliseconds.
+// Times one repaint of each pane of the main window over a database with all its keys on show: whole, and the
+// strip that a scroll by one step brings into view. Each figure is the median of many repaints, in
+// milliseconds.
 #include <QApplication>
 #include <algorithm>
 #include <chrono>
