@@ -10,7 +10,7 @@
 class WindowHost;
 struct IconResource;
 
-enum ScrollBarKind : int { SB_HORZ = 0, SB_VERT = 1 };
+enum ScrollBarKind : unsigned { SB_HORZ = 0, SB_VERT = 1 };
 
 // What windows of a class share. All show the arrow cursor and tell double clicks.
 struct WindowClass {

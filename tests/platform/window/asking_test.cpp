@@ -216,6 +216,7 @@ TEST_F(Asking, DialogDisablesItsWindowAloneAndGoesWithIt) {
         EXPECT_EQ(taken(), Events({"right 0 300 200", "right up 0 300 200"}));
         other->DestroyWindow();
         EXPECT_EQ(others.back(), "frame deleted");
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // its widgets wait all the same
     });
     EXPECT_EQ(prompt.DoModal(), IDCANCEL);
     EXPECT_EQ(prompt.text, "old");

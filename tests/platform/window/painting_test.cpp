@@ -91,12 +91,13 @@ TEST_F(Painting, HiddenWindowsAreNotPaintedBeforeTheyShow) {
     ASSERT_TRUE(hidden->Create(AfxRegisterWndClass(&brush), "hidden", {0, 0, 300, 200}, nullptr, 0));
     ASSERT_TRUE(other.Create(AfxRegisterWndClass(&brush), {0, 0, 50, 40}, *hidden));
     other.UpdateWindow();
-    EXPECT_EQ(taken(), Events({"create", "size 50 40"}));
+    other.SetWindowPos(0, 0, 60, 30); // a new size is told all the same
+    EXPECT_EQ(taken(), Events({"create", "size 50 40", "size 60 30"}));
     hidden->ShowWindow();
     QApplication::processEvents();
-    EXPECT_EQ(taken(), Events({"paint 0 0 50 40"}));
-    EXPECT_EQ(surfacePixel(other, 49, 39), blue);
-    EXPECT_EQ(surfacePixel(other, 50, 40), 0xFFFFFFFF);
+    EXPECT_EQ(taken(), Events({"paint 0 0 60 30"}));
+    EXPECT_EQ(surfacePixel(other, 59, 29), blue);
+    EXPECT_EQ(surfacePixel(other, 60, 30), 0xFFFFFFFF);
     hidden->DestroyWindow();
 }
 

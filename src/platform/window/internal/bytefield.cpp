@@ -7,15 +7,13 @@ ByteField::ByteField(QWidget* parent) : QLineEdit(parent) {
 }
 
 void ByteField::setBytes(std::string_view bytes) {
-    preset_ = bytes;
     encoding_ = encodingOf(bytes);
     setText(unicodeOf(bytes));
-    presetText_ = text();
     lengthBefore_ = static_cast<qsizetype>(bytes.size());
 }
 
 std::string ByteField::bytes() const {
-    return text() == presetText_ ? preset_ : bytesOf(text(), encoding_).toStdString();
+    return bytesOf(text(), encoding_).toStdString();
 }
 
 void ByteField::keepWithinLimit() {

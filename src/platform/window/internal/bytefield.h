@@ -13,15 +13,13 @@ public:
     explicit ByteField(QWidget* parent);
 
     void setBytes(std::string_view bytes);
-    std::string bytes() const; // an unedited text exactly as it was set
+    std::string bytes() const;
     // What is typed or pasted beyond it is dropped; a longer text that was set can only be made shorter.
     void setByteLimit(int limit) { limit_ = limit; }
 
 private:
     void keepWithinLimit();
 
-    std::string preset_;
-    QString presetText_;
     TextEncoding encoding_ = TextEncoding::utf8;
     qsizetype limit_ = 32767;
     qsizetype lengthBefore_ = 0; // bytes before the present edit

@@ -1,5 +1,6 @@
 #include "platform/window/internal/host.h"
 
+#include <QCoreApplication>
 #include <QMenu>
 #include <QMenuBar>
 #include <QWheelEvent>
@@ -28,6 +29,12 @@ protected:
 
 private:
     WindowHost& host_;
+};
+
+class CommandEvent : public QEvent {
+public:
+    explicit CommandEvent(std::uint32_t commandId) : QEvent(QEvent::User), id(commandId) {}
+    const std::uint32_t id;
 };
 
 int scrollCode(int action) {
@@ -151,18 +158,19 @@ void WindowHost::setMenu(const MenuResource& menu) {
 
 void WindowHost::setDialog(QDialog* dialog) {
     dialog_ = dialog;
-    client_->setEnabled(dialog ==
-                        nullptr); // not the whole host: the windows that belong to it stay as they are
+    client_->setEnabled(dialog == nullptr); // and not all of this: windows that belong to it stay enabled
     if (menu_ != nullptr)
         menu_->setEnabled(dialog == nullptr);
 }
 
 void WindowHost::postCommand(std::uint32_t id) {
-    const auto deliver = [this, id] {
-        if (wnd_ != nullptr)
-            wnd_->onCommand(id);
-    };
-    QMetaObject::invokeMethod(this, deliver, Qt::QueuedConnection);
+    QCoreApplication::postEvent(this, new CommandEvent(id)); // owned by the queue
+}
+
+void WindowHost::customEvent(QEvent* event) {
+    const auto* const command = dynamic_cast<CommandEvent*>(event);
+    if (command != nullptr && wnd_ != nullptr)
+        wnd_->onCommand(command->id);
 }
 
 const std::shared_ptr<Canvas>& WindowHost::surface() {

@@ -65,6 +65,7 @@ public:
 
 protected:
     bool event(QEvent* event) override;
+    void customEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
