@@ -1,12 +1,16 @@
-// A second process for a test: what it does, and what it says of it.
+// How a test asks what became of a call, in its own process or in a second one.
 #pragma once
-
-#include <cstdlib>
 
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "platform/system/errors.h"
+
 constexpr int notPossibleHere = 77; // the status of a child that this machine does not let do its work
+
+inline std::uint32_t errorOf(bool succeeded) {
+    return succeeded ? 0 : GetLastError();
+}
 
 // Runs the work in a child and returns what it returned, from 0 to 255; -1 if it did not come to its end.
 template <class Work> int inChild(Work work) {
@@ -14,7 +18,5 @@ template <class Work> int inChild(Work work) {
     if (child == 0)
         _exit(work());
     int status = 0;
-    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status))
-        return -1;
-    return WEXITSTATUS(status);
+    return waitpid(child, &status, 0) == child && WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }

@@ -12,8 +12,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-class FileSearchTest : public testing::Test {
-protected:
+struct FileSearchTest : testing::Test {
     Names search(const std::string& pattern) {
         Names names;
         WIN32_FIND_DATAA data;
@@ -25,7 +24,6 @@ protected:
         FindClose(handle);
         return names;
     }
-
     void make(const Names& names) {
         for (const std::string& name : names)
             writeFile(directory / name, "");
@@ -40,14 +38,18 @@ protected:
 
 TEST_F(FileSearchTest, MatchesIgnoringCaseInOrder) {
     fs::create_directory(directory / "Sub");
-    make({"Sub/b.DBS", "Sub/a_.dbs", "Sub/ab.Dbs", "Sub/.DBS", "Sub/.h.dbs", "Sub/x.DBSX", "Sub/DBS"});
-    EXPECT_EQ(search("Sub/*.DBS"), (Names{".DBS", ".h.dbs", "ab.Dbs", "a_.dbs", "b.DBS"}));
-    EXPECT_EQ(search("SUB\\A*.dbs"), (Names{"ab.Dbs", "a_.dbs"}));
-    EXPECT_EQ(search("sub/*"), (Names{".DBS", ".h.dbs", "ab.Dbs", "a_.dbs", "b.DBS", "DBS", "x.DBSX"}));
-    EXPECT_EQ(passedOver, Names());
-    EXPECT_EQ(search("sub/*.xdb"), Names());
-    EXPECT_EQ(search("missing/*"), Names());
-    EXPECT_EQ(search("Sub/b.DBS*.DBS"), Names()) << "one part of a name can't match twice";
+    make({"Sub/b.DBS", "Sub/a_.dbs", "Sub/ab.Dbs", "Sub/.DBS", "Sub/x.DBSX", "Sub/DBS"});
+    const std::pair<const char*, Names> cases[] = {
+        {"Sub/*.DBS", {".DBS", "ab.Dbs", "a_.dbs", "b.DBS"}},
+        {"SUB\\A*.dbs", {"ab.Dbs", "a_.dbs"}},
+        {"sub/*", {".DBS", "ab.Dbs", "a_.dbs", "b.DBS", "DBS", "x.DBSX"}},
+        {"missing/*", {}},
+        {"Sub/b.DBS*.DBS", {}}, // one part of a name can't match twice
+    };
+    for (const auto& [pattern, found] : cases) {
+        EXPECT_EQ(search(pattern), found) << pattern;
+        EXPECT_EQ(passedOver, Names()) << pattern;
+    }
 }
 
 TEST_F(FileSearchTest, PassesOverWhatALookUpWouldNotOpen) {
@@ -61,16 +63,13 @@ TEST_F(FileSearchTest, PassesOverWhatALookUpWouldNotOpen) {
 }
 
 TEST_F(FileSearchTest, TellsAttributes) {
-    make({".hidden", "plain", "readonly"});
+    make({".hidden", "readonly"});
     fs::permissions(directory / "readonly", fs::perms(0444));
     fs::create_directory(directory / "sub");
-    fs::create_symlink("sub", directory / "linktosub");
-    fs::create_symlink("readonly", directory / "linktofile");
+    fs::create_symlink("sub", directory / "dirlink");
     fs::create_symlink("nowhere", directory / "dangling");
-    EXPECT_EQ(search("*"),
-              (Names{".hidden", "dangling", "linktofile", "linktosub", "plain", "readonly", "sub"}));
+    EXPECT_EQ(search("*"), (Names{".hidden", "dangling", "dirlink", "readonly", "sub"}));
     EXPECT_EQ(attributes, (std::vector<std::uint32_t>{FILE_ATTRIBUTE_HIDDEN, FILE_ATTRIBUTE_NORMAL,
-                                                      FILE_ATTRIBUTE_READONLY, FILE_ATTRIBUTE_DIRECTORY,
-                                                      FILE_ATTRIBUTE_NORMAL, FILE_ATTRIBUTE_READONLY,
+                                                      FILE_ATTRIBUTE_DIRECTORY, FILE_ATTRIBUTE_READONLY,
                                                       FILE_ATTRIBUTE_DIRECTORY}));
 }
