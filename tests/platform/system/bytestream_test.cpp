@@ -146,6 +146,10 @@ TEST_F(ByteStreamTest, WritingGoesThroughLinksAndFindsOtherLetters) {
     writeFile(directory / "File.DBS", "a long old content");
     fs::create_symlink("File.DBS", directory / "link");
     for (const char* name : {"link", "fILE.dbs"}) {
+        ByteStream emptied;
+        ASSERT_TRUE(emptied.open((directory / name).c_str(), OpenMode::write));
+        EXPECT_EQ(readFile(directory / "File.DBS"), "") << "emptied at open";
+        EXPECT_TRUE(emptied.close());
         EXPECT_EQ(make(name, name), 0);
         EXPECT_EQ(readFile(directory / "File.DBS"), name);
     }
