@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "app/databasefile.h"
 #include "damage.h"
 #include "model/database.h"
 #include "model/fileclass.h"
@@ -26,8 +27,7 @@ const std::vector<SampleNumber> samplenumbers = {
 
 namespace {
 
-constexpr std::size_t longestline = 598; // of a settings file
-constexpr int damageroom = 20;           // files of a class that damages, and the repair of orphans, may add
+constexpr int damageroom = 20; // files of a class that damages, and the repair of orphans, may add
 
 // The experiment files of one class. No two records of a type have the same place, and places are below the
 // number of entries, so that each names an entry of its own.
@@ -140,7 +140,7 @@ std::string prepare(const filesystem::path& directory) {
 
 // Whether the path can stand in a settings file.
 bool fitsline(const std::string& path) {
-    return path.size() <= longestline && path.find_first_of("\r\n") == std::string::npos;
+    return path.size() <= maxsettingsline && path.find_first_of("\r\n") == std::string::npos;
 }
 
 SampleOptions withroomfordamages(SampleOptions options) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "app/databasefile.h"
 #include "files/binfile.h"
 #include "model/fileclass.h"
 #include "platform/system/bytestream.h"
@@ -189,16 +190,16 @@ void SampleTree::writecut(const DataFile& data) {
 }
 
 void SampleTree::writesettings() {
-    const std::string path = options.home + "/" + options.name + ".dbs";
-    const std::string text = "[DIR]\n" + root_ + "\n[BACKCOL]\n192 192 192\n";
     std::error_code error;
     filesystem::create_directories(resolvePath(options.home), error);
     check(error, "make", options.home);
-    TSXbinfile file;
-    if (!open(file, path))
-        return;
-    file.blockwrite(text.data(), static_cast<int>(text.size()));
-    close(file, path, false);
+    DatabaseSettings settings;
+    settings.homeDirectory = options.home.c_str();
+    settings.currentDatabase = options.name.c_str();
+    settings.databaseDirectory = root_.c_str();
+    if (!failed() && writeDatabaseFile(settings) == 0)
+        result.failure =
+            "can't write the settings of '" + options.name + "' in '" + options.home + "': " + lasterror();
 }
 
 void SampleTree::rename(const std::string& from, const std::string& to) {

@@ -1,6 +1,5 @@
 #include "choices.h"
 
-#include <algorithm>
 #include <filesystem>
 
 #include "app/settings.h"
@@ -110,8 +109,6 @@ std::string addDatabase(const std::string& home, const std::string& name, const 
     settings.databaseDirectory = absoluteDirectory(directory, reason).c_str();
     if (!reason.empty())
         return reason;
-    constexpr std::int32_t grey = 192;
-    std::fill_n(settings.backgroundColour, 3, grey);
     if (writeDatabaseFile(settings) == 1)
         return {};
     return "The settings of the database can't be written in " + quoted(home) + ". " +

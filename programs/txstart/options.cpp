@@ -15,7 +15,8 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("--home", options.home, "Make this the home directory")->type_name("DIR");
     app.add_option("--add", options.add, "Write the settings file of a new database into the home directory")
         ->type_name("NAME DIRECTORY")
-        ->expected(2);
+        ->type_size(2) // both are taken as they stand, also where they look like options
+        ->allow_extra_args(false);
     app.add_option("--database", options.database, "Make this the current database")->type_name("NAME");
     app.add_flag("--inspect", options.inspect, "Start txinspect");
 }
