@@ -11,18 +11,18 @@ enum Purpose : std::uint64_t { keyshape = 1, keywords, valuewords, recordinteger
 // No collection holds a digit and no form begins with one: the first digits of a key are its number, which is
 // why two keys are never alike.
 constexpr std::array collections = {"S-",  "K",   "VL-",     "CI ",      "ENV-", "FD",
-                                    "WW ", "BK-", "Strain ", "isolate ", "NRZ-", "Lab. "};
+                                    "WW ", "BK-", "Strain ", "isolate ", "REF-", "Lab. "};
 constexpr std::array forms = {"", "", "", "/A", "-2", "T", ".1", " (ref)", "/17", "_b"};
 constexpr std::array words = {"blood",  "stool", "urine", "river",  "ward", "broth", "soil",  "swab",
                               "cheese", "calf",  "plate", "repeat", "west", "clone", "typed", "frozen"};
 constexpr std::array fieldnames = {"Species", "Source", "Isolated", "Received by", "Box", "Remarks"};
 constexpr std::array<std::array<const char*, 3>, 6> typenames = {{
     {},
-    {"PFGE-XbaI", "RAPD", "AFLP"},
-    {"API 20E", "Antibiogram", "Fatty acids"},
+    {"Banding A", "Banding B", "Ladder"},
+    {"Panel 20", "Resistance", "Fatty acids"},
     {"16S rRNA", "gyrB", "rpoD"},
-    {"DNA-DNA", "Serology", "Plate match"},
-    {"2D-PAGE 4-7", "Membrane", "Secretome"},
+    {"Pairing", "Serology", "Plate match"},
+    {"Spots 4-7", "Membrane", "Secretome"},
 }};
 
 template <typename Table> const char* pick(const Table& table, std::uint64_t random) {

@@ -148,7 +148,7 @@ int SampleTree::writerecords(TSXbinfile& file, const DataFile& data) {
         lastkey = file.tell();
         writerecord(file, data, record);
     }
-    if (single) // what only the larger product reads
+    if (single) // what no reader knows: the one chunk that is left by its end
         file.writestring("TGKEY and whatever else belongs to a gel");
     file.endtag();
     return lastkey;

@@ -23,7 +23,7 @@ public:
 };
 
 // Set by the constructor.
-extern Text<2000> rootDirectory; // of the product: the directory above that of the program
+extern Text<2000> rootDirectory; // the working directory at start less its last 6 bytes
 extern Text<2000> homeDirectory;
 extern Text<2000> currentDatabase; // its name
 extern Text<2000> databaseDirectory;

@@ -6,8 +6,8 @@
 #include "model/keyentry.h"
 #include "platform/system/letters.h"
 
-TSXdatabase::TSXdatabase(const char* productdata)
-    : datapath(productdata), types(1), keytree(*this), keyarray(1), visiblekeys(1), problems(1) {}
+TSXdatabase::TSXdatabase(const char* datadirectory)
+    : datapath(datadirectory), types(1), keytree(*this), keyarray(1), visiblekeys(1), problems(1) {}
 
 TSXdatabase::~TSXdatabase() = default;
 

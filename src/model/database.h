@@ -1,5 +1,5 @@
 // The whole model of one database: file lists, experiment types, key index, key arrays and problem list. Its
-// operations are in database.cpp and sidefiles.cpp beside it, and in problemlist.cpp, analyse.cpp and
+// operations are in database.cpp and sidefiles.cpp beside it, and in problem.cpp, analyse.cpp and
 // repairs.cpp of analysis.
 #pragma once
 
@@ -24,7 +24,7 @@ constexpr int maxtypes = 200; // besides type 0
 
 class TSXdatabase : public CObject {
 public:
-    explicit TSXdatabase(const char* productdata); // touches no file
+    explicit TSXdatabase(const char* datadirectory); // kept as datapath, which nothing reads; touches no file
     ~TSXdatabase() override;
 
     // Reads the tree and analyses it. Runs once.
