@@ -7,11 +7,11 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/application.h"
 #include "model/database.h"
 #include "platform/window/scrollrange.h"
 #include "resources/resources.h"
 #include "toolkit/drawing.h"
+#include "views/current.h"
 #include "views/entriespane.h"
 #include "views/mainframe.h"
 #include "views/problempane.h"

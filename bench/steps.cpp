@@ -6,9 +6,9 @@
 #include <cstdio>
 #include <fstream>
 
-#include "app/log.h"
 #include "model/database.h"
 #include "model/datafile.h"
+#include "reporting/log.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 // table.
 #include <cstdio>
 
-#include "app/report.h"
 #include "invariants.h"
 #include "places.h"
+#include "reporting/report.h"
 #include "tempdir.h"
 
 namespace {

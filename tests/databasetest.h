@@ -6,15 +6,15 @@
 
 #include <gtest/gtest.h>
 
-#include "analysis/problem.h"
-#include "app/log.h"
-#include "app/report.h"
 #include "model/database.h"
 #include "model/datafile.h"
 #include "model/exptype.h"
 #include "model/keyentry.h"
+#include "model/problem.h"
 #include "platform/system/faults.h"
 #include "platform/system/messagebox.h"
+#include "reporting/log.h"
+#include "reporting/report.h"
 #include "tempdir.h"
 
 using Texts = std::vector<std::string>;

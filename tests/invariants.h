@@ -6,11 +6,11 @@
 #include <cstdlib>
 #include <string>
 
-#include "analysis/problem.h"
 #include "model/database.h"
 #include "model/datafile.h"
 #include "model/exptype.h"
 #include "model/keyentry.h"
+#include "model/problem.h"
 #include "platform/system/letters.h"
 
 // What the last analysis has found.

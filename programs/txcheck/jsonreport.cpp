@@ -3,10 +3,10 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
-#include "analysis/problem.h"
 #include "model/datafile.h"
 #include "model/exptype.h"
 #include "model/keyentry.h"
+#include "model/problem.h"
 
 using Json = nlohmann::ordered_json;
 

@@ -1,10 +1,10 @@
 // txcheck: the checks and repairs of the tool without a window, for scripts, cron and remote machines.
 #include <iostream>
 
-#include "app/settings.h"
 #include "jsonreport.h"
 #include "options.h"
 #include "session.h"
+#include "settings/settings.h"
 #include "status.h"
 #include "textreport.h"
 

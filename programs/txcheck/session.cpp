@@ -2,17 +2,17 @@
 
 #include <cstdio>
 
-#include "analysis/problem.h"
-#include "app/log.h"
-#include "app/marker.h"
-#include "app/report.h"
 #include "model/datafile.h"
 #include "model/fileclass.h"
 #include "model/keyentry.h"
+#include "model/marker.h"
+#include "model/problem.h"
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
 #include "platform/system/filesearch.h"
 #include "platform/system/messagebox.h"
+#include "reporting/log.h"
+#include "reporting/report.h"
 #include "status.h"
 
 Session::Session(const Options& given) : database(""), options(given) {

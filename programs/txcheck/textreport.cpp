@@ -3,11 +3,11 @@
 #include <iomanip>
 #include <string_view>
 
-#include "analysis/problem.h"
 #include "model/datafile.h"
 #include "model/exptype.h"
 #include "model/fileclass.h"
 #include "model/keyentry.h"
+#include "model/problem.h"
 #include "printable.h"
 #include "status.h"
 

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "app/databasefile.h"
 #include "damage.h"
+#include "files/databasefile.h"
 #include "model/database.h"
 #include "model/fileclass.h"
 #include "model/filelist.h"

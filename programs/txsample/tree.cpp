@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <utility>
 
-#include "app/databasefile.h"
 #include "files/binfile.h"
+#include "files/databasefile.h"
 #include "model/fileclass.h"
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"

@@ -2,11 +2,11 @@
 
 #include <filesystem>
 
-#include "app/settings.h"
 #include "files/finder.h"
 #include "platform/system/errors.h"
 #include "platform/system/path.h"
 #include "platform/system/startprogram.h"
+#include "settings/settings.h"
 
 namespace {
 

@@ -13,8 +13,8 @@
 #include <QTreeWidget>
 #include <algorithm>
 
-#include "app/edition.h"
 #include "choices.h"
+#include "settings/edition.h"
 
 namespace {
 

@@ -2,11 +2,16 @@
 // the problem list and the visible keys.
 #include <algorithm>
 
-#include "analysis/problem.h"
 #include "model/database.h"
 #include "model/datafile.h"
 #include "model/exptype.h"
 #include "model/keyentry.h"
+#include "model/problem.h"
+
+void TSXdatabase::load(const char* directorytext) {
+    readlists(directorytext);
+    analyse();
+}
 
 void TSXdatabase::analyse() {
     for (const auto& type : types)

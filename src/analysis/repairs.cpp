@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 
-#include "app/report.h"
 #include "model/database.h"
 #include "model/datafile.h"
 #include "model/keyentry.h"
@@ -11,6 +10,7 @@
 #include "platform/system/directory.h"
 #include "platform/system/letters.h"
 #include "platform/system/messagebox.h"
+#include "reporting/report.h"
 
 namespace {
 

@@ -1,14 +1,9 @@
-// The one application object, from the start of the process to its end, and what the whole process shares.
+// The one application object, from the start of the process to its end, and where it found its database.
 #pragma once
-
-#include <memory>
 
 #include "platform/system/hold.h"
 #include "platform/system/text.h"
 #include "platform/window/winapp.h"
-
-class TSXdatabase;
-class TSXmainframe;
 
 class TSXapp : public CWinApp {
 public:
@@ -25,10 +20,5 @@ public:
 // Set by the constructor.
 extern Text<2000> rootDirectory; // the working directory at start less its last 6 bytes
 extern Text<2000> homeDirectory;
-extern Text<2000> currentDatabase; // its name
 extern Text<2000> databaseDirectory;
 extern HANDLE lockHandle; // the open marker file
-
-// Set by InitInstance.
-extern std::unique_ptr<TSXdatabase> database;
-extern TSXmainframe* mainFrame; // owned by the window system; null when it is gone

@@ -1,12 +1,13 @@
 // From the end of the message loop to that of the process. The window system is gone by then.
 #include "app/application.h"
-#include "app/edition.h"
-#include "app/log.h"
-#include "app/report.h"
 #include "model/database.h"
 #include "platform/system/directory.h"
 #include "platform/system/startprogram.h"
+#include "reporting/log.h"
+#include "reporting/report.h"
+#include "settings/edition.h"
 #include "toolkit/drawing.h"
+#include "views/current.h"
 
 TSXapp::~TSXapp() {
     setReport({});

@@ -3,24 +3,22 @@
 #include <string>
 
 #include "app/application.h"
-#include "app/log.h"
-#include "app/marker.h"
-#include "app/report.h"
-#include "app/settings.h"
 #include "model/database.h"
+#include "model/marker.h"
 #include "platform/system/directory.h"
 #include "platform/window/msgbox.h"
+#include "reporting/log.h"
+#include "reporting/report.h"
 #include "resources/resources.h"
+#include "settings/settings.h"
 #include "toolkit/drawing.h"
+#include "views/current.h"
 #include "views/mainframe.h"
 
 Text<2000> rootDirectory;
 Text<2000> homeDirectory;
-Text<2000> currentDatabase;
 Text<2000> databaseDirectory;
 HANDLE lockHandle = INVALID_HANDLE_VALUE;
-std::unique_ptr<TSXdatabase> database;
-TSXmainframe* mainFrame = nullptr;
 
 namespace {
 

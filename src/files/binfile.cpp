@@ -5,7 +5,7 @@
 #include <cstring>
 #include <limits>
 
-#include "app/log.h"
+#include "reporting/log.h"
 
 namespace {
 

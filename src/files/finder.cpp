@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "app/log.h"
+#include "reporting/log.h"
 
 int TSXfinder::findfirst(const char* pattern) {
     WIN32_FIND_DATAA match;

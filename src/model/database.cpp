@@ -1,9 +1,9 @@
 #include "model/database.h"
 
-#include "analysis/problem.h"
 #include "model/datafile.h"
 #include "model/exptype.h"
 #include "model/keyentry.h"
+#include "model/problem.h"
 #include "platform/system/letters.h"
 
 TSXdatabase::TSXdatabase(const char* datadirectory)
@@ -11,7 +11,7 @@ TSXdatabase::TSXdatabase(const char* datadirectory)
 
 TSXdatabase::~TSXdatabase() = default;
 
-void TSXdatabase::load(const char* directorytext) {
+void TSXdatabase::readlists(const char* directorytext) {
     directory = directorytext;
     clearproblems();
     types[0] = std::make_unique<TSXexptype>(0, "Database");
@@ -22,7 +22,6 @@ void TSXdatabase::load(const char* directorytext) {
     lists.push_back(std::make_unique<TSXpairlist>(*this));
     lists.push_back(std::make_unique<TSXgel2dlist>(*this));
     lastlist = static_cast<std::int32_t>(lists.size()) - 1;
-    analyse();
 }
 
 int TSXdatabase::addexptype(int fileclass, const char* name) {
@@ -55,4 +54,18 @@ TSXkeyentry& TSXdatabase::findoraddkey(std::string_view key) {
         ++visiblecount;
     }
     return entry;
+}
+
+void TSXdatabase::addproblem(std::unique_ptr<TSXproblem> problem) {
+    problems.push_back(std::move(problem));
+    ++problemcount;
+}
+
+TSXproblem* TSXdatabase::getproblem(int index) const {
+    return index >= 1 && index <= problemcount ? problems[static_cast<std::size_t>(index)].get() : nullptr;
+}
+
+void TSXdatabase::clearproblems() {
+    problems.resize(1);
+    problemcount = 0;
 }

@@ -1,6 +1,6 @@
 // The whole model of one database: file lists, experiment types, key index, key arrays and problem list. Its
-// operations are in database.cpp and sidefiles.cpp beside it, and in problem.cpp, analyse.cpp and
-// repairs.cpp of analysis.
+// operations are in database.cpp and sidefiles.cpp beside it, and in the sources of
+// analysis.
 #pragma once
 
 #include <cstdint>
@@ -29,6 +29,8 @@ public:
 
     // Reads the tree and analyses it. Runs once.
     void load(const char* directorytext);
+    void
+    readlists(const char* directorytext); // the first half of that: makes the lists, which read the files
     // The index of the type of that name, ignoring case, in that class, made if missing. With 200 types
     // there, the last.
     int addexptype(int fileclass, const char* name);

@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
-#include "app/log.h"
-#include "app/report.h"
 #include "files/binfile.h"
 #include "model/database.h"
 #include "model/fileclass.h"
 #include "platform/system/bytestream.h"
 #include "platform/system/messagebox.h"
+#include "reporting/log.h"
+#include "reporting/report.h"
 
 constexpr int headercapacity = 100;
 

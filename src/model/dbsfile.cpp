@@ -2,11 +2,11 @@
 
 #include <cstring>
 
-#include "app/log.h"
-#include "app/report.h"
 #include "files/binfile.h"
 #include "model/fileclass.h"
 #include "platform/system/messagebox.h"
+#include "reporting/log.h"
+#include "reporting/report.h"
 
 namespace {
 

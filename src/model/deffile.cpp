@@ -2,9 +2,9 @@
 
 #include <cstring>
 
-#include "app/log.h"
 #include "files/binfile.h"
 #include "model/database.h"
+#include "reporting/log.h"
 
 TSXdeffile::TSXdeffile(TSXdatabase& owner, TSXfilelist& holder, const char* basename, int fileclass)
     : TSXdatafile(owner, holder, basename, fileclass), format(fileclasses[fileclass]) {

@@ -4,15 +4,15 @@
 #include <string>
 #include <unordered_set>
 
-#include "analysis/problem.h"
-#include "app/log.h"
 #include "files/finder.h"
 #include "model/database.h"
 #include "model/dbsfile.h"
 #include "model/deffile.h"
 #include "model/fileclass.h"
+#include "model/problem.h"
 #include "platform/system/letters.h"
 #include "platform/system/path.h"
+#include "reporting/log.h"
 
 namespace {
 

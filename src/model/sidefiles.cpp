@@ -3,13 +3,13 @@
 #include <cstring>
 #include <string>
 
-#include "analysis/problem.h"
-#include "app/log.h"
 #include "files/binfile.h"
 #include "files/finder.h"
 #include "model/database.h"
 #include "model/fileclass.h"
+#include "model/problem.h"
 #include "platform/system/directory.h"
+#include "reporting/log.h"
 
 namespace {
 

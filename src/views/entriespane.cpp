@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "app/application.h"
 #include "model/database.h"
 #include "model/keyentry.h"
 #include "platform/window/dc.h"
+#include "views/current.h"
 #include "views/mainframe.h"
 #include "views/table.h"
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <string>
 
-#include "analysis/problem.h"
-#include "app/application.h"
 #include "model/database.h"
+#include "model/problem.h"
 #include "platform/window/dc.h"
 #include "platform/window/msgbox.h"
 #include "resources/resources.h"
+#include "views/current.h"
 #include "views/entriespane.h"
 #include "views/entryframe.h"
 #include "views/problempane.h"

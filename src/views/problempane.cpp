@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <utility>
 
-#include "analysis/problem.h"
-#include "app/application.h"
 #include "model/database.h"
+#include "model/problem.h"
 #include "platform/window/menu.h"
 #include "platform/window/windowdc.h"
+#include "views/current.h"
 #include "views/mainframe.h"
 #include "views/table.h"
 

@@ -1,9 +1,9 @@
 #include "views/typespane.h"
 
-#include "app/application.h"
 #include "model/database.h"
 #include "model/exptype.h"
 #include "platform/window/dc.h"
+#include "views/current.h"
 #include "views/mainframe.h"
 #include "views/table.h"
 

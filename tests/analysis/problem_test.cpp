@@ -1,4 +1,4 @@
-#include "analysis/problem.h"
+#include "model/problem.h"
 
 #include "databasetest.h"
 

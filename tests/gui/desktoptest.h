@@ -4,11 +4,11 @@
 #include <QTest>
 #include <algorithm>
 
-#include "app/application.h"
 #include "databasetest.h"
 #include "platform/window/msgbox.h"
 #include "platform/window/testaccess.h"
 #include "toolkit/drawing.h"
+#include "views/current.h"
 #include "views/entriespane.h"
 #include "views/entryframe.h"
 #include "views/entrygridpane.h"

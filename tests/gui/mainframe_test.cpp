@@ -1,5 +1,5 @@
-#include "analysis/problem.h"
 #include "desktoptest.h"
+#include "model/problem.h"
 
 TEST_F(DesktopTest, MainWindowHasItsTitleSizePanesAndGrooves) {
     EXPECT_EQ(outerWidget(*main)->windowTitle(), "Database Check- Strains");

@@ -1,5 +1,5 @@
-#include "analysis/problem.h"
 #include "desktoptest.h"
+#include "model/problem.h"
 #include "platform/window/menu.h"
 
 namespace {

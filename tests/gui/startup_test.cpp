@@ -2,10 +2,10 @@
 #include <cstdlib>
 
 #include "app/application.h"
-#include "app/marker.h"
-#include "app/settings.h"
 #include "databasetest.h"
+#include "model/marker.h"
 #include "platform/window/testaccess.h"
+#include "settings/settings.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "app/marker.h"
+#include "model/marker.h"
 
 #include "files/finder.h"
 #include "platform/system/errors.h"

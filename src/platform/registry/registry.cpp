@@ -1,4 +1,4 @@
-#include "platform/system/registry.h"
+#include "platform/registry/registry.h"
 
 #include <QSettings>
 #include <QStandardPaths>

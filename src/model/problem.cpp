@@ -1,4 +1,4 @@
-#include "analysis/problem.h"
+#include "model/problem.h"
 
 #include "model/database.h"
 #include "model/exptype.h"
@@ -10,14 +10,7 @@ struct Solution {
     int command; // 0: the kind has no such solution
     const char* label;
     bool loses; // deletes a file or clears a key
-    int (*apply)(TSXdatabase&, const TSXproblem&);
 };
-
-// For the operations that have no result of their own.
-template <class Operation> int done(Operation operation) {
-    operation();
-    return 1;
-}
 
 constexpr int maxsolutions = 2;
 using Solutions = Solution[maxsolutions];
@@ -25,24 +18,15 @@ using Solutions = Solution[maxsolutions];
 // By kind, from 1; slot 0 is that of an unknown kind.
 constexpr Solutions solutions[] = {
     {},
-    {{removeemptyfilescommand, "Remove all empty files", true,
-      [](TSXdatabase& d, const TSXproblem& p) { return done([&] { d.removeemptyfiles(p.subkind); }); }}},
-    {{removeduplicatescommand, "Remove all duplicate keys", true,
-      [](TSXdatabase& d, const TSXproblem& p) { return done([&] { d.removeduplicates(p.subkind); }); }},
-     {renameduplicatescommand, "Rename all duplicate keys", false,
-      [](TSXdatabase& d, const TSXproblem& p) { return done([&] { d.renameduplicates(p.subkind); }); }}},
-    {{createkeyscommand, "Create keys", false,
-      [](TSXdatabase& d, const TSXproblem&) { return done([&] { d.createkeys(); }); }}},
-    {{removeexperimentkeyscommand, "Remove these experiment keys", true,
-      [](TSXdatabase& d, const TSXproblem&) { return done([&] { d.removeexperimentkeys(); }); }},
-     {adddatabaseentriescommand, "Add database entries for these keys", false,
-      [](TSXdatabase& d, const TSXproblem&) { return done([&] { d.adddatabaseentries(); }); }}},
-    {{createdirectorycommand, "Create directory", false,
-      [](TSXdatabase& d, const TSXproblem& p) { return d.createdirectory(p.name); }}},
-    {{deletecorruptfilecommand, "Delete this corrupted file", true,
-      [](TSXdatabase& d, const TSXproblem& p) { return d.deletecorruptfile(p.subkind, p.fileindex); }}},
-    {{deletefilecommand, "Delete this corrupted file", true,
-      [](TSXdatabase& d, const TSXproblem& p) { return d.deletefile(p.name); }}},
+    {{removeemptyfilescommand, "Remove all empty files", true}},
+    {{removeduplicatescommand, "Remove all duplicate keys", true},
+     {renameduplicatescommand, "Rename all duplicate keys", false}},
+    {{createkeyscommand, "Create keys", false}},
+    {{removeexperimentkeyscommand, "Remove these experiment keys", true},
+     {adddatabaseentriescommand, "Add database entries for these keys", false}},
+    {{createdirectorycommand, "Create directory", false}},
+    {{deletecorruptfilecommand, "Delete this corrupted file", true}},
+    {{deletefilecommand, "Delete this corrupted file", true}},
 };
 
 // The solution of that number; none if the kind does not have it.
@@ -118,23 +102,4 @@ const char* TSXproblem::solutionlabel(int number) const {
 bool TSXproblem::solutionloses(int number) const {
     const Solution* solution = findsolution(kind, number);
     return solution != nullptr && solution->loses;
-}
-
-int TSXproblem::solve(int number) const {
-    const Solution* solution = findsolution(kind, number);
-    return solution != nullptr ? solution->apply(database, *this) : 0;
-}
-
-void TSXdatabase::addproblem(std::unique_ptr<TSXproblem> problem) {
-    problems.push_back(std::move(problem));
-    ++problemcount;
-}
-
-TSXproblem* TSXdatabase::getproblem(int index) const {
-    return index >= 1 && index <= problemcount ? problems[static_cast<std::size_t>(index)].get() : nullptr;
-}
-
-void TSXdatabase::clearproblems() {
-    problems.resize(1);
-    problemcount = 0;
 }

@@ -2,7 +2,7 @@
 // database in the home directory.
 #pragma once
 
-#include "app/databasefile.h"
+#include "files/databasefile.h"
 
 // Reads the home directory and the current database from the settings store. 1, or 0 if either is missing.
 int readSettingsStore(DatabaseSettings& settings);

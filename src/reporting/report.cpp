@@ -1,4 +1,4 @@
-#include "app/report.h"
+#include "reporting/report.h"
 
 #include <cstdio>
 #include <utility>

@@ -1,10 +1,10 @@
-#include "app/log.h"
+#include "reporting/log.h"
 
 #include <string>
 
-#include "app/report.h"
 #include "platform/system/bytestream.h"
 #include "platform/system/messagebox.h"
+#include "reporting/report.h"
 
 int logEnabled = 0;
 Text<2000> logPath;

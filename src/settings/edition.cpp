@@ -1,4 +1,4 @@
-#include "app/edition.h"
+#include "settings/edition.h"
 
 namespace {
 

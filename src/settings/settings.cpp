@@ -1,9 +1,9 @@
-#include "app/settings.h"
+#include "settings/settings.h"
 
 #include <string>
 
-#include "app/edition.h"
-#include "platform/system/registry.h"
+#include "platform/registry/registry.h"
+#include "settings/edition.h"
 
 const char* const notStartedText = "The software is not properly started. Please run the startup program";
 const char* const noValidDatabaseText = "No valid database specified";

@@ -1,7 +1,7 @@
-#include "app/log.h"
+#include "reporting/log.h"
 
-#include "app/marker.h"
 #include "databasetest.h"
+#include "model/marker.h"
 #include "platform/system/errors.h"
 
 namespace {

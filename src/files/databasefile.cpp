@@ -1,4 +1,4 @@
-#include "app/databasefile.h"
+#include "files/databasefile.h"
 
 #include <cstdio>
 #include <string>
