@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "model/change.h"
 #include "model/filelist.h"
 #include "model/keytree.h"
 #include "platform/system/cobject.h"
@@ -84,6 +85,11 @@ public:
     std::vector<std::int32_t> visiblekeys; // indices into keyarray, from 1 to visiblecount
     std::int32_t problemcount = 0;
     std::vector<std::unique_ptr<TSXproblem>> problems; // from 1 to problemcount; slot 0 holds nothing
+
+    // What was changed on the disk, in this order; while planning, what would be.
+    std::vector<Change> changes;
+    bool planning = false;          // true: nothing is written, deleted or made
+    ChangeKeeper* keeper = nullptr; // asked before each group of changes, where set
 
     std::function<void(const TSXdatafile&)>
         fileread; // called, where set, behind each data file that load has read

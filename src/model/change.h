@@ -1,0 +1,29 @@
+// The changes of the disk: what one is, and who is asked before a group of them is made.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+struct Change {
+    enum Kind : std::uint8_t { key, deletion, making };
+
+    Kind kind = key;
+    std::string file; // relative to the database's directory, as it is spelled on the disk
+    // Of a key alone:
+    std::int32_t record = 0; // from 1
+    std::int64_t offset = 0; // of the key field
+    std::string oldkey;      // as it was loaded
+    std::string newkey;      // as it is to be
+    std::string fieldbefore; // the bytes of the field as they stand on the disk
+};
+
+// Keeps what is needed to undo changes.
+class ChangeKeeper {
+public:
+    virtual ~ChangeKeeper() = default;
+    // Nothing of the group has been done yet. False: it must not be done, and why has been reported.
+    virtual bool before(const std::vector<Change>& group) = 0;
+    // The group has been done, as far as that was possible.
+    virtual void after() = 0;
+};
