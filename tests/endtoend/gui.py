@@ -303,6 +303,11 @@ def keys(display, work):
     tool.open_key(1)
     expect(display.active("Entry " + first) == entry and len(display.windows("Entry ")) == 2, "a key has two windows")
 
+    display.xdotool("windowmove", "--sync", entry, 800, 60)
+    entry_looks = display.settled(entry).data
+    display.activate(tool.main)
+    expect(display.settled(entry).data == entry_looks, "the entry window is behind the main window")
+    display.xdotool("windowmove", "--sync", entry, 120, 120)
     before = contents(place.database)
     tool.change_key(entry, "Changed 1")
     expect(contents(place.database) == before, "a change reached the disk before it was saved")

@@ -43,7 +43,6 @@ QWidget* makeControl(const DialogControl& row, CDialog& dialog, QDialog& window)
         break;
     }
     auto* const button = new QPushButton(labelOf(row.text), &window);
-    button->setAutoDefault(false);
     button->setDefault(row.kind == ControlKind::defaultButton);
     if (row.id == IDOK)
         QObject::connect(button, &QPushButton::clicked, &window, [&dialog] { dialog.OnOK(); });

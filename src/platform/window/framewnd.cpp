@@ -25,7 +25,12 @@ bool CFrameWnd::Create(const WindowClass& windowClass, const char* title, const 
     if (host_ != nullptr || (parent != nullptr && parent->host_ == nullptr))
         return false;
     WindowHost* const owner = parent == nullptr ? nullptr : parent->host_;
-    host_ = new WindowHost(*this, windowClass, owner, Qt::Window); // goes with the window
+    // Only a dialog stays in front of its owner; the hints give it all that another window has.
+    const Qt::WindowFlags flags = owner == nullptr
+                                      ? Qt::Window
+                                      : Qt::Dialog | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+                                            Qt::WindowMinMaxButtonsHint | Qt::WindowCloseButtonHint;
+    host_ = new WindowHost(*this, windowClass, owner, flags); // goes with the window
     if (windowClass.icon != nullptr)
         host_->setWindowIcon(pictureOf(*windowClass.icon));
     if (const MenuResource* const menu = findMenu(menuNumber))

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QAction>
+#include <QClipboard>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
@@ -185,6 +186,21 @@ TEST_F(Asking, TypedTextKeepsTheEncodingAndTheLimitInBytes) {
         EXPECT_EQ(prompt.DoModal(), IDOK);
         EXPECT_EQ(prompt.text, row.result);
     }
+    const struct {
+        const char *preset, *pasted, *result;
+    } pastes[] = {
+        {"old", "A-1\nA-2\n", "A-1"}, {"old", "\r\nx", ""}, {"a\nb", nullptr, "a\nb"}, {"a\nb", "\nb", ""}};
+    for (const auto& row : pastes) {
+        Prompt pasting(*frame, row.preset, 99);
+        whenOpen([&](QWidget& open) {
+            QApplication::clipboard()->setText(row.pasted);
+            if (row.pasted != nullptr)
+                open.findChild<QLineEdit*>("101")->paste();
+            QTest::keyClick(&open, Qt::Key_Return);
+        });
+        EXPECT_EQ(pasting.DoModal(), IDOK);
+        EXPECT_EQ(pasting.text, row.result) << row.preset;
+    }
     Prompt prompt(*frame, "far too long", 5); // a longer text can only be made shorter
     whenOpen([](QWidget& open) {
         auto* const field = open.findChild<QLineEdit*>("101");
@@ -197,6 +213,18 @@ TEST_F(Asking, TypedTextKeepsTheEncodingAndTheLimitInBytes) {
     });
     EXPECT_EQ(prompt.DoModal(), IDCANCEL);
     EXPECT_EQ(prompt.text, "far too long");
+}
+
+TEST_F(Asking, ReturnPressesTheButtonWithTheFocusAndInTheFieldOk) {
+    for (const int tabs : {0, 1, 2}) {
+        Prompt prompt(*frame, "old", 99);
+        whenOpen([tabs](QWidget& open) {
+            for (int i = 0; i < tabs; ++i)
+                QTest::keyClick(&open, Qt::Key_Tab);
+            QTest::keyClick(open.focusWidget(), Qt::Key_Return);
+        });
+        EXPECT_EQ(prompt.DoModal(), tabs == 2 ? IDCANCEL : IDOK);
+    }
 }
 
 TEST_F(Asking, DialogDisablesItsWindowAloneAndGoesWithIt) {

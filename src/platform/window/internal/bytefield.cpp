@@ -8,21 +8,35 @@ ByteField::ByteField(QWidget* parent) : QLineEdit(parent) {
 
 void ByteField::setBytes(std::string_view bytes) {
     encoding_ = encodingOf(bytes);
-    setText(unicodeOf(bytes));
-    lengthBefore_ = static_cast<qsizetype>(bytes.size());
+    before_ = unicodeOf(bytes);
+    setText(before_);
 }
 
 std::string ByteField::bytes() const {
     return bytesOf(text(), encoding_).toStdString();
 }
 
+// What was put in begins where the text differs from that before, and ends at the cursor.
+void ByteField::cutAtLineBreak(QString& edited, qsizetype& cursor) const {
+    const auto* const begin =
+        std::mismatch(edited.cbegin(), edited.cbegin() + cursor, before_.cbegin(), before_.cend()).first;
+    const auto* const end = edited.cbegin() + cursor;
+    const QStringView breaks = u"\n\r\u2028\u2029";
+    const auto* const lineBreak = std::find_first_of(begin, end, breaks.cbegin(), breaks.cend());
+    cursor = lineBreak - edited.cbegin();
+    edited.remove(cursor, end - lineBreak);
+}
+
 void ByteField::keepWithinLimit() {
-    // What was put in stands before the cursor: characters go from there until the rest fits. One that the
-    // encoding lacks shows as what it will be stored as.
-    QString kept =
-        encoding_ == TextEncoding::utf8 ? text() : unicodeOf(bytesOf(text(), encoding_).toStdString());
-    qsizetype cursor = std::min<qsizetype>(cursorPosition(), kept.size());
-    const qsizetype most = std::max(limit_, lengthBefore_);
+    QString kept = text();
+    qsizetype cursor = cursorPosition();
+    cutAtLineBreak(kept, cursor);
+    // A character that the encoding lacks shows as what it will be stored as.
+    if (encoding_ == TextEncoding::windows1252)
+        kept = unicodeOf(bytesOf(kept, encoding_).toStdString());
+    cursor = std::min(cursor, kept.size());
+    // Characters go from before the cursor until the rest fits.
+    const qsizetype most = std::max(limit_, bytesOf(before_, encoding_).size());
     while (cursor > 0 && bytesOf(kept, encoding_).size() > most) {
         const qsizetype units = cursor > 1 && kept.at(cursor - 1).isLowSurrogate() ? 2 : 1;
         cursor -= units;
@@ -32,5 +46,5 @@ void ByteField::keepWithinLimit() {
         setText(kept);
         setCursorPosition(static_cast<int>(cursor));
     }
-    lengthBefore_ = bytesOf(kept, encoding_).size();
+    before_ = kept;
 }

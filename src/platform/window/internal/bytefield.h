@@ -1,5 +1,5 @@
 // An edit field whose text is bytes: it keeps the encoding of the text it was given and limits what is typed
-// by bytes.
+// by bytes. What is pasted ends at its first line break; a text that was set keeps its own.
 #pragma once
 
 #include <QLineEdit>
@@ -19,8 +19,9 @@ public:
 
 private:
     void keepWithinLimit();
+    void cutAtLineBreak(QString& edited, qsizetype& cursor) const;
 
     TextEncoding encoding_ = TextEncoding::utf8;
     qsizetype limit_ = 32767;
-    qsizetype lengthBefore_ = 0; // bytes before the present edit
+    QString before_; // the text before the present edit
 };
