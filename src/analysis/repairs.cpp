@@ -25,7 +25,7 @@ void reporterror(const char* form, const char* subject) {
 // tried again, so that many duplicates of one key cost no more than they are.
 class FreeKeys {
 public:
-    FreeKeys(TSXkeytree& keytree, int keytype) : tree(keytree), type(keytype) {}
+    FreeKeys(const TSXkeytree& keytree, int keytype) : tree(keytree), type(keytype) {}
 
     std::string next(std::string_view key) {
         int first = 2;
@@ -37,7 +37,8 @@ public:
             int& number = numbers.try_emplace({digits, stem}, first).first->second;
             for (; number < end; ++number) {
                 std::string candidate = stem + std::to_string(number);
-                if (tree.findoradd(candidate).occurrences(type) == 0)
+                const TSXkeyentry* entry = tree.find(candidate);
+                if (entry == nullptr || entry->occurrences(type) == 0)
                     return candidate;
             }
             first = end;
@@ -51,7 +52,7 @@ private:
         }
     };
 
-    TSXkeytree& tree;
+    const TSXkeytree& tree;
     int type;
     // By the number's digits and the text in front of it, the lowest number that was not yet seen taken.
     std::map<std::pair<int, std::string>, int, IgnoringCase> numbers;

@@ -8,6 +8,17 @@ TSXkeytree::TSXkeytree(TSXdatabase& owner) : database(owner) {}
 
 TSXkeytree::~TSXkeytree() = default;
 
+TSXkeyentry* TSXkeytree::find(std::string_view key) const {
+    TSXkeyentry* entry = root.get();
+    while (entry != nullptr) {
+        const int order = compareIgnoringCase(key, entry->key);
+        if (order == 0)
+            break;
+        entry = (order < 0 ? entry->left : entry->right).get();
+    }
+    return entry;
+}
+
 TSXkeyentry& TSXkeytree::findoradd(std::string_view key) {
     added = 0;
     bool taller = false;

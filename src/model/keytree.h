@@ -16,6 +16,8 @@ public:
     explicit TSXkeytree(TSXdatabase& owner);
     ~TSXkeytree() override;
 
+    // The entry of the key, none if there is none.
+    TSXkeyentry* find(std::string_view key) const;
     // The entry of the key, made if there is none. It stays in the tree until clear.
     TSXkeyentry& findoradd(std::string_view key);
     void clear();

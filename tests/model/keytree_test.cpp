@@ -44,7 +44,9 @@ TEST_F(KeyTree, StaysBalancedAndSortedInAnyOrderOfInsertion) {
     while (std::next_permutation(keys.begin(), keys.end()));
     EXPECT_EQ(insertAll({}), Texts());
 
+    EXPECT_EQ(database->keytree.find("Abc"), nullptr);
     TSXkeyentry& entry = database->keytree.findoradd("Abc");
+    EXPECT_EQ(database->keytree.find("aBC"), &entry);
     EXPECT_EQ(&database->keytree.findoradd("aBC"), &entry);
     EXPECT_EQ(database->keytree.added, 0);
     EXPECT_EQ(entry.key, "Abc");
