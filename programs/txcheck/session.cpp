@@ -39,8 +39,7 @@ bool Session::refuse(const std::string& text) {
 
 int Session::answer(const char* text, const char* title, std::uint32_t flags) {
     clearProgress();
-    constexpr std::uint32_t buttons = 0x0F;
-    if ((flags & buttons) == MB_YESNO) {
+    if ((flags & MB_TYPEMASK) == MB_YESNO) {
         std::fprintf(stderr, "txcheck: %s: %s %s\n", title, text,
                      options.yes ? "Yes" : "No (--yes would say Yes)");
         return options.yes ? IDYES : IDNO;

@@ -29,6 +29,7 @@ enum SolutionCommand : int {
     createdirectorycommand,
     deletecorruptfilecommand,
     deletefilecommand,
+    lastsolutioncommand = 7099, // up to here the numbers are kept for solutions
 };
 
 class TSXproblem : public CObject {

@@ -9,8 +9,7 @@ namespace {
 
 int reportToStandardError(const char* text, const char* title, std::uint32_t flags) {
     std::fprintf(stderr, "%s: %s\n", title, text);
-    constexpr std::uint32_t buttons = 0x0F;
-    return (flags & buttons) == MB_OK ? IDOK : IDNO;
+    return (flags & MB_TYPEMASK) == MB_OK ? IDOK : IDNO;
 }
 
 ReportOperation operation = reportToStandardError;

@@ -1,33 +1,18 @@
 // A pane with a row of flat push buttons that rise under the mouse, repeat while they are held and show a
-// hint. A frame makes it as any pane, with the background of getBrush(201), adds its buttons and gets their
-// commands through frameCommand.
+// hint. A frame makes it as any pane, with the background of getBrush(buttonFaceBrush), adds its buttons and
+// gets their commands through frameCommand.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <vector>
 
-#include "platform/system/text.h"
 #include "platform/window/bitmap.h"
+#include "toolkit/barbutton.h"
 #include "toolkit/hintwindow.h"
 #include "toolkit/pane.h"
 
 class TSXframe;
-
-struct BarButton {
-    std::int32_t x = 0, y = 0, width = 0, height = 0; // client pixels, set by the bar; a width above 0 stays
-    std::uint32_t commandId = 0;
-    Text<60> label = {};
-    std::int32_t bitmapWidth = 0, bitmapHeight = 0;
-    Text<100> hintText = {}; // no hint when empty
-    Text<100> hintDetail = {};
-    std::int32_t latched = 0;  // not 0: a double edge in all states
-    std::int32_t iconCode = 0; // icon; from 10000 with a shadow and a spark, from 11001 with a shadow alone
-    std::int32_t enabled = 1;  // anything else: dithered, and not to be pressed
-    std::int32_t ticked = 0;
-};
-
-enum ButtonState : int { buttonFlat = -1, buttonRaised = 0, buttonPressed = 1 };
 
 class TSXbuttonbar : public TSXpane {
 public:
@@ -69,9 +54,6 @@ private:
     void hoverOver(int index);
     void repeatPressed();
 
-    void drawEdges(CDC& dc, const BarButton& button, int state);
-    void drawContent(CDC& dc, int index, int offset);
-
     TSXframe& owner;
     std::unique_ptr<CDC> pressContext; // while a button is held down
     std::int32_t pressedIndex = 0;     // the button that is held down
@@ -80,8 +62,7 @@ private:
     std::int32_t buttonCount = 0;
     std::vector<BarButton> buttons; // slot 0 is unused, as in bitmaps
     std::vector<std::unique_ptr<CBitmap>> bitmaps;
-    CPen facePen, lightPen, darkPen, darkestPen;
-    COLORREF faceColour;
+    const ButtonLook look;
     std::int32_t repeatCount = 0;
     bool repeated = false;      // the press has given its command, and gives none when it ends
     std::int32_t hintShown = 0; // the hover delay has passed, and the mouse has not left the bar since

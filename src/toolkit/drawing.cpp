@@ -24,10 +24,10 @@ struct FontRow {
 };
 
 constexpr FontRow fontRows[] = {
-    {1, -11, 0, 400, false, "arial"},       {2, -12, 0, 700, false, "arial"},
-    {3, -11, 0, 400, true, "arial"},        {4, -9, 0, 400, false, "arial"},
-    {5, -14, 0, 400, false, "courier new"}, {6, -7, 0, 400, false, "arial"},
-    {7, -11, 0, 400, true, "arial"},        {101, -11, 900, 400, false, "arial"},
+    {plainFont, -11, 0, 400, false, "arial"}, {boldFont, -12, 0, 700, false, "arial"},
+    {3, -11, 0, 400, true, "arial"},          {4, -9, 0, 400, false, "arial"},
+    {5, -14, 0, 400, false, "courier new"},   {6, -7, 0, 400, false, "arial"},
+    {7, -11, 0, 400, true, "arial"},          {101, -11, 900, 400, false, "arial"},
     {102, -10, 900, 400, false, "arial"},
 };
 
@@ -58,13 +58,13 @@ COLORREF accent(const Channels& base) {
 
 void makeColours(const Channels& base) {
     set.colours = {
-        {1, perChannel(base, [](int c) { return c; })},
-        {2, perChannel(base, [](int c) { return c * 0.86; })},
-        {3, perChannel(base, [](int c) { return c * 0.76; })},
-        {-1, perChannel(base, [](int c) { return c * 0.7; })},
-        {0, perChannel(base, [](int c) { return 255.0 - (255 - c) * 0.4; })},
-        {101, accent(base)},
-        {4, green},
+        {baseColour, perChannel(base, [](int c) { return c; })},
+        {darkColour, perChannel(base, [](int c) { return c * 0.86; })},
+        {darkerColour, perChannel(base, [](int c) { return c * 0.76; })},
+        {darkEdgeColour, perChannel(base, [](int c) { return c * 0.7; })},
+        {lightEdgeColour, perChannel(base, [](int c) { return 255.0 - (255 - c) * 0.4; })},
+        {accentColour, accent(base)},
+        {greenColour, green},
     };
 }
 
@@ -75,20 +75,20 @@ void makeBrushes() {
     set.brushes.try_emplace(4, green);
     set.brushes.try_emplace(5, blue);
     set.brushes.try_emplace(6, red);
-    set.brushes.try_emplace(101, getColour(101));
-    set.brushes.try_emplace(201, GetSysColor(COLOR_BTNFACE));
+    set.brushes.try_emplace(101, getColour(accentColour));
+    set.brushes.try_emplace(buttonFaceBrush, GetSysColor(COLOR_BTNFACE));
 }
 
 void makePens() {
-    set.pens.try_emplace(1, getColour(0));
-    set.pens.try_emplace(2, getColour(-1));
-    set.pens.try_emplace(3, getColour(1));
+    set.pens.try_emplace(1, getColour(lightEdgeColour));
+    set.pens.try_emplace(darkEdgePen, getColour(darkEdgeColour));
+    set.pens.try_emplace(3, getColour(baseColour));
     set.pens.try_emplace(5, red);
     set.pens.try_emplace(6, blue);
     set.pens.try_emplace(199, GetSysColor(COLOR_3DLIGHT));
-    set.pens.try_emplace(200, GetSysColor(COLOR_BTNHIGHLIGHT));
+    set.pens.try_emplace(desktopHighlightPen, GetSysColor(COLOR_BTNHIGHLIGHT));
     set.pens.try_emplace(201, GetSysColor(COLOR_BTNFACE));
-    set.pens.try_emplace(202, GetSysColor(COLOR_BTNSHADOW));
+    set.pens.try_emplace(desktopShadowPen, GetSysColor(COLOR_BTNSHADOW));
     set.pens.try_emplace(203, GetSysColor(COLOR_3DDKSHADOW));
 }
 
@@ -135,9 +135,15 @@ const CFont* getFont(int number) {
     return find(set.fonts, number);
 }
 
+void drawLine(CDC& dc, POINT from, POINT to) {
+    dc.MoveTo(from.x, from.y);
+    dc.LineTo(to.x, to.y);
+}
+
 void paintIcon(CDC& dc, int x, int y, int number) {
     for (const IconPart& part : iconParts(number)) {
-        const COLORREF colour = part.colour == iconBaseColour ? getColour(1) : hexColour(part.colour);
+        const COLORREF colour =
+            part.colour == iconBaseColour ? getColour(baseColour) : hexColour(part.colour);
         if (part.width == 0)
             dc.SetPixel(x + part.x, y + part.y, colour);
         else

@@ -1,6 +1,6 @@
-// The one set of colours, brushes, pens and fonts that all windows draw with, by number, and the painter of
-// the small pictures. The set is made once from a base colour, when the window system is up, and does not
-// follow a later change of the desktop's colours.
+// The one set of colours, brushes, pens and fonts that all windows draw with, and the painter of the small
+// pictures. The set is made once from a base colour, when the window system is up, and does not follow a
+// later change of the desktop's colours. What windows use has a name, the rest a number alone.
 #pragma once
 
 #include <array>
@@ -8,6 +8,7 @@
 
 #include "platform/window/colour.h"
 #include "platform/window/drawingobjects.h"
+#include "platform/window/geometry.h"
 
 class CDC;
 
@@ -20,19 +21,34 @@ constexpr COLORREF hexColour(std::uint32_t rrggbb) {
 void initDrawing(const std::array<std::int32_t, 3>& base);
 void releaseDrawing();
 
-// 1 base, 2 and 3 darker, -1 dark edge, 0 light edge, 101 accent, 4 green. Other numbers, and all outside of
-// initDrawing and releaseDrawing, are black.
+enum ColourNumber : int {
+    darkEdgeColour = -1,
+    lightEdgeColour = 0,
+    baseColour = 1,
+    darkColour = 2,
+    darkerColour = 3,
+    greenColour = 4,
+    accentColour = 101, // of the selected row
+};
+// Other numbers, and all outside of initDrawing and releaseDrawing, are black.
 COLORREF getColour(int number);
 
 // The objects belong to the set and live until releaseDrawing; null outside of initDrawing and it.
-// Brushes: 1 to 3 and 101 as the colours, 4 green, 5 blue, 6 red, 201 the desktop's button face; else 1.
+enum BrushNumber : int { baseBrush = 1, darkBrush = 2, buttonFaceBrush = 201 };
+// Besides: 3 and 101 as the colours, 4 green, 5 blue, 6 red; else the base.
 const CBrush* getBrush(int number);
-// Pens: 1 light edge, 2 dark edge, 3 base, 5 red, 6 blue, 199 to 203 the desktop's light edge, highlight,
-// button face, shadow and dark shadow; else 1.
+
+enum PenNumber : int { darkEdgePen = 2, desktopHighlightPen = 200, desktopShadowPen = 202 };
+// Besides: 1 light edge, 3 base, 5 red, 6 blue, 199, 201 and 203 the desktop's light edge, button face and
+// dark shadow; else 1.
 const CPen* getPen(int number);
-// Fonts: 1 plain, 2 bold and larger, 3 and 7 italic, 4 small, 5 fixed pitch, 6 tiny, 101 and 102 upwards;
-// else 1.
+
+enum FontNumber : int { plainFont = 1, boldFont = 2 };
+// Besides: 3 and 7 italic, 4 small, 5 fixed pitch, 6 tiny, 101 and 102 upwards; else the plain one.
 const CFont* getFont(int number);
+
+// With the pen that is selected, without the end point.
+void drawLine(CDC& dc, POINT from, POINT to);
 
 // Draws icon number (see icons.h) at (x, y), over what is there; a number without a picture draws nothing.
 // Leaves the context's background colour changed.

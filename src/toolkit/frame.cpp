@@ -15,11 +15,6 @@ int kindOf(unsigned flags) {
     return (flags & MK_SHIFT) != 0 ? 2 : 1;
 }
 
-void drawLine(CDC& dc, int x1, int y1, int x2, int y2) {
-    dc.MoveTo(x1, y1);
-    dc.LineTo(x2, y2);
-}
-
 } // namespace
 
 TSXframe::TSXframe() = default;
@@ -66,12 +61,12 @@ void TSXframe::drawBorder(CDC& dc) const {
     int right = 0;
     int bottom = 0;
     getInnerSize(right, bottom);
-    dc.SelectObject(getPen(202));
-    drawLine(dc, 0, 0, 0, client.bottom);
-    drawLine(dc, 0, 0, client.right, 0);
-    dc.SelectObject(getPen(200));
-    drawLine(dc, right, 0, right, client.bottom);
-    drawLine(dc, 0, bottom, client.right, bottom);
+    dc.SelectObject(getPen(desktopShadowPen));
+    drawLine(dc, {0, 0}, {0, client.bottom});
+    drawLine(dc, {0, 0}, {client.right, 0});
+    dc.SelectObject(getPen(desktopHighlightPen));
+    drawLine(dc, {right, 0}, {right, client.bottom});
+    drawLine(dc, {0, bottom}, {client.right, bottom});
 }
 
 void TSXframe::onClose() {

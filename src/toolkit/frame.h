@@ -12,7 +12,7 @@ class CStatusBarCtrl;
 
 class TSXframe : public CFrameWnd {
 public:
-    // Makes no window: the concrete frame calls Create, with the background of getBrush().
+    // Makes no window: the concrete frame calls Create, with a brush of the drawing set.
     TSXframe();
     ~TSXframe() override;
 
@@ -34,9 +34,9 @@ public:
     virtual void keyDown(std::uint32_t /*key*/, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) {}
     virtual void charTyped(std::uint32_t /*unicode*/, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) {}
 
-    // To be changed before the window is made; anything but 1 stands for no.
-    std::int32_t hasStatusBar = 1;
-    std::int32_t hasBorder = 1;
+    // To be changed before the window is made.
+    std::int32_t hasStatusBar = 1;             // anything else: no status bar
+    std::int32_t hasBorder = 1;                // 0: no border
     std::unique_ptr<CStatusBarCtrl> statusBar; // from the creation of the window on; stays empty
 
 private:

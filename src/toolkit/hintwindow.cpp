@@ -20,7 +20,7 @@ TSXhintwindow::TSXhintwindow(TSXpane& pane, int left, int top, const char* line1
     const POINT place = pane.ClientToScreen({left, top});
     x = place.x;
     y = place.y;
-    screenContext.SelectObject(getFont(1));
+    screenContext.SelectObject(getFont(plainFont));
     measure();
     saveScreen();
     draw();

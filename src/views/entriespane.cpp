@@ -22,7 +22,7 @@ bool isBare(const TSXkeyentry& key) {
 }
 
 void paintCount(CDC& dc, const RECT& cell, int count, bool marked) {
-    dc.SelectObject(getFont(marked ? 2 : 1));
+    dc.SelectObject(getFont(marked ? boldFont : plainFont));
     if (marked)
         dc.SetTextColor(RGB(255, 0, 0));
     paintCell(dc, cell.right - 3, cell, count > 0 || marked ? Text<20>().format("%d", count).c_str() : ".");
@@ -60,7 +60,7 @@ void TSXentriespane::paintRow(CDC& dc, const TSXkeyentry& key, bool selected, in
     const bool bare = isBare(key);
     const COLORREF textColour = bare ? RGB(128, 128, 128) : RGB(0, 0, 0);
     RECT cell = {-hStep * hPos, top, -hStep * hPos + keyWidth, top + rowHeight};
-    dc.SelectObject(getFont(1));
+    dc.SelectObject(getFont(plainFont));
     dc.SetBkColor(rowColour(selected));
     dc.SetTextColor(textColour);
     dc.SetTextAlign(TA_LEFT | TA_TOP);

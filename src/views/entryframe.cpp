@@ -31,7 +31,7 @@ TSXentryframe::~TSXentryframe() {
 
 void TSXentryframe::createEntryWindow() {
     const std::string title = "Entry " + key.key;
-    Create(AfxRegisterWndClass(getBrush(2), LoadIconA(applicationIcon)), title.c_str(),
+    Create(AfxRegisterWndClass(getBrush(darkBrush), LoadIconA(applicationIcon)), title.c_str(),
            RECT{120, 120, 650, 500}, &mainWindow, entryMenu);
     ShowWindow();
 }
@@ -57,11 +57,9 @@ void TSXentryframe::paintFrame(CDC& dc) {
     int bottom = 0;
     getInnerSize(right, bottom);
     dc.SelectStockObject(WHITE_PEN);
-    dc.MoveTo(gridX - 2, 1);
-    dc.LineTo(gridX - 2, bottom);
-    dc.SelectObject(getPen(2));
-    dc.MoveTo(gridX - 1, 1);
-    dc.LineTo(gridX - 1, bottom);
+    drawLine(dc, {gridX - 2, 1}, {gridX - 2, bottom});
+    dc.SelectObject(getPen(darkEdgePen));
+    drawLine(dc, {gridX - 1, 1}, {gridX - 1, bottom});
 }
 
 void TSXentryframe::frameCommand(std::uint32_t id) {

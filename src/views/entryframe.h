@@ -1,6 +1,7 @@
 // The window of one key: the names of the experiment types on the left, on the right a grid with a cell for
-// each record that uses the key. The selected record can be given another key. The window does not outlive
-// the key index: the main window closes it before an analysis.
+// each record that uses the key. The selected record can be given another key; TSXdatabase::changekey refuses
+// one of more than 60 bytes. The window does not outlive the key index: the main window closes it before an
+// analysis.
 #pragma once
 
 #include <cstdint>

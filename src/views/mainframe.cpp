@@ -23,9 +23,6 @@ constexpr int middleEdge = 200; // the lower panes are measured from here
 constexpr int columnEdge = 250; // left side of the keys
 constexpr int headingsHeight = 22;
 
-constexpr int firstSolution = 7001;
-constexpr int lastSolution = 7099;
-
 struct Heading {
     const char* text;
     int x;
@@ -39,30 +36,28 @@ constexpr Heading headings[] = {
     {"Entries", 195, middleEdge + 3},
 };
 
-void drawLine(CDC& dc, const CPen& pen, POINT from, POINT to) {
-    dc.SelectObject(&pen);
-    dc.MoveTo(from.x, from.y);
-    dc.LineTo(to.x, to.y);
-}
-
 // An edge under a row of headings.
 void drawEdge(CDC& dc, int y, int right) {
     dc.SelectStockObject(WHITE_PEN);
-    dc.MoveTo(1, y);
-    dc.LineTo(right, y);
-    drawLine(dc, *getPen(2), {1, y + 1}, {right, y + 1});
+    drawLine(dc, {1, y}, {right, y});
+    dc.SelectObject(getPen(darkEdgePen));
+    drawLine(dc, {1, y + 1}, {right, y + 1});
 }
 
 // The two grooves, five pixels wide: one under the problem list, and one between the lower panes that starts
 // in it.
 void drawGrooves(CDC& dc, int right, int bottom) {
-    const CPen pens[] = {CPen(RGB(255, 255, 255)), CPen(getColour(1)), CPen(getColour(2)), CPen(getColour(3)),
-                         CPen(RGB(0, 0, 0))};
+    const CPen pens[] = {CPen(RGB(255, 255, 255)), CPen(getColour(baseColour)), CPen(getColour(darkColour)),
+                         CPen(getColour(darkerColour)), CPen(RGB(0, 0, 0))};
     constexpr int starts[] = {1, 2, 3, 2, 1}; // of the lines of the vertical groove, above the middle edge
-    for (int i = 0; i < 5; ++i)
-        drawLine(dc, pens[i], {1, middleEdge - 5 + i}, {right, middleEdge - 5 + i});
-    for (int i = 0; i < 5; ++i)
-        drawLine(dc, pens[i], {columnEdge - 5 + i, middleEdge - starts[i]}, {columnEdge - 5 + i, bottom});
+    for (int i = 0; i < 5; ++i) {
+        dc.SelectObject(&pens[i]);
+        drawLine(dc, {1, middleEdge - 5 + i}, {right, middleEdge - 5 + i});
+    }
+    for (int i = 0; i < 5; ++i) {
+        dc.SelectObject(&pens[i]);
+        drawLine(dc, {columnEdge - 5 + i, middleEdge - starts[i]}, {columnEdge - 5 + i, bottom});
+    }
     dc.SelectStockObject(BLACK_PEN);
 }
 
@@ -77,7 +72,7 @@ TSXmainframe::~TSXmainframe() {
 
 void TSXmainframe::createMainWindow() {
     const std::string title = std::string("Database Check- ") + currentDatabase.c_str();
-    Create(AfxRegisterWndClass(getBrush(1), LoadIconA(applicationIcon)), title.c_str(),
+    Create(AfxRegisterWndClass(getBrush(baseBrush), LoadIconA(applicationIcon)), title.c_str(),
            RECT{20, 20, 770, 570}, nullptr, mainMenu);
 }
 
@@ -113,7 +108,7 @@ void TSXmainframe::paintFrame(CDC& dc) {
     drawEdge(dc, topEdge - 2, right);
     drawEdge(dc, middleEdge + headingsHeight - 2, right);
     drawGrooves(dc, right, bottom);
-    dc.SelectObject(getFont(1));
+    dc.SelectObject(getFont(plainFont));
     dc.SetBkMode(TRANSPARENT);
     for (const Heading& heading : headings)
         dc.TextOutA(heading.x, heading.y, heading.text);
@@ -138,7 +133,7 @@ void TSXmainframe::frameCommand(std::uint32_t id) {
         openEntryWindow();
         break;
     default:
-        if (id >= firstSolution && id <= lastSolution)
+        if (id >= removeemptyfilescommand && id <= lastsolutioncommand)
             solveProblem(id);
     }
 }

@@ -18,7 +18,7 @@ constexpr int messageX = 5;
 constexpr int gap = 10; // between the longest message and the buttons
 
 void paintSolveButton(CDC& dc, int x, int rowTop, bool pressed) {
-    dc.SelectObject(getFont(1));
+    dc.SelectObject(getFont(plainFont));
     dc.FillSolidRect(x, rowTop + 1, buttonWidth, 18, RGB(192, 192, 192));
     dc.SetTextColor(RGB(0, 128, 0));
     dc.TextOutA(x + (pressed ? 8 : 7), rowTop + (pressed ? 3 : 2), "Solve");

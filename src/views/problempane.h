@@ -1,5 +1,5 @@
-// The pane across the top of the main window: one row for each problem, with a "Solve" button that opens a
-// menu of the problem's solutions. The choice reaches the main window as a command.
+// The pane across the top of the main window: one row for each problem, with a "Solve" button and the pop-up
+// menu of the problem's solutions that it opens. The choice reaches the main window as a command.
 #pragma once
 
 #include <cstdint>

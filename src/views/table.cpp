@@ -4,13 +4,13 @@
 
 void beginTable(CDC& dc) {
     dc.SetTextColor(RGB(0, 0, 0));
-    dc.SelectObject(getFont(1));
+    dc.SelectObject(getFont(plainFont));
     dc.SetTextAlign(TA_LEFT | TA_TOP);
     dc.SetBkMode(OPAQUE);
 }
 
 COLORREF rowColour(bool selected) {
-    return getColour(selected ? 101 : 1);
+    return getColour(selected ? accentColour : baseColour);
 }
 
 void paintCell(CDC& dc, int x, const RECT& cell, const char* text) {

@@ -15,7 +15,7 @@ constexpr int rowHeight = 20;
 // Makes a pane and its window; the frame lays it out afterwards.
 template <class Pane, class Frame> std::unique_ptr<Pane> makePane(Frame& owner) {
     auto pane = std::make_unique<Pane>(owner);
-    pane->Create(AfxRegisterWndClass(getBrush(1)), RECT{20, 20, 100, 100}, owner);
+    pane->Create(AfxRegisterWndClass(getBrush(baseBrush)), RECT{20, 20, 100, 100}, owner);
     return pane;
 }
 

@@ -10,6 +10,8 @@ constexpr std::uint32_t MB_YESNO = 0x04;
 constexpr std::uint32_t MB_ICONHAND = 0x10;
 constexpr std::uint32_t MB_ICONEXCLAMATION = 0x30;
 constexpr std::uint32_t MB_ICONINFORMATION = 0x40;
+constexpr std::uint32_t MB_TYPEMASK = 0x0F; // the bits that say which buttons
+constexpr std::uint32_t MB_ICONMASK = 0xF0;
 
 constexpr int IDOK = 1;
 constexpr int IDCANCEL = 2;

@@ -13,11 +13,8 @@ Answers answers;
 
 namespace {
 
-constexpr std::uint32_t buttonBits = 0x0F;
-constexpr std::uint32_t iconBits = 0xF0;
-
 QMessageBox::StandardButtons buttonsOf(std::uint32_t flags) {
-    switch (flags & buttonBits) {
+    switch (flags & MB_TYPEMASK) {
     case MB_OKCANCEL:
         return QMessageBox::Ok | QMessageBox::Cancel;
     case MB_YESNOCANCEL:
@@ -30,7 +27,7 @@ QMessageBox::StandardButtons buttonsOf(std::uint32_t flags) {
 }
 
 QMessageBox::Icon iconOf(std::uint32_t flags) {
-    switch (flags & iconBits) {
+    switch (flags & MB_ICONMASK) {
     case MB_ICONHAND:
         return QMessageBox::Critical;
     case MB_ICONEXCLAMATION:
