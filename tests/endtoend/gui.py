@@ -1,7 +1,6 @@
 #!/usr/bin/env python3
 """Drives the real programs in a real window: a virtual X display with a window manager, keys and clicks sent by
-xdotool, and pixels, files and exit statuses looked at.  Usage: gui.py DIRECTORY-OF-THE-PROGRAMS [SCENARIO...]
-With SHOTS=DIR in the environment each step that opens something leaves a picture there."""
+xdotool, and pixels, files and exit statuses looked at.  Usage: gui.py DIRECTORY-OF-THE-PROGRAMS [SCENARIO...]"""
 
 import json
 import os
@@ -16,7 +15,6 @@ import time
 sys.dont_write_bytecode = True
 from companion import BUSY, PROGRAMS, contents
 
-SHOTS = os.environ.get("SHOTS")
 SLOW = float(os.environ.get("SLOWNESS", "1"))  # how much longer than usual things may take
 MIDDLE = 199  # the black line under the problem list, in client pixels of the main window
 START_TITLE = "Databases - Trelvanexis"
@@ -89,9 +87,7 @@ class Display:
         return self.xdotool("search", "--onlyvisible", "--name", pattern, check=False).split()
 
     def window(self, title):
-        found = wait("a window '%s'" % title, lambda: self.windows(title))
-        self.shoot(title)
-        return found[0]
+        return wait("a window '%s'" % title, lambda: self.windows(title))[0]
 
     def gone(self, title):
         wait("'%s' to go" % title, lambda: not self.windows(title))
@@ -115,7 +111,6 @@ class Display:
         before = self.shown()
         self.click(window, x, y)
         menu = wait("a menu", lambda: self.shown() - before)
-        self.shoot("menu")
         self.key(*keys, "Return")
         wait("the menu to go", lambda: not self.shown() & menu)
 
@@ -146,12 +141,6 @@ class Display:
     def pixels(self, window):
         return Picture(subprocess.run(["import", "-silent", "-window", window, "-depth", "8", "ppm:-"],
                                       env=self.environment, capture_output=True, check=True).stdout)
-
-    def shoot(self, name):
-        if SHOTS:
-            time.sleep(0.5)
-            path = "%s/%03d %s.png" % (SHOTS, len(os.listdir(SHOTS)), re.sub(r"[^\w-]+", " ", name))
-            subprocess.run(["import", "-silent", "-window", "root", path], env=self.environment, check=True)
 
 
 class Picture:
@@ -224,7 +213,6 @@ class Tool:
         self.display.menu(entry, 60, 1)
         self.display.window("Change key")
         self.display.xdotool("type", "--delay", 30, text)
-        self.display.shoot("typed")
         self.display.key("Return")
         self.display.gone("Change key")
 
@@ -429,7 +417,7 @@ def main():
             scenario(display, work)
             print("passed: " + scenario.__name__, flush=True)
     except AssertionError as failure:
-        SHOTS or subprocess.run(["import", "-silent", "-window", "root", work / "failure.png"], env=display.environment)
+        subprocess.run(["import", "-silent", "-window", "root", work / "failure.png"], env=display.environment)
         print("FAILED in %s: %s (see %s)" % (scenario.__name__, failure, work), flush=True)
         return 1
     finally:
