@@ -17,8 +17,7 @@ void TSXdatabase::analyse() {
     for (const auto& type : types)
         type->filecount = type->entrycount = 0;
     clearproblems();
-    scanallsidefiles();
-    checkdirectories();
+    lookatdisk();
     for (int i = 0; i <= lastlist; ++i)
         lists[static_cast<std::size_t>(i)]->reportinvalid(i);
     for (int i = 0; i <= lastlist; ++i)

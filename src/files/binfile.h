@@ -31,6 +31,10 @@ public:
     int seek(std::int64_t position); // 0 on success, else not: the one operation whose 0 is success
     std::int32_t tell() const;       // -1 where the position is beyond what 32 bits hold
     int iseof() const;               // non-zero once a read has asked for more than there was
+    // The error number of the first failure of the disk while reading, 0 if there was none: what is missing
+    // then is not the file's fault.
+    std::uint32_t readfailure() const { return stream.readFailure(); }
+    FileIdentity identity() { return stream.identity(); }
 
     // 1: a frame was read and the stream stands at the chunk's body; 0: end of file; -1: no frame stands
     // here.

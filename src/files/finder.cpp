@@ -1,21 +1,16 @@
 #include "files/finder.h"
 
-#include <string>
-#include <vector>
-
-#include "reporting/log.h"
+#include "platform/system/errors.h"
 
 int TSXfinder::findfirst(const char* pattern) {
     WIN32_FIND_DATAA match;
-    std::vector<std::string> passedOver;
-    handle = FindFirstFileA(pattern, match, passedOver);
-    for (const std::string& name : passedOver)
-        logLine(
-            Text<600>().format("   passed over '%s': another file is read under this name", name.c_str()));
+    handle = FindFirstFileA(pattern, match, passedover);
+    const std::uint32_t number = handle == nullptr ? GetLastError() : ERROR_SUCCESS;
+    missing = number == ERROR_PATH_NOT_FOUND;
+    failure = isAbsence(number) ? ERROR_SUCCESS : number;
     if (handle == nullptr)
         return 0;
-    entryname = match.cFileName.c_str();
-    entrykind = match.dwFileAttributes == FILE_ATTRIBUTE_DIRECTORY ? directory : file;
+    take(match, match.dwFileAttributes == FILE_ATTRIBUTE_DIRECTORY);
     return 1;
 }
 
@@ -23,9 +18,15 @@ int TSXfinder::findnext() {
     WIN32_FIND_DATAA match;
     if (FindNextFileA(handle, match) == 0)
         return 0;
-    entryname = match.cFileName.c_str();
-    entrykind = (match.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? directory : file;
+    take(match, (match.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0);
     return 1;
+}
+
+void TSXfinder::take(const WIN32_FIND_DATAA& match, bool isdirectory) {
+    entryname = match.cFileName.c_str();
+    entrykind = isdirectory ? directory : file;
+    entryidentity = match.identity;
+    entryfailure = match.failure;
 }
 
 void TSXfinder::findclose() {

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 #include "platform/system/cobject.h"
 #include "platform/system/filesearch.h"
@@ -12,15 +14,22 @@ public:
     enum Kind : std::int32_t { file = 1, directory = 2 };
 
     // Starts a search with a path that has a wildcard. 1 if there is a match, which then stands in the
-    // fields, else 0. A name that the search passes over so that no file is read twice gets a line in the
-    // log.
+    // fields, else 0: nothing matches, or the directory could not be read, as failure tells.
     int findfirst(const char* pattern);
     // Non-zero if there was another match, which then stands in the fields, else 0.
     int findnext();
     // Ends the search; called once, also after a findfirst that found nothing.
     void findclose();
 
-    Text<400> entryname;        // no directory
-    std::int32_t entrykind = 0; // a Kind; a first match is a directory only if it has no other attribute
+    Text<400> entryname;            // no directory
+    std::int32_t entrykind = 0;     // a Kind; a first match is a directory only if it has no other attribute
+    FileIdentity entryidentity;     // none where the disk did not tell
+    std::uint32_t entryfailure = 0; // the error number where it did not tell what the match is; else 0
     FindHandle handle = nullptr;
+    std::uint32_t failure = 0;           // of the directory: the error number; 0 also where there is none
+    bool missing = false;                // there is no such directory
+    std::vector<std::string> passedover; // names that would be read twice: another file is read under each
+
+private:
+    void take(const WIN32_FIND_DATAA& match, bool isdirectory);
 };

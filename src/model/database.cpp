@@ -1,10 +1,17 @@
 #include "model/database.h"
 
+#include <algorithm>
+
+#include "files/finder.h"
 #include "model/datafile.h"
 #include "model/exptype.h"
+#include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
+#include "platform/system/errors.h"
 #include "platform/system/letters.h"
+#include "platform/system/path.h"
+#include "reporting/log.h"
 
 TSXdatabase::TSXdatabase(const char* datadirectory)
     : datapath(datadirectory), types(1), keytree(*this), keyarray(1), visiblekeys(1), problems(1) {}
@@ -30,8 +37,12 @@ int TSXdatabase::addexptype(int fileclass, const char* name) {
         if (type.classid == fileclass && equalIgnoringCase(type.name.view(), name))
             return i;
     }
-    if (lasttype >= maxtypes)
+    if (lasttype >= maxtypes) {
+        addunread({std::string(fileclasses[fileclass].directory) + "/" + name,
+                   "There are more than 200 experiment types; this one is counted under the last.",
+                   Unread::whole});
         return lasttype;
+    }
     types.push_back(std::make_unique<TSXexptype>(fileclass, name));
     return ++lasttype;
 }
@@ -54,6 +65,65 @@ TSXkeyentry& TSXdatabase::findoraddkey(std::string_view key) {
         ++visiblecount;
     }
     return entry;
+}
+
+void TSXdatabase::addunread(Unread thing) {
+    if (thing.record == 0 && thing.weight != Unread::told && !unreadnames.insert(thing.name).second)
+        return;
+    const char* what = thing.weight == Unread::told ? "passed over" : "could not read";
+    logLine(Text<1500>().format("   %s '%s': %s", what, thing.name.c_str(), thing.reason.c_str()));
+    unread.push_back(std::move(thing));
+}
+
+void TSXdatabase::addunreadpath(std::string_view fullpath, const std::string& reason, Unread::Weight weight,
+                                std::int32_t record) {
+    addunread({diskname(fullpath), reason, weight, record, !looking});
+}
+
+void TSXdatabase::notesearch(const TSXfinder& search, const char* relative, Unread::Weight weight) {
+    const std::string path = std::string(directory) + "/" + relative;
+    if (search.failure != 0)
+        addunreadpath(path, errorText(search.failure), weight);
+    for (const std::string& name : search.passedover)
+        addunreadpath(path + "/" + name, "Another file is read under this name.", Unread::told);
+}
+
+void TSXdatabase::forgetrecords(std::string_view fullpath) {
+    const std::string name = diskname(fullpath);
+    const auto ofthefile = [&](const Unread& thing) { return thing.record > 0 && thing.name == name; };
+    unread.erase(std::remove_if(unread.begin(), unread.end(), ofthefile), unread.end());
+}
+
+void TSXdatabase::forgetlooks() {
+    const auto passing = [&](const Unread& thing) {
+        if (!thing.lasting)
+            unreadnames.erase(thing.name);
+        return !thing.lasting;
+    };
+    unread.erase(std::remove_if(unread.begin(), unread.end(), passing), unread.end());
+}
+
+bool TSXdatabase::picturecomplete() const {
+    return std::none_of(unread.begin(), unread.end(),
+                        [](const Unread& thing) { return thing.weight == Unread::whole; });
+}
+
+int TSXdatabase::unreadcount() const {
+    return static_cast<int>(std::count_if(unread.begin(), unread.end(),
+                                          [](const Unread& thing) { return thing.weight != Unread::told; }));
+}
+
+bool TSXdatabase::isunread(std::string_view fullpath) const {
+    return unreadnames.count(diskname(fullpath)) != 0;
+}
+
+// A look-up changes the case of a path's letters, never its length.
+std::string TSXdatabase::diskname(std::string_view fullpath) const {
+    std::string name = resolvePath(fullpath);
+    name.erase(0, std::min(name.size(), directory.view().size()));
+    while (!name.empty() && (name[0] == '/' || name.compare(0, 2, "./") == 0))
+        name.erase(0, 1);
+    return name.empty() ? "." : name;
 }
 
 void TSXdatabase::addproblem(std::unique_ptr<TSXproblem> problem) {

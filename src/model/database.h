@@ -8,16 +8,19 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 #include "model/change.h"
 #include "model/filelist.h"
 #include "model/keytree.h"
+#include "model/unread.h"
 #include "platform/system/cobject.h"
 #include "platform/system/text.h"
 
 class TSXdatafile;
 class TSXexptype;
+class TSXfinder;
 class TSXkeyentry;
 class TSXproblem;
 
@@ -43,6 +46,22 @@ public:
     void addproblem(std::unique_ptr<TSXproblem> problem);
     TSXproblem* getproblem(int index) const; // none if out of range
     void clearproblems();
+
+    // What could not be read, in the order of the reading; a line in the log for each.
+    void addunread(Unread thing);
+    // The same for a path below the database's directory.
+    void addunreadpath(std::string_view fullpath, const std::string& reason, Unread::Weight weight,
+                       std::int32_t record = 0);
+    // The same for what a search could not read of its directory, given below the database's, and what it
+    // passed over.
+    void notesearch(const TSXfinder& search, const char* relative, Unread::Weight weight);
+    void forgetrecords(std::string_view fullpath); // takes the records of a data file off the list
+    bool
+    picturecomplete() const; // false while something of weight whole is unread: no key can be judged then
+    int unreadcount() const; // how many things could not be read, those that are only told left out
+    bool isunread(std::string_view fullpath) const; // whether that file or directory could not be read
+    // The name of a path relative to the database's directory, as it is spelled on the disk; "." for itself.
+    std::string diskname(std::string_view fullpath) const;
 
     // Adds a problem for each damaged file with that extension in a directory relative to the database's.
     void scansidefiles(const char* relative, const char* extension, const char* header);
@@ -86,6 +105,8 @@ public:
     std::int32_t problemcount = 0;
     std::vector<std::unique_ptr<TSXproblem>> problems; // from 1 to problemcount; slot 0 holds nothing
 
+    std::vector<Unread> unread;
+
     // What was changed on the disk, in this order; while planning, what would be.
     std::vector<Change> changes;
     bool planning = false;          // true: nothing is written, deleted or made
@@ -95,6 +116,12 @@ public:
         fileread; // called, where set, behind each data file that load has read
 
 private:
+    bool looking = false; // at what each analysis looks at anew, so that what is unread of it doesn't last
+
+    std::unordered_set<std::string> unreadnames; // of the files and directories in unread
+
+    void lookatdisk();  // side files and directories
+    void forgetlooks(); // takes what the last look could not read off the list
     void scanallsidefiles();
     void scanlibraries();
     void checkdirectories();

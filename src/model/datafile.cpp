@@ -6,6 +6,7 @@
 #include "model/database.h"
 #include "model/fileclass.h"
 #include "platform/system/bytestream.h"
+#include "platform/system/errors.h"
 #include "platform/system/messagebox.h"
 #include "reporting/log.h"
 #include "reporting/report.h"
@@ -21,7 +22,7 @@ TSXdatafile::TSXdatafile(TSXdatabase& owner, TSXfilelist& holder, const char* ba
 }
 
 void TSXdatafile::setkey(int i, const char* text) {
-    if (i < 1 || i > keycount)
+    if (i < 1 || i > keycount || isunread(i))
         return;
     const auto record = static_cast<std::size_t>(i);
     keys[record] = text;
@@ -41,7 +42,12 @@ void TSXdatafile::addentry(const char* text) {
     keytypes.resize(size, typeid_);
     keypos.resize(size, -1);
     keydirty.resize(size);
+    keyreading.resize(size);
     setkey(keycount, text);
+}
+
+bool TSXdatafile::isunread(int i) const {
+    return unread || (i >= 1 && i <= keycount && keyreading[static_cast<std::size_t>(i)] != Reading::good);
 }
 
 int TSXdatafile::anydirty() const {
@@ -77,16 +83,41 @@ int TSXdatafile::removefile() {
 void TSXdatafile::writewhole() {}
 
 int TSXdatafile::openwithheader(TSXbinfile& file) {
-    if (file.openread(path) != 1)
+    if (file.openread(path) != 1) {
+        if (!isAbsence(GetLastError())) // a file that has gone, or is only to be made, lacks nothing
+            noteunread(GetLastError());
         return 0;
+    }
+    identity = file.identity();
     std::string header;
     file.readstring(header, headercapacity);
     if (header == fileclasses[classid].header)
         return 1;
     if (const char* line = fileclasses[classid].headerline; *line != '\0')
         logLine(line);
+    notereading(file);
     file.close();
     return -1;
+}
+
+void TSXdatafile::noteunread(std::uint32_t number) {
+    unread = true;
+    database.addunreadpath(path.view(), errorText(number), Unread::whole);
+}
+
+void TSXdatafile::notereading(const TSXbinfile& file) {
+    if (file.readfailure() != 0) {
+        noteunread(file.readfailure());
+        return;
+    }
+    for (std::size_t i = 1; i < keyreading.size(); ++i) {
+        if (keyreading[i] == Reading::good)
+            continue;
+        const char* why = keyreading[i] == Reading::ended ? "the file ends in its key or type."
+                                                          : "the length of its key or type makes no sense.";
+        database.addunreadpath(path.view(), Text<100>().format("Record %zu: %s", i, why).c_str(),
+                               Unread::part, static_cast<std::int32_t>(i));
+    }
 }
 
 void TSXdatafile::readchunks(TSXbinfile& file) {
@@ -98,12 +129,14 @@ void TSXdatafile::readchunks(TSXbinfile& file) {
             break;
         const int taken = readchunk(file, tag);
         if (taken == -1) {
+            notereading(file);
             file.close();
             return;
         }
         if (taken == 0)
             result = file.skipchunk();
     } while (result != -1 && file.iseof() == 0);
+    notereading(file);
     file.close();
     ondisk = 1;
     valid = result == -1 ? 0 : 1;
@@ -117,6 +150,12 @@ int TSXdatafile::readcount(TSXbinfile& file) {
     return usable ? 1 : -1;
 }
 
+Reading TSXdatafile::readkeyfield(TSXbinfile& file, std::string& text) {
+    if (file.readfield(text, keycapacity) == 1)
+        return Reading::good;
+    return file.iseof() != 0 ? Reading::ended : Reading::senseless;
+}
+
 void TSXdatafile::maketable(std::int32_t count) {
     const auto size = static_cast<std::size_t>(count) + 1;
     keycount = count;
@@ -124,4 +163,5 @@ void TSXdatafile::maketable(std::int32_t count) {
     keytypes.assign(size, 0);
     keypos.assign(size, 0);
     keydirty.assign(size, 0);
+    keyreading.assign(size, Reading::good);
 }

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/system/bytestream.h"
 #include "platform/system/cobject.h"
 #include "platform/system/text.h"
 
@@ -18,6 +19,13 @@ class TSXfilelist;
 constexpr int maxrecords = 1000;
 constexpr int keycapacity = 61; // of a key field: 60 bytes of text and a terminator
 constexpr int maxkeylength = keycapacity - 1;
+
+// What became of reading a text.
+enum class Reading : std::uint8_t {
+    good,
+    ended,
+    senseless
+}; // the file ends in it; its length makes no sense
 
 class TSXdatafile : public CObject {
 public:
@@ -33,6 +41,11 @@ public:
     // Brings the disk up to date. A file that can't be opened is reported, and its records stay changed.
     void writeback();
     bool isempty() const { return valid == 1 && keycount == 0; }
+    // Whether record i could not be read, because the disk failed or its lengths lead nowhere. Such a record
+    // keeps its place in the tables with "???"; it is neither changed nor written.
+    bool isunread(int i) const;
+    void
+    noteunread(std::uint32_t number); // puts the whole file on the list of what is unread, with that error
     int removefile(); // deletes the file: 0 on success, -1 on failure; the object stays as it was
     virtual void
     writewhole(); // writes a file that is not on disk yet; only for classes that can be made anew
@@ -51,6 +64,9 @@ public:
     std::vector<std::int32_t> keydirty; // 1 if the key differs from the disk
     std::int32_t valid = 0;             // 1 if the file is usable
     std::int32_t ondisk = 0;            // 1 if the file can be updated in place
+    std::vector<Reading> keyreading;    // of each record's key and type
+    bool unread = false;                // the disk gave no answer somewhere: nothing of the file counts
+    FileIdentity identity;              // of the file that was read; none where none was opened
 
 protected:
     // Opens the file and tests its header: 1; 0 not opened; -1 wrong header, and the file is closed again.
@@ -62,5 +78,9 @@ protected:
     virtual int readchunk(TSXbinfile& file, const char* tag) = 0;
     // Reads a record count and makes the table: 1; -1 if it is not from 1 to 1000, and the table is empty.
     int readcount(TSXbinfile& file);
+    Reading readkeyfield(TSXbinfile& file, std::string& text); // a key or a type; "???" where it is not good
     void maketable(std::int32_t count);
+    // Puts the file on the list of what is unread where the disk has failed, else each record that could not
+    // be read.
+    void notereading(const TSXbinfile& file);
 };

@@ -56,7 +56,7 @@ int TSXdbsfile::readentries(TSXbinfile& file) {
         return -1;
     for (std::size_t i = 1; i < keys.size(); ++i) {
         keypos[i] = file.tell();
-        file.readfield(keys[i], keycapacity);
+        keyreading[i] = readkeyfield(file, keys[i]);
         passstrings(file, fieldcount);
         logLine(Text<100>().format("%s%s", fileclasses[classid].recordindent, keys[i].c_str()));
     }

@@ -16,7 +16,7 @@ TSXdeffile::TSXdeffile(TSXdatabase& owner, TSXfilelist& holder, const char* base
 int TSXdeffile::readchunk(TSXbinfile& file, const char* tag) {
     const bool typechunk = *format.typetag != '\0';
     if (typechunk && std::strcmp(tag, format.typetag) == 0) {
-        typeid_ = readtype(file);
+        typeid_ = readtype(file, typereading);
         return 1;
     }
     if (std::strcmp(tag, format.recordtag) != 0)
@@ -24,9 +24,9 @@ int TSXdeffile::readchunk(TSXbinfile& file, const char* tag) {
     return typechunk ? readrecords(file) : readsinglerecord(file);
 }
 
-std::int32_t TSXdeffile::readtype(TSXbinfile& file) {
+std::int32_t TSXdeffile::readtype(TSXbinfile& file, Reading& reading) {
     std::string typetext;
-    file.readfield(typetext, keycapacity);
+    reading = readkeyfield(file, typetext);
     return database.addexptype(classid, typetext.c_str());
 }
 
@@ -48,8 +48,10 @@ int TSXdeffile::readsinglerecord(TSXbinfile& file) {
 
 void TSXdeffile::readrecord(TSXbinfile& file, std::size_t i) {
     keypos[i] = file.tell();
-    file.readfield(keys[i], keycapacity);
-    keytypes[i] = format.recordtypes ? readtype(file) : typeid_;
+    const Reading keyread = readkeyfield(file, keys[i]);
+    Reading typeread = typereading;
+    keytypes[i] = format.recordtypes ? readtype(file, typeread) : typeid_;
+    keyreading[i] = keyread != Reading::good ? keyread : typeread;
     for (int n = 0; n < format.recordintegers; ++n) {
         std::int32_t discarded;
         file.readint(discarded);

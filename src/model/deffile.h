@@ -13,12 +13,13 @@ protected:
     int readchunk(TSXbinfile& file, const char* tag) override;
 
 private:
-    std::int32_t readtype(TSXbinfile& file);
+    std::int32_t readtype(TSXbinfile& file, Reading& reading);
     int readrecords(TSXbinfile& file);
     int readsinglerecord(TSXbinfile& file);
     void readrecord(TSXbinfile& file, std::size_t i);
 
     const FileClass& format;
+    Reading typereading = Reading::good; // of the file's own type
 };
 
 class TSXgelfile : public TSXdeffile {

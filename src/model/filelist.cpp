@@ -41,16 +41,43 @@ TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass) : database(owner), f
     pattern.format("%s/%s/*.%s", database.directory.c_str(), format.directory, format.extension);
     logLine(Text<800>().format("*** Scanning %s files at %s ***", format.scanlabel, pattern.c_str()));
     TSXfinder finder;
-    for (int match = finder.findfirst(pattern); match != 0; match = finder.findnext()) {
-        if (finder.entrykind != TSXfinder::file || count >= maxfiles)
-            continue;
-        std::string basename = finder.entryname.c_str();
-        basename.resize(basename.size() - std::strlen(format.extension) - 1);
-        addfile(makers[fileclass](database, *this, basename.c_str()));
-        if (database.fileread)
-            database.fileread(*files.back());
-    }
+    int match = finder.findfirst(pattern);
+    missing = finder.missing;
+    database.notesearch(finder, format.directory, Unread::whole);
+    for (; match != 0; match = finder.findnext())
+        if (finder.entrykind == TSXfinder::file)
+            takematch(finder, fileclass);
     finder.findclose();
+}
+
+void TSXfilelist::takematch(const TSXfinder& match, int fileclass) {
+    const FileClass& format = fileclasses[fileclass];
+    Text<1000> path;
+    path.format("%s/%s/%s", database.directory.c_str(), format.directory, match.entryname.c_str());
+    if (islisted(match, path))
+        return;
+    if (count >= maxfiles) {
+        database.addunreadpath(path.view(), "There are more than 3000 files of its class.", Unread::whole);
+        return;
+    }
+    std::string basename = match.entryname.c_str();
+    basename.resize(basename.size() - std::strlen(format.extension) - 1);
+    addfile(makers[fileclass](database, *this, basename.c_str()));
+    if (match.entryfailure != 0)
+        files.back()->noteunread(match.entryfailure);
+    if (database.fileread)
+        database.fileread(*files.back());
+}
+
+// A second name of a file would double its keys, and repairs of the one name would undo those of the other.
+bool TSXfilelist::islisted(const TSXfinder& match, const char* fullpath) {
+    if (match.entryidentity == FileIdentity())
+        return false;
+    const auto [known, first] = listed.try_emplace(match.entryidentity, fullpath);
+    if (!first)
+        database.addunreadpath(fullpath, "It is another name of '" + database.diskname(known->second) + "'.",
+                               Unread::told);
+    return !first;
 }
 
 TSXfilelist::~TSXfilelist() = default;

@@ -3,13 +3,17 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
+#include "platform/system/bytestream.h"
 #include "platform/system/cobject.h"
 
 class TSXdatabase;
 class TSXdatafile;
+class TSXfinder;
 
 constexpr int maxfiles = 3000;
 
@@ -29,8 +33,16 @@ public:
     std::int32_t count = 0;                          // at most maxfiles
     std::vector<std::unique_ptr<TSXdatafile>> files; // from 1 to count; slot 0 holds nothing
 
+    bool missing = false; // the class's directory was not there when it was scanned
+
 protected:
     void addfile(std::unique_ptr<TSXdatafile> file);
+
+private:
+    void takematch(const TSXfinder& match, int fileclass);
+    bool islisted(const TSXfinder& match, const char* fullpath);
+
+    std::map<FileIdentity, std::string> listed; // the path under which each file is read
 };
 
 class TSXdbslist : public TSXfilelist {

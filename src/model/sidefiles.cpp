@@ -9,6 +9,7 @@
 #include "model/fileclass.h"
 #include "model/problem.h"
 #include "platform/system/directory.h"
+#include "platform/system/errors.h"
 #include "reporting/log.h"
 
 namespace {
@@ -48,16 +49,21 @@ bool haschunks(TSXbinfile& file) {
     return result != -1;
 }
 
-// What is wrong with a side file, in the words of the log; none if it is sound.
-const char* finddamage(const char* path, const char* header) {
+// What is wrong with a side file, in the words of the log; none if it is sound. failure gets the error number
+// of the disk, 0 if it did not fail.
+const char* finddamage(const char* path, const char* header, std::uint32_t& failure) {
     TSXbinfile file;
-    if (file.openread(path) != 1)
+    failure = 0;
+    if (file.openread(path) != 1) {
+        failure = isAbsence(GetLastError()) ? 0 : GetLastError();
         return "could not open";
+    }
     const char* damage = nullptr;
     if (!hasheader(file, header))
         damage = "invalid header";
     else if (!haschunks(file))
         damage = "invalid tag";
+    failure = file.readfailure();
     file.close();
     return damage;
 }
@@ -69,19 +75,34 @@ void TSXdatabase::scansidefiles(const char* relative, const char* extension, con
     pattern.format("%s/%s/*.%s", directory.c_str(), relative, extension);
     logLine(Text<1300>().format("*** Scanning corrupt files at %s ***", pattern.c_str()));
     TSXfinder finder;
-    for (int match = finder.findfirst(pattern); match != 0; match = finder.findnext()) {
+    int match = finder.findfirst(pattern);
+    notesearch(finder, relative, Unread::part);
+    for (; match != 0; match = finder.findnext()) {
         if (finder.entrykind != TSXfinder::file)
             continue;
         Text<1200> path;
         path.format("%s/%s/%s", directory.c_str(), relative, finder.entryname.c_str());
         logLine(Text<1300>().format("   found file '%s'", path.c_str()));
-        const char* damage = finddamage(path, header);
+        std::uint32_t failure = 0;
+        const char* damage = finddamage(path, header, failure);
+        if (failure == 0)
+            failure = finder.entryfailure;
+        if (failure != 0)
+            addunreadpath(path.view(), errorText(failure), Unread::part);
         if (damage == nullptr)
             continue;
         logLine(Text<60>().format("        ! corrupt: %s", damage));
         addproblem(std::make_unique<TSXproblem>(*this, corruptsidefile, 0, path));
     }
     finder.findclose();
+}
+
+void TSXdatabase::lookatdisk() {
+    forgetlooks();
+    looking = true;
+    scanallsidefiles();
+    checkdirectories();
+    looking = false;
 }
 
 void TSXdatabase::scanallsidefiles() {
@@ -97,18 +118,23 @@ void TSXdatabase::scanlibraries() {
     pattern.format("%s/Library/*.LIB", directory.c_str());
     logLine(Text<800>().format("*** Scanning library directories at %s ***", pattern.c_str()));
     TSXfinder finder;
-    for (int match = finder.findfirst(pattern); match != 0; match = finder.findnext())
+    int match = finder.findfirst(pattern);
+    notesearch(finder, "Library", Unread::part);
+    for (; match != 0; match = finder.findnext())
         if (finder.entrykind == TSXfinder::directory)
             scansidefiles(Text<420>().format("Library/%s", finder.entryname.c_str()), "CMP", rawheaders[0]);
+        else if (finder.entryfailure != 0)
+            addunreadpath(std::string(directory) + "/Library/" + finder.entryname.c_str(),
+                          errorText(finder.entryfailure), Unread::part);
     finder.findclose();
 }
 
 void TSXdatabase::checkdirectory(const char* fullpath) {
-    const std::string remembered = GetCurrentDirectoryA();
-    const int entered = SetCurrentDirectoryA(fullpath);
-    SetCurrentDirectoryA(remembered.c_str());
-    if (entered == 0)
-        addproblem(std::make_unique<TSXproblem>(*this, missingdirectory, 1, fullpath));
+    if (canEnterDirectory(fullpath))
+        return;
+    if (!isAbsence(GetLastError()))
+        addunreadpath(fullpath, errorText(GetLastError()), Unread::part);
+    addproblem(std::make_unique<TSXproblem>(*this, missingdirectory, 1, fullpath));
 }
 
 void TSXdatabase::checkdirectories() {

@@ -76,7 +76,7 @@ TEST_F(DataFile, CountsAndTheirCost) {
                                            frame(formats[fileclass].recordtag, 0) + integer(count)),
                       (State{usable, usable, usable * count}))
                 << count;
-            EXPECT_LT(logLines(), 5 * (usable * count + 1) + 210);
+            EXPECT_LT(logLines(), 6 * (usable * count + 1) + 210);
         }
     EXPECT_EQ(state(0, dataFile(0, "", Texts(1000, "k"))), (State{1, 1, 1000}));
     EXPECT_EQ(state(0, dataFile(0, "", Texts(1001, "k"))), (State{0, 0, 0}));

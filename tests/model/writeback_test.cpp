@@ -55,14 +55,18 @@ TEST_F(Writeback, TouchesNothingButTheFieldsOfChangedKeys) {
     EXPECT_EQ(keysOf(file(4, 1)), (Texts{"", "two"}));
 }
 
-// The key goes to its offset as a whole field, also where the file ended before it.
+// The key goes to its offset as a whole field, also where the file ends in it; what could not be read stays
+// as it is.
 TEST_F(Writeback, OfARecordThatWasCutOff) {
-    const std::string cut = counted("TX-DBS-v1.0") + frame("ENT", 0) + integer(2) + field("a").substr(0, 10);
-    put(0, "A", cut);
+    const std::string start = counted("TX-DBS-v1.0") + frame("ENT", 0) + integer(2);
+    put(0, "A", start + field("a").substr(0, 10));
     load();
-    file(0, 1).setkey(2, "b");
+    file(0, 1).setkey(1, "b");
+    file(0, 1).setkey(2, "c");
     database->saveall();
-    EXPECT_EQ(readFile(root / "DBASE/A.DBS"), cut + field("b"));
+    EXPECT_EQ(readFile(root / "DBASE/A.DBS"), start + field("b"));
+    EXPECT_EQ(database->unread.size(), 1u);
+    EXPECT_TRUE(file(0, 1).isunread(2) && !file(0, 1).isunread(1) && database->picturecomplete());
 }
 
 TEST_F(Writeback, WritesANewFileWholeAndThenInPlace) {

@@ -118,6 +118,7 @@ bool ByteStream::open(const char* path, OpenMode mode) {
     mode_ = mode;
     position_ = 0;
     atEnd_ = false;
+    readFailure_ = 0;
     incomplete_ = false;
     buffer_.clear();
     bufferStart_ = 0;
@@ -199,8 +200,10 @@ std::size_t ByteStream::buffered() const {
 bool ByteStream::fill() {
     char piece[bufferSize];
     const ssize_t size = readPiece(file_, piece, sizeof piece, position_);
-    if (size <= 0) {
-        atEnd_ = atEnd_ || size == 0;
+    if (size < 0)
+        return failRead();
+    if (size == 0) {
+        atEnd_ = true;
         return false;
     }
     buffer_.assign(piece, static_cast<std::size_t>(size));
@@ -208,9 +211,29 @@ bool ByteStream::fill() {
     return true;
 }
 
+// Keeps the reason of a failed read, which is the last error. Always false.
+bool ByteStream::failRead() {
+    if (readFailure_ == 0)
+        readFailure_ = GetLastError();
+    return false;
+}
+
+FileIdentity ByteStream::identity() {
+    struct stat state = {};
+    if (isOpen() && fstat(file_, &state) == 0)
+        return {state.st_dev, state.st_ino};
+    setLastErrorFromErrno(isOpen() ? errno : EBADF, "");
+    failRead();
+    return {};
+}
+
 std::size_t ByteStream::read(void* bytes, std::size_t count) {
-    if (!isOpen() || !isReadable(mode_) || count == 0 || injectedFault(DiskOperation::read))
+    if (!isOpen() || !isReadable(mode_) || count == 0)
         return 0;
+    if (injectedFault(DiskOperation::read)) {
+        failRead();
+        return 0;
+    }
     std::size_t done = 0;
     while (done < count && (buffered() > 0 || fill())) {
         const std::size_t size = std::min(buffered(), count - done);
@@ -280,16 +303,20 @@ std::size_t ByteStream::append(const char* bytes, std::size_t count) {
 }
 
 bool ByteStream::seek(std::int64_t position) {
-    if (!isOpen() || mode_ == OpenMode::append || position < 0 || injectedFault(DiskOperation::seek))
+    if (!isOpen() || mode_ == OpenMode::append || position < 0)
         return false;
+    if (injectedFault(DiskOperation::seek))
+        return failRead();
     position_ = position;
     atEnd_ = false;
     return true;
 }
 
 bool ByteStream::skip(std::int64_t count) {
-    if (!isOpen() || !isReadable(mode_) || count < 0 || injectedFault(DiskOperation::read))
+    if (!isOpen() || !isReadable(mode_) || count < 0)
         return false;
+    if (injectedFault(DiskOperation::read))
+        return failRead();
     const std::int64_t bufferEnd = bufferStart_ + static_cast<std::int64_t>(buffer_.size());
     if (count <= bufferEnd - position_) { // the file is known to go as far as the buffer
         position_ += count;
@@ -298,7 +325,7 @@ bool ByteStream::skip(std::int64_t count) {
     struct stat state = {};
     if (fstat(file_, &state) != 0) {
         setLastErrorFromErrno(errno, "");
-        return false;
+        return failRead();
     }
     const std::int64_t left = std::max<std::int64_t>(state.st_size - position_, 0);
     position_ += std::min(count, left);

@@ -3,6 +3,7 @@
 // blocks an open.
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -13,6 +14,14 @@ enum class OpenMode {
     update, // an existing file, read and written in place; each write reaches the system at once, in one
             // piece
     append, // the end of an existing or a new file; each write reaches the system at once, in one piece
+};
+
+// Which file it is, whatever its name.
+struct FileIdentity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0; // 0: of no file
+
+    auto operator<=>(const FileIdentity& other) const = default;
 };
 
 class ByteStream {
@@ -41,12 +50,18 @@ public:
     std::int64_t tell() const { return position_; }
     // True once a read or skip has asked for more than there was, until the next seek.
     bool atEnd() const { return atEnd_; }
+    // The number of the first failure of the disk while reading since the open; 0 if there was none. The end
+    // of the file is no failure.
+    std::uint32_t readFailure() const { return readFailure_; }
+    // Of the open file; none, and a failure of reading, where the disk does not tell.
+    FileIdentity identity();
 
 private:
     bool openExisting(const std::string& path);
     bool openNew(const std::string& path);
     bool publish();
     bool fill();
+    bool failRead();
     std::size_t buffered() const;
     std::size_t holdBack(const char* bytes, std::size_t count);
     std::size_t overwrite(const char* bytes, std::size_t count);
@@ -56,6 +71,7 @@ private:
     OpenMode mode_ = OpenMode::read;
     std::int64_t position_ = 0;
     bool atEnd_ = false;
+    std::uint32_t readFailure_ = 0;
     bool incomplete_ = false;      // write mode: a write was not accepted, so the content must not appear
     std::string buffer_;           // read modes: a piece of the file; write mode: the whole new content
     std::int64_t bufferStart_ = 0; // where in the file the buffer's first byte stands

@@ -20,6 +20,17 @@ int CreateDirectoryA(const char* path) {
     return 0;
 }
 
+// The entry "." is looked up by the very rule by which a directory is entered, and the process stays where it
+// is.
+bool canEnterDirectory(const char* path) {
+    const std::string inside = resolvePath(path) + "/.";
+    struct stat state = {};
+    if (stat(inside.c_str(), &state) == 0)
+        return true;
+    setLastErrorFromErrno(errno, inside);
+    return false;
+}
+
 std::string GetCurrentDirectoryA() {
     std::error_code failure;
     return std::filesystem::current_path(failure).string();

@@ -7,6 +7,9 @@
 // 183 where an entry of any kind has that name, ignoring case.
 int CreateDirectoryA(const char* path);
 
+// Whether the directory can be entered; if not, GetLastError tells why, 3 where no directory stands there.
+bool canEnterDirectory(const char* path);
+
 // The current directory; empty if it has gone. Unlike the platform's call it has no limit to its length.
 std::string GetCurrentDirectoryA();
 

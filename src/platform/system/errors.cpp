@@ -30,6 +30,7 @@ const ErrorText errorTexts[] = {
     {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long."},
     {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
+    {ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system."},
 };
 
 struct SystemError {
@@ -39,7 +40,7 @@ struct SystemError {
 
 const SystemError systemErrors[] = {
     {ENOENT, ERROR_FILE_NOT_FOUND},
-    {ELOOP, ERROR_FILE_NOT_FOUND}, // links that lead nowhere
+    {ELOOP, ERROR_CANT_RESOLVE_FILENAME},
     {ENOTDIR, ERROR_PATH_NOT_FOUND},
     {EMFILE, ERROR_TOO_MANY_OPEN_FILES},
     {ENFILE, ERROR_TOO_MANY_OPEN_FILES},
@@ -73,9 +74,18 @@ std::uint32_t numberOf(int systemError) {
     return ERROR_GEN_FAILURE;
 }
 
-bool isDirectory(const std::string& path) {
+// What the lack of an entry means: the entry is missing, its directory is, or a link on the way leads
+// nowhere.
+std::uint32_t absenceOf(const std::string& path) {
     struct stat state = {};
-    return stat(path.c_str(), &state) == 0 && S_ISDIR(state.st_mode);
+    std::string there = path.substr(0, path.find_last_not_of('/') + 1);
+    const std::string directory = directoryOf(there);
+    const bool inDirectory = stat(directory.c_str(), &state) == 0 && S_ISDIR(state.st_mode);
+    while (lstat(there.c_str(), &state) != 0 && there.find('/', 1) != std::string::npos)
+        there = directoryOf(there);
+    if (lstat(there.c_str(), &state) == 0 && S_ISLNK(state.st_mode) && stat(there.c_str(), &state) != 0)
+        return ERROR_CANT_RESOLVE_FILENAME;
+    return inDirectory ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
 }
 
 } // namespace
@@ -90,8 +100,8 @@ void SetLastError(std::uint32_t number) {
 
 void setLastErrorFromErrno(int systemError, const std::string& path) {
     lastError = numberOf(systemError);
-    if (lastError == ERROR_FILE_NOT_FOUND && !isDirectory(directoryOf(path)))
-        lastError = ERROR_PATH_NOT_FOUND;
+    if (lastError == ERROR_FILE_NOT_FOUND)
+        lastError = absenceOf(path);
 }
 
 std::string FormatMessageA(std::uint32_t number) {
@@ -99,4 +109,9 @@ std::string FormatMessageA(std::uint32_t number) {
         if (row.number == number)
             return std::string(row.text) + "\r\n";
     return {};
+}
+
+std::string errorText(std::uint32_t number) {
+    const std::string text = FormatMessageA(number);
+    return text.empty() ? "Error code " + std::to_string(number) : text.substr(0, text.find_first_of("\r\n"));
 }

@@ -20,6 +20,7 @@ constexpr std::uint32_t ERROR_INVALID_NAME = 123;
 constexpr std::uint32_t ERROR_ALREADY_EXISTS = 183;
 constexpr std::uint32_t ERROR_FILENAME_EXCED_RANGE = 206;
 constexpr std::uint32_t ERROR_IO_DEVICE = 1117;
+constexpr std::uint32_t ERROR_CANT_RESOLVE_FILENAME = 1921; // a link that leads nowhere
 
 // The number of the last failure, 0 if nothing has failed.
 std::uint32_t GetLastError();
@@ -28,3 +29,11 @@ void SetLastError(std::uint32_t number);
 // The system's English text of an error number, ended by "\r\n" as the platform ends it; empty for a number
 // it does not know. The caller owns the text: there is nothing to free.
 std::string FormatMessageA(std::uint32_t number);
+
+// The same without its line end, and never empty: what a person is told as the reason of a failure.
+std::string errorText(std::uint32_t number);
+
+// Whether the number only says that nothing stands there: no failure of the disk.
+constexpr bool isAbsence(std::uint32_t number) {
+    return number == ERROR_FILE_NOT_FOUND || number == ERROR_PATH_NOT_FOUND;
+}

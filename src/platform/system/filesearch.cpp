@@ -34,16 +34,22 @@ bool opensAnother(const FileSearch& search, const std::vector<std::string>& name
     return asked != name && *findName(names, asked) != name;
 }
 
-std::uint32_t attributesOf(const std::string& directory, const std::string& name) {
-    std::uint32_t attributes = name[0] == '.' ? FILE_ATTRIBUTE_HIDDEN : 0;
+void describe(const std::string& path, WIN32_FIND_DATAA& data) {
+    std::uint32_t attributes = data.cFileName[0] == '.' ? FILE_ATTRIBUTE_HIDDEN : 0;
     struct stat state = {};
-    if (stat((directory + name).c_str(), &state) == 0) { // else a dangling link, which no attribute tells
+    data.identity = {};
+    data.failure = ERROR_SUCCESS;
+    if (stat(path.c_str(), &state) == 0) {
+        data.identity = {state.st_dev, state.st_ino};
         if (S_ISDIR(state.st_mode))
             attributes |= FILE_ATTRIBUTE_DIRECTORY;
         if ((state.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0)
             attributes |= FILE_ATTRIBUTE_READONLY;
+    } else {
+        setLastErrorFromErrno(errno, path);
+        data.failure = GetLastError();
     }
-    return attributes == 0 ? FILE_ATTRIBUTE_NORMAL : attributes;
+    data.dwFileAttributes = attributes == 0 ? FILE_ATTRIBUTE_NORMAL : attributes;
 }
 
 } // namespace
@@ -76,7 +82,7 @@ int FindNextFileA(FindHandle search, WIN32_FIND_DATAA& data) {
     if (search == nullptr || search->next == search->matches.size())
         return 0;
     data.cFileName = search->matches[search->next++];
-    data.dwFileAttributes = attributesOf(search->directory, data.cFileName);
+    describe(search->directory + data.cFileName, data);
     return 1;
 }
 

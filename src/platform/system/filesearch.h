@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/system/bytestream.h"
+
 constexpr std::uint32_t FILE_ATTRIBUTE_READONLY = 0x01;  // no write bit is set
 constexpr std::uint32_t FILE_ATTRIBUTE_HIDDEN = 0x02;    // the name begins with a point
 constexpr std::uint32_t FILE_ATTRIBUTE_DIRECTORY = 0x10; // a link counts as what it points to
@@ -14,16 +16,18 @@ constexpr std::uint32_t FILE_ATTRIBUTE_NORMAL = 0x80;    // none of the others
 
 struct WIN32_FIND_DATAA {
     std::uint32_t dwFileAttributes = 0;
-    std::string cFileName; // no directory
+    std::string cFileName;     // no directory
+    FileIdentity identity;     // of what a link points to
+    std::uint32_t failure = 0; // the error number where attributes and identity could not be had; else 0
 };
 
 struct FileSearch;
 using FindHandle = FileSearch*;
 
-// Starts a search. The first match stands in data. No handle when nothing matches (GetLastError gives 2) or
-// the directory can't be read (it tells why). passedOver gets the names that match and are not reported: a
-// look-up of such a name with the pattern's extension in place of its own would open another entry, which
-// then would be read twice.
+// Starts a search. The first match stands in data. No handle when nothing matches (GetLastError gives 2),
+// there is no such directory (3) or it can't be read (it tells why). passedOver gets the names that match and
+// are not reported: a look-up of such a name with the pattern's extension in place of its own would open
+// another entry, which then would be read twice.
 FindHandle FindFirstFileA(const char* pattern, WIN32_FIND_DATAA& data, std::vector<std::string>& passedOver);
 
 // The next match. 0 when there is none.

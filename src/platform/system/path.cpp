@@ -96,7 +96,7 @@ bool readNames(const std::string& directory, std::vector<std::string>& names) {
     names.clear();
     const std::unique_ptr<DIR, CloseDirectory> stream(opendir(directory.c_str()));
     if (stream == nullptr) {
-        setLastErrorFromErrno(errno, directory + "/");
+        setLastErrorFromErrno(errno, directory + "/."); // missing: the path, not an entry of it
         return false;
     }
     errno = 0;

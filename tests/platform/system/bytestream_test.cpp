@@ -211,10 +211,10 @@ TEST_F(ByteStreamTest, OnlyPlainFilesOpenAndNothingElseIsTouched) {
         std::string path;
         std::uint32_t error;
     } cases[] = {
-        {in("directory"), ERROR_ACCESS_DENIED},   {in("pipe"), ERROR_ACCESS_DENIED},
-        {"/dev/null", ERROR_ACCESS_DENIED},       {in("dangling"), ERROR_FILE_NOT_FOUND},
-        {in("round"), ERROR_FILE_NOT_FOUND},      {in("missing/file"), ERROR_PATH_NOT_FOUND},
-        {in("plain/file"), ERROR_PATH_NOT_FOUND}, {in(std::string(300, 'n')), ERROR_FILENAME_EXCED_RANGE},
+        {in("directory"), ERROR_ACCESS_DENIED},     {in("pipe"), ERROR_ACCESS_DENIED},
+        {"/dev/null", ERROR_ACCESS_DENIED},         {in("dangling"), ERROR_CANT_RESOLVE_FILENAME},
+        {in("round"), ERROR_CANT_RESOLVE_FILENAME}, {in("missing/file"), ERROR_PATH_NOT_FOUND},
+        {in("plain/file"), ERROR_PATH_NOT_FOUND},   {in(std::string(300, 'n')), ERROR_FILENAME_EXCED_RANGE},
     };
     for (const auto& c : cases) {
         for (const OpenMode mode : modes)
