@@ -7,101 +7,129 @@
 #include "model/exptype.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
+#include "platform/system/utf8.h"
+#include "shown.h"
 
 using Json = nlohmann::ordered_json;
 
 namespace {
 
-// The bytes as characters of those numbers, in the UTF-8 that a JSON document is written in.
-std::string characters(std::string_view bytes) {
-    std::string text;
-    for (const char byte : bytes) {
-        const auto value = static_cast<unsigned char>(byte);
-        if (value < 0x80) {
-            text.push_back(byte);
-        } else {
-            text.push_back(static_cast<char>(0xC0 | (value >> 6)));
-            text.push_back(static_cast<char>(0x80 | (value & 0x3F)));
-        }
-    }
-    return text;
+void put(Json& object, const std::string& name, std::string_view bytes) {
+    object[name] = shown(bytes);
+    if (!isUtf8(bytes))
+        object[name + "_hex"] = hex(bytes);
 }
 
-Json problems(const TSXdatabase& database) {
+Json solutions(const TSXproblem& problem) {
     Json list = Json::array();
-    for (int row = 1; row <= database.problemcount; ++row) {
-        const TSXproblem& problem = *database.getproblem(row);
-        Json solutions = Json::array();
-        for (int n = 1; n <= problem.solutioncount(); ++n)
-            solutions.push_back(
-                {{"command", problem.solutioncommand(n)}, {"label", problem.solutionlabel(n)}});
-        list.push_back({{"kind", problem.kind},
-                        {"subkind", problem.subkind},
-                        {"name", characters(problem.name.view())},
-                        {"fileindex", problem.fileindex},
-                        {"message", characters(problem.message.view())},
-                        {"solutions", solutions}});
-    }
+    for (int n = 1; n <= problem.solutioncount(); ++n)
+        list.push_back({{"command", problem.solutioncommand(n)},
+                        {"label", problem.solutionlabel(n)},
+                        {"cost", costword(problem.solutioncost(n))}});
     return list;
 }
 
-Json types(const TSXdatabase& database) {
-    Json list = Json::array();
-    for (int i = 0; i <= database.lasttype; ++i) {
-        const TSXexptype& type = *database.gettype(i);
-        list.push_back({{"index", i},
-                        {"class", type.classid},
-                        {"name", characters(type.name.view())},
-                        {"files", type.filecount},
-                        {"entries", type.entrycount}});
-    }
-    return list;
+Json problem(const TSXproblem& found, int row) {
+    Json object = {{"row", row}, {"id", found.id()}, {"kind", found.kind}, {"subkind", found.subkind}};
+    put(object, "name", found.name.view());
+    object["fileindex"] = found.fileindex;
+    put(object, "message", found.message.view());
+    object["solutions"] = solutions(found);
+    return object;
 }
 
-Json key(const TSXdatabase& database, const TSXkeyentry& entry) {
-    Json counts = Json::array();
-    for (int t = 0; t <= database.lasttype; ++t)
+Json type(const TSXexptype& found, int index) {
+    Json object = {{"index", index}, {"class", found.classid}};
+    put(object, "name", found.name.view());
+    object["files"] = found.filecount;
+    object["entries"] = found.entrycount;
+    return object;
+}
+
+Json key(const TSXkeyentry& entry, int lasttype) {
+    Json object;
+    put(object, "key", entry.key);
+    Json& counts = object["counts"] = Json::array();
+    for (int t = 0; t <= lasttype; ++t)
         counts.push_back(entry.occurrences(t));
-    return {{"key", characters(entry.key)}, {"counts", counts}};
+    return object;
 }
 
 Json record(const Occurrence& occurrence, int type) {
-    return {{"type", type},
-            {"class", occurrence.file->classid},
-            {"file", characters(occurrence.file->name.view())},
-            {"record", occurrence.record}};
+    Json object = {{"type", type}, {"class", occurrence.file->classid}};
+    put(object, "file", occurrence.file->name.view());
+    object["record"] = occurrence.record;
+    return object;
 }
 
-Json entry(TSXdatabase& database, const std::string& wanted) {
-    const TSXkeyentry& found = database.keytree.findoradd(wanted);
+Json entry(const TSXdatabase& database, const std::string& wanted) {
+    const TSXkeyentry* found = database.keytree.find(wanted);
     Json occurrences = Json::array();
-    for (const TSXkeyentry::TypeList& list : found.lists)
-        for (const Occurrence& occurrence : list.records)
-            occurrences.push_back(record(occurrence, list.type));
-    return {{"key", characters(occurrences.empty() ? wanted : found.key)}, {"occurrences", occurrences}};
+    if (found != nullptr)
+        for (const TSXkeyentry::TypeList& list : found->lists)
+            for (const Occurrence& occurrence : list.records)
+                occurrences.push_back(record(occurrence, list.type));
+    Json object;
+    put(object, "key", occurrences.empty() ? wanted : found->key);
+    object["occurrences"] = occurrences;
+    return object;
 }
 
-Json solved(const Session& session) {
-    Json list = Json::array();
-    for (const SolvedStep& step : session.solved)
-        list.push_back({{"row", step.row}, {"command", step.command}, {"result", step.result}});
-    return list;
+Json solved(const SolvedStep& step) {
+    return {{"row", step.row}, {"id", step.id}, {"command", step.command}, {"result", step.result}};
+}
+
+Json change(const Change& made) {
+    Json object;
+    if (made.kind == Change::key) {
+        put(object, "file", made.file);
+        object["record"] = made.record;
+        object["offset"] = made.offset;
+        put(object, "old", made.oldkey);
+        put(object, "new", made.newkey);
+    } else {
+        put(object, made.kind == Change::deletion ? "deleted" : "made", made.file);
+    }
+    return object;
+}
+
+// Items from 1 to count, each in a line of its own: a document of a large database can be read in an editor,
+// and is never held whole.
+template <class Item> void writeList(std::ostream& out, const char* name, int count, Item item) {
+    out << ",\n\"" << name << "\":[";
+    for (int i = 1; i <= count; ++i)
+        out << (i > 1 ? ",\n" : "\n") << item(i).dump();
+    out << ']';
+}
+
+template <class Items> int countOf(const Items& items) {
+    return static_cast<int>(items.size());
 }
 
 } // namespace
 
-void writeJson(std::ostream& out, Session& session, const Options& options) {
-    TSXdatabase& database = session.database;
-    out << "{\"directory\":" << Json(characters(database.directory.view())).dump();
-    out << ",\"problems\":" << problems(database).dump();
-    out << ",\"types\":" << types(database).dump();
-    out << ",\"keytotal\":" << database.keytotal;
-    out << ",\"keys\":[";
-    for (int i = 1; i <= database.visiblecount; ++i)
-        out << (i > 1 ? ",\n" : "\n") << key(database, *database.getvisiblekey(i)).dump();
-    out << "]";
+void writeJson(std::ostream& out, const Session& session, const Options& options) {
+    const TSXdatabase& database = session.database;
+    Json head;
+    put(head, "directory", database.directory.view());
+    std::string opening = head.dump();
+    opening.pop_back();
+    out << opening;
+    writeList(out, "problems", database.problemcount,
+              [&](int row) { return problem(*database.getproblem(row), row); });
+    writeList(out, "types", database.lasttype + 1,
+              [&](int n) { return type(*database.gettype(n - 1), n - 1); });
+    out << ",\n\"keytotal\":" << database.keytotal;
+    writeList(out, "keys", database.visiblecount,
+              [&](int i) { return key(*database.getvisiblekey(i), database.lasttype); });
     if (options.entry)
-        out << ",\"entry\":" << entry(database, *options.entry).dump();
-    out << ",\"solved\":" << solved(session).dump();
-    out << ",\"modified\":" << database.ismodified() << ",\"saved\":" << (session.saved ? 1 : 0) << "}\n";
+        out << ",\n\"entry\":" << entry(database, *options.entry).dump();
+    const auto at = [](const auto& items, int n) { return items[static_cast<std::size_t>(n) - 1]; };
+    const auto& steps = session.steps.solved;
+    writeList(out, "solved", countOf(steps), [&](int n) { return solved(at(steps, n)); });
+    out << ",\n\"modified\":" << database.ismodified() << ",\"saved\":" << (session.saved ? 1 : 0);
+    writeList(out, "changes", countOf(database.changes),
+              [&](int n) { return change(at(database.changes, n)); });
+    writeList(out, "unread", 0, [](int) { return Json(); });
+    out << ",\n\"status\":" << session.status() << "}\n";
 }

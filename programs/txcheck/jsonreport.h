@@ -6,6 +6,6 @@
 #include "options.h"
 #include "session.h"
 
-// Texts go out byte by byte, each byte as the character with that number, so that nothing is lost whatever
-// the bytes.
-void writeJson(std::ostream& out, Session& session, const Options& options);
+// A text goes out as the windows show it. Where its bytes are no valid UTF-8, a member of the same name with
+// _hex behind it has them all.
+void writeJson(std::ostream& out, const Session& session, const Options& options);

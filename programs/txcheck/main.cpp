@@ -7,6 +7,7 @@
 #include "settings/settings.h"
 #include "status.h"
 #include "textreport.h"
+#include "told.h"
 
 namespace {
 
@@ -19,7 +20,7 @@ std::optional<std::string> findDirectory(const Options& options) {
     const char* failure = readSettings(settings);
     if (failure == nullptr)
         return settings.databaseDirectory.c_str();
-    std::cerr << "txcheck: " << failure << ", or give the database directory on the command line\n";
+    tell(std::string(failure) + ", or give the database directory on the command line");
     return std::nullopt;
 }
 
@@ -45,7 +46,7 @@ int main(int argc, char** argv) {
         writeText(std::cout, session, *options);
     std::cout.flush();
     if (!std::cout) {
-        std::cerr << "txcheck: The report could not be written to standard output\n";
+        tell("The report could not be written to standard output");
         return statusFailed;
     }
     return session.status();

@@ -4,20 +4,59 @@
 
 #include <CLI/CLI.hpp>
 #include <charconv>
+#include <iostream>
 #include <string_view>
 
 #include "model/datafile.h"
+#include "model/problem.h"
 #include "status.h"
+#include "told.h"
 
 namespace {
+
+constexpr const char* solveOption = "--solve";
+constexpr const char* solveAllOption = "--solve-all";
+constexpr const char* changeKeyOption = "--change-key";
+
+struct Flag {
+    const char* names;
+    bool Options::*given;
+    const char* help;
+};
+constexpr Flag flags[] = {
+    {"-a,--all", &Options::all, "List every key, not only those with something wrong"},
+    {"-p,--preen", &Options::preen, "Apply the solutions that delete and clear nothing, until none is left"},
+    {"-y,--yes", &Options::yes, "Change the key even where NEW is in use"},
+    {"-s,--save", &Options::save, "Write the changed keys to disk"},
+    {"--no-lock", &Options::noLock, "Take no hold of the database, for a copy on a read-only medium"},
+    {"--json", &Options::json, "Write one JSON document to standard output"},
+};
+
+struct Value {
+    const char* names;
+    std::optional<std::string> Options::*given;
+    const char* form;
+    const char* help;
+};
+constexpr Value values[] = {
+    {"DIRECTORY", &Options::directory, "",
+     "The database directory; without it, the current database of the per-user settings"},
+    {"-e,--entry", &Options::entry, "KEY", "List every record that uses KEY"},
+    {"--log", &Options::log, "DIR", "Write TXLOG.TXT into DIR"},
+};
 
 // What stands on the command line in more than one word or with a form of its own, before it is taken apart.
 struct Words {
     std::vector<std::string> solve;
+    std::vector<std::string> solveAll;
     std::vector<std::string> changeKey;
     bool progress = false;
     bool noProgress = false;
 };
+
+[[noreturn]] void refuse(const char* option, const std::string& text) {
+    throw CLI::ValidationError(option, text);
+}
 
 bool readNumber(std::string_view word, int& number) {
     const char* end = word.data() + word.size();
@@ -25,71 +64,122 @@ bool readNumber(std::string_view word, int& number) {
     return error == std::errc() && stop == end;
 }
 
-SolveStep readSolveStep(const std::string& word) {
-    SolveStep step{};
-    const std::size_t colon = word.find(':');
-    if (colon == std::string::npos || !readNumber(word.substr(0, colon), step.row) ||
-        !readNumber(word.substr(colon + 1), step.number))
-        throw CLI::ValidationError("--solve", "'" + word + "' is not of the form ROW:N, two numbers from 1");
+// Takes apart what stands in front of the last colon and the number of the solution behind it.
+std::string readSolution(const char* option, const std::string& word, SolveStep& step) {
+    step.given = std::string(option) + ' ' + word;
+    const std::size_t colon = word.rfind(':');
+    if (colon == std::string::npos || !readNumber(word.substr(colon + 1), step.number))
+        refuse(option, "'" + word + "' does not end with a colon and the number of a solution");
+    return word.substr(0, colon);
+}
+
+SolveStep readSolve(const std::string& word) {
+    SolveStep step;
+    step.id = readSolution(solveOption, word, step);
+    if (step.id.find(':') == std::string::npos) {
+        if (!readNumber(step.id, step.row))
+            refuse(solveOption, "'" + word + "' is not of the form WHAT:N, WHAT the row or id of a problem");
+        step.id.clear();
+    }
     return step;
 }
 
-ChangeKeyStep readChangeKeyStep(const std::vector<std::string>& words) {
-    ChangeKeyStep step{words[0], 0, 0, words[3]};
+SolveStep readSolveAll(const std::string& word) {
+    SolveStep step;
+    step.kind = findkind(readSolution(solveAllOption, word, step));
+    if (step.kind == 0)
+        refuse(solveAllOption,
+               "'" + word + "' is not of the form KIND:N, KIND a number from 1 to 7 or the word of an id");
+    return step;
+}
+
+// A key as it is given: its bytes, or hex: and two digits for each.
+std::string readKey(const char* option, const std::string& word) {
+    constexpr std::string_view mark = "hex:";
+    if (!word.starts_with(mark))
+        return word;
+    std::string key;
+    for (std::size_t at = mark.size(); at < word.size(); at += 2) {
+        unsigned byte = 0;
+        const char* end = word.data() + std::min(at + 2, word.size());
+        const auto [stop, error] = std::from_chars(word.data() + at, end, byte, 16);
+        if (error != std::errc() || stop != word.data() + at + 2 || byte == 0)
+            refuse(option, "'" + word + "' is not hex: and two digits for each byte, none of them 00");
+        key.push_back(static_cast<char>(byte));
+    }
+    return key;
+}
+
+std::string readNewKey(const char* option, const std::string& word) {
+    std::string key = readKey(option, word);
+    if (key.size() > maxkeylength)
+        refuse(option, "the new key has " + std::to_string(key.size()) + " bytes, and a key has at most " +
+                           std::to_string(maxkeylength));
+    return key;
+}
+
+ChangeKeyStep readChangeKey(const std::vector<std::string>& words) {
+    if (words.size() > 4)
+        refuse(changeKeyOption, "can be given only once");
+    ChangeKeyStep step{readKey(changeKeyOption, words[0]), 0, 0, readNewKey(changeKeyOption, words[3])};
     if (!readNumber(words[1], step.type) || !readNumber(words[2], step.n))
-        throw CLI::ValidationError("--change-key",
-                                   "TYPE and N are numbers, not '" + words[1] + "' and '" + words[2] + "'");
-    if (step.newKey.size() > maxkeylength)
-        throw CLI::ValidationError("--change-key", "the new key has " + std::to_string(step.newKey.size()) +
-                                                       " bytes, and a key has at most " +
-                                                       std::to_string(maxkeylength));
+        refuse(changeKeyOption, "TYPE and N are numbers, not '" + words[1] + "' and '" + words[2] + "'");
     return step;
 }
 
 void describe(CLI::App& app, Options& options, Words& words) {
     app.set_version_flag("--version", "txcheck " TX_VERSION);
-    app.set_help_flag("--help", "Print this help and leave");
-    app.add_option("DIRECTORY", options.directory,
-                   "The database directory; without it, the current database of the per-user settings");
-    app.add_flag("-a,--all", options.all, "List every key, not only those with something wrong");
-    app.add_option("-e,--entry", options.entry, "List every record that uses KEY")->type_name("KEY");
-    app.add_option(
-           "--solve", words.solve,
-           "Apply solution N of the problem in row ROW of the list as it then stands; may be repeated")
-        ->type_name("ROW:N")
+    app.set_help_flag("-h,--help", "Print this help and leave");
+    for (const Value& value : values) {
+        CLI::Option* option = app.add_option(value.names, options.*value.given, value.help);
+        if (*value.form != '\0')
+            option->type_name(value.form);
+    }
+    app.add_option(solveOption, words.solve,
+                   "Apply solution N of the problem WHAT: its row in the list that a plain check prints, or "
+                   "its id; may be repeated")
+        ->type_name("WHAT:N")
         ->allow_extra_args(false);
-    app.add_flag("-p,--preen", options.preen, "Apply the solutions that lose nothing until none is left");
-    app.add_option(
-           "--change-key", words.changeKey,
-           "Give occurrence N of KEY in experiment type TYPE the key NEW; refused where NEW is in use there")
+    app.add_option(solveAllOption, words.solveAll,
+                   "The same for all problems of a kind, by its number or word")
+        ->type_name("KIND:N")
+        ->allow_extra_args(false);
+    app.add_option(changeKeyOption, words.changeKey,
+                   "Give occurrence N of KEY in experiment type TYPE the key NEW; refused where NEW is in "
+                   "use there. A key is given as it is, or as hex: and its bytes in hex")
         ->type_name("KEY TYPE N NEW")
         ->type_size(4) // all four are taken as they stand, also where they look like options
         ->allow_extra_args(false);
-    app.add_flag("-y,--yes", options.yes, "Change the key even where NEW is in use");
-    app.add_flag("-s,--save", options.save, "Write the changed keys to disk");
-    app.add_option("--log", options.log, "Write TXLOG.TXT into DIR")->type_name("DIR");
-    app.add_flag("--no-lock", options.noLock,
-                 "Take no hold of the database, for a copy on a read-only medium");
-    app.add_flag("--json", options.json, "Write one JSON document to standard output");
-    app.add_flag("--progress,!--no-progress", options.progress,
-                 "Tell the progress; default: only on a terminal");
+    for (const Flag& flag : flags)
+        app.add_flag(flag.names, options.*flag.given, flag.help);
+    app.add_flag("--progress", words.progress, "Tell the progress; default: only on a terminal");
+    app.add_flag("--no-progress", words.noProgress, "Tell no progress");
 }
 
-void interpret(Options& options, const Words& words) {
+// The steps of both options in the order in which they were given.
+void readSolveSteps(const CLI::App& app, const Words& words, Options& options) {
+    std::size_t one = 0;
+    std::size_t all = 0;
+    for (const CLI::Option* option : app.parse_order())
+        if (option->check_name(solveOption))
+            options.solve.push_back(readSolve(words.solve[one++]));
+        else if (option->check_name(solveAllOption))
+            options.solve.push_back(readSolveAll(words.solveAll[all++]));
+}
+
+void interpret(const CLI::App& app, const Words& words, Options& options) {
     if (words.progress && words.noProgress)
-        throw CLI::ValidationError("--progress", "does not go with --no-progress");
+        refuse("--progress", "does not go with --no-progress");
     options.progress = words.progress || (!words.noProgress && isatty(STDERR_FILENO) == 1);
-    for (const std::string& word : words.solve)
-        options.solve.push_back(readSolveStep(word));
-    if (words.changeKey.size() > 4)
-        throw CLI::ValidationError("--change-key", "can be given only once");
+    readSolveSteps(app, words, options);
+    if (options.entry)
+        options.entry = readKey("--entry", *options.entry);
     if (!words.changeKey.empty())
-        options.changeKey = readChangeKeyStep(words.changeKey);
+        options.changeKey = readChangeKey(words.changeKey);
     const bool changes = !options.solve.empty() || options.preen || options.changeKey || options.save;
     if (options.noLock && changes)
-        throw CLI::ValidationError("--no-lock",
-                                   "goes with no repair and no --save: without the hold the database may "
-                                   "be in use elsewhere");
+        refuse("--no-lock", "goes with no repair and no --save: without the hold the database may be in use "
+                            "elsewhere");
 }
 
 } // namespace
@@ -104,10 +194,13 @@ std::optional<Options> parseOptions(int argc, char** argv, int& status) {
     describe(app, options, words);
     try {
         app.parse(argc, argv);
-        interpret(options, words);
+        interpret(app, words, options);
         return options;
+    } catch (const CLI::Success& wish) { // --help, --version
+        status = app.exit(wish);
     } catch (const CLI::ParseError& error) {
-        status = app.exit(error) == 0 ? statusClean : statusUsage;
-        return std::nullopt;
+        tell(std::string(error.what()) + ". --help tells the usage");
+        status = statusUsage;
     }
+    return std::nullopt;
 }

@@ -5,10 +5,13 @@
 #include <string>
 #include <vector>
 
-// A solution of the problem that stands in a row of the list, both counted from 1.
+// A solution of one problem, or of all of a kind.
 struct SolveStep {
-    int row;
-    int number;
+    std::string given; // as the command line has it
+    int row = 0;       // of the list after the load, from 1, or
+    std::string id;    // the problem's id, or
+    int kind = 0;      // all of that kind
+    int number = 0;    // of the solution, from 1
 };
 
 // Occurrence n of a key in an experiment type gets a new key.
@@ -23,7 +26,7 @@ struct Options {
     std::optional<std::string> directory; // none: the current database of the settings
     bool all = false;
     std::optional<std::string> entry;
-    std::vector<SolveStep> solve;
+    std::vector<SolveStep> solve; // in the order given
     bool preen = false;
     std::optional<ChangeKeyStep> changeKey;
     bool yes = false;

@@ -8,7 +8,7 @@
 #include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
-#include "printable.h"
+#include "reporting/printable.h"
 #include "status.h"
 
 namespace {
@@ -46,16 +46,18 @@ std::string counted(long count, const char* one, const char* many) {
 }
 
 void writeSolved(std::ostream& out, const Session& session) {
-    if (session.solved.empty())
+    if (session.steps.solved.empty())
         return;
+    constexpr const char* results[] = {"  failed  ", "  done    ", "  gone    "};
     out << "\nSolutions applied\n";
-    for (const SolvedStep& step : session.solved)
-        writeWrapped(out, step.result == 1 ? "  done    " : "  failed  ",
-                     step.label + ": " + printable(step.message));
+    for (const SolvedStep& step : session.steps.solved)
+        writeWrapped(out, results[step.result], step.label + ": " + printable(step.message));
 }
 
+constexpr const char* costNotes[] = {"", "  (keys are lost from the data)", "  (deletes at once)"};
+
 void writeProblems(std::ostream& out, const TSXdatabase& database) {
-    out << "\nProblems" << (database.problemcount > 0 ? ", each with its solutions for --solve ROW:N" : "")
+    out << "\nProblems" << (database.problemcount > 0 ? ", each with its solutions for --solve WHAT:N" : "")
         << '\n';
     if (database.problemcount == 0)
         out << "  none\n";
@@ -64,11 +66,10 @@ void writeProblems(std::ostream& out, const TSXdatabase& database) {
         const std::string number = std::to_string(row);
         const std::string indent(number.size() < 5 ? 5 - number.size() : 0, ' ');
         writeWrapped(out, indent + number + "  ", printable(problem.message.view()));
-        if (problem.kind == corruptdatafile)
-            out << "         in " << fileclasses[problem.subkind].directory << '/'
-                << printable(problem.name.view()) << '.' << fileclasses[problem.subkind].extension << '\n';
+        writeWrapped(out, "         ", problem.id());
         for (int n = 1; n <= problem.solutioncount(); ++n)
-            out << "         " << row << ':' << n << "  " << problem.solutionlabel(n) << '\n';
+            out << "         " << row << ':' << n << "  " << problem.solutionlabel(n)
+                << costNotes[static_cast<int>(problem.solutioncost(n))] << '\n';
     }
 }
 
@@ -109,17 +110,18 @@ void writeKeys(std::ostream& out, const TSXdatabase& database, bool all) {
     }
 }
 
-void writeEntry(std::ostream& out, TSXdatabase& database, const std::string& wanted) {
-    const TSXkeyentry& entry = database.keytree.findoradd(wanted);
+void writeEntry(std::ostream& out, const TSXdatabase& database, const std::string& wanted) {
+    const TSXkeyentry* entry = database.keytree.find(wanted);
     long total = 0;
-    for (const TSXkeyentry::TypeList& list : entry.lists)
-        total += static_cast<long>(list.records.size());
-    out << "\nEntry " << shownKey(total > 0 ? entry.key : wanted) << ", used by "
+    if (entry != nullptr)
+        for (const TSXkeyentry::TypeList& list : entry->lists)
+            total += static_cast<long>(list.records.size());
+    out << "\nEntry " << shownKey(total > 0 ? entry->key : wanted) << ", used by "
         << counted(total, "record", "records") << '\n';
     if (total == 0)
         return;
     out << "   Type      N  Record  File\n";
-    for (const TSXkeyentry::TypeList& list : entry.lists)
+    for (const TSXkeyentry::TypeList& list : entry->lists)
         for (std::size_t n = 0; n < list.records.size(); ++n) {
             const TSXdatafile& file = *list.records[n].file;
             out << std::setw(7) << list.type << std::setw(7) << n + 1 << std::setw(8)
@@ -128,27 +130,28 @@ void writeEntry(std::ostream& out, TSXdatabase& database, const std::string& wan
         }
 }
 
-void writeConclusion(std::ostream& out, const Session& session) {
+void writeConclusion(std::ostream& out, const Session& session, const Options& options) {
     const TSXdatabase& database = session.database;
+    const bool failed = session.status() == statusFailed;
     out << '\n';
-    if (session.status() == statusFailed)
-        out << "Not everything could be done: see the message above.\n";
-    if (database.problemcount == 0 && session.solved.empty())
+    if (failed)
+        out << "Not everything could be done: see the messages on standard error.\n";
+    if (database.problemcount > 0)
+        out << counted(database.problemcount, "problem is", "problems are") << " left.\n";
+    else if (session.steps.found)
+        out << "No problem is left.\n";
+    else if (!failed)
         out << "Nothing is wrong.\n";
-    else if (database.problemcount == 0)
-        out << "All problems are solved.\n";
-    else
-        out << (database.problemcount == 1 ? "1 problem is left.\n"
-                                           : std::to_string(database.problemcount) + " problems are left.\n");
-    if (database.ismodified() == 1)
-        out << "Changed keys are not saved: give --save to write them to disk.\n";
-    else if (session.saved)
+    if (session.saved)
         out << "All changed keys are on the disk.\n";
+    else if (database.ismodified() == 1)
+        out << (options.save ? "Changed keys are not saved.\n"
+                             : "Changed keys are not saved: give --save to write them to disk.\n");
 }
 
 } // namespace
 
-void writeText(std::ostream& out, Session& session, const Options& options) {
+void writeText(std::ostream& out, const Session& session, const Options& options) {
     const TSXdatabase& database = session.database;
     writeWrapped(out, "Database Check- ", printable(database.directory.view()));
     writeSolved(out, session);
@@ -156,6 +159,6 @@ void writeText(std::ostream& out, Session& session, const Options& options) {
     writeTypes(out, database);
     writeKeys(out, database, options.all);
     if (options.entry)
-        writeEntry(out, session.database, *options.entry);
-    writeConclusion(out, session);
+        writeEntry(out, database, *options.entry);
+    writeConclusion(out, session, options);
 }

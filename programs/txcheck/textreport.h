@@ -6,4 +6,4 @@
 #include "options.h"
 #include "session.h"
 
-void writeText(std::ostream& out, Session& session, const Options& options);
+void writeText(std::ostream& out, const Session& session, const Options& options);

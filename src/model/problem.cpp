@@ -1,40 +1,70 @@
 #include "model/problem.h"
 
+#include <algorithm>
+
 #include "model/database.h"
 #include "model/exptype.h"
 #include "model/fileclass.h"
+#include "platform/system/utf8.h"
 
 namespace {
 
 struct Solution {
     int command; // 0: the kind has no such solution
     const char* label;
-    bool loses; // deletes a file or clears a key
+    Cost cost;
 };
 
 constexpr int maxsolutions = 2;
-using Solutions = Solution[maxsolutions];
 
-// By kind, from 1; slot 0 is that of an unknown kind.
-constexpr Solutions solutions[] = {
-    {},
-    {{removeemptyfilescommand, "Remove all empty files", true}},
-    {{removeduplicatescommand, "Remove all duplicate keys", true},
-     {renameduplicatescommand, "Rename all duplicate keys", false}},
-    {{createkeyscommand, "Create keys", false}},
-    {{removeexperimentkeyscommand, "Remove these experiment keys", true},
-     {adddatabaseentriescommand, "Add database entries for these keys", false}},
-    {{createdirectorycommand, "Create directory", false}},
-    {{deletecorruptfilecommand, "Delete this corrupted file", true}},
-    {{deletefilecommand, "Delete this corrupted file", true}},
+struct Kind {
+    const char* word;
+    Solution solutions[maxsolutions];
 };
+
+// From 1; slot 0 is that of an unknown kind.
+constexpr Kind kinds[] = {
+    {"", {}},
+    {"empty", {{removeemptyfilescommand, "Remove all empty files", Cost::deletes}}},
+    {"duplicate",
+     {{removeduplicatescommand, "Remove all duplicate keys", Cost::clears},
+      {renameduplicatescommand, "Rename all duplicate keys", Cost::safe}}},
+    {"blank", {{createkeyscommand, "Create keys", Cost::safe}}},
+    {"orphan",
+     {{removeexperimentkeyscommand, "Remove these experiment keys", Cost::clears},
+      {adddatabaseentriescommand, "Add database entries for these keys", Cost::safe}}},
+    {"missing", {{createdirectorycommand, "Create directory", Cost::safe}}},
+    {"corrupt", {{deletecorruptfilecommand, "Delete this corrupted file", Cost::deletes}}},
+    {"side", {{deletefilecommand, "Delete this corrupted file", Cost::deletes}}},
+};
+
+bool isknown(int kind) {
+    return kind >= emptyfiles && kind <= corruptsidefile;
+}
 
 // The solution of that number; none if the kind does not have it.
 const Solution* findsolution(int kind, int number) {
-    if (kind < emptyfiles || kind > corruptsidefile || number < 1 || number > maxsolutions)
+    if (!isknown(kind) || number < 1 || number > maxsolutions)
         return nullptr;
-    const Solution& found = solutions[kind][number - 1];
+    const Solution& found = kinds[kind].solutions[number - 1];
     return found.command != 0 ? &found : nullptr;
+}
+
+// With what an id can't hold, or would not come back from a terminal, written in hex.
+std::string encoded(std::string_view bytes) {
+    std::string text;
+    while (!bytes.empty()) {
+        const Utf8Character character = utf8Character(bytes);
+        const bool control = character.number < 0x20 || (character.number >= 0x7F && character.number < 0xA0);
+        const std::size_t length = std::max(character.length, std::size_t{1});
+        for (const char byte : bytes.substr(0, length))
+            if (control || character.number == '%')
+                text += Text<4>().format("%%%02x", static_cast<unsigned char>(byte)).view();
+            else
+                text += byte;
+        bytes.remove_prefix(length);
+    }
+    return text;
 }
 
 } // namespace
@@ -99,7 +129,47 @@ const char* TSXproblem::solutionlabel(int number) const {
     return solution != nullptr ? solution->label : "";
 }
 
-bool TSXproblem::solutionloses(int number) const {
+Cost TSXproblem::solutioncost(int number) const {
     const Solution* solution = findsolution(kind, number);
-    return solution != nullptr && solution->loses;
+    return solution != nullptr ? solution->cost : Cost::safe;
+}
+
+std::string TSXproblem::subject() const {
+    const TSXexptype* type = kind == duplicatekeys && subkind != 0 ? database.gettype(subkind) : nullptr;
+    switch (kind) {
+    case emptyfiles:
+        return subkind >= 0 && subkind < fileclasscount ? fileclasses[subkind].directory : "";
+    case missingdirectory:
+    case corruptsidefile:
+        return database.relativename(name.view());
+    case corruptdatafile:
+        return database.relativename(Text<1000>()
+                                         .format("%s/%s/%s.%s", database.directory.c_str(),
+                                                 fileclasses[subkind].directory, name.c_str(),
+                                                 fileclasses[subkind].extension)
+                                         .view());
+    default:
+        return type == nullptr ? "Database"
+                               : std::string(fileclasses[type->classid].directory) + "/" + type->name.c_str();
+    }
+}
+
+std::string TSXproblem::id() const {
+    return kindword(kind) + (':' + encoded(subject()));
+}
+
+const char* costword(Cost cost) {
+    constexpr const char* words[] = {"safe", "clears", "deletes"};
+    return words[static_cast<int>(cost)];
+}
+
+const char* kindword(int kind) {
+    return isknown(kind) ? kinds[kind].word : "";
+}
+
+int findkind(std::string_view numberorword) {
+    for (int kind = emptyfiles; isknown(kind); ++kind)
+        if (numberorword == std::to_string(kind) || numberorword == kinds[kind].word)
+            return kind;
+    return 0;
 }

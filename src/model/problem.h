@@ -3,6 +3,8 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "platform/system/cobject.h"
 #include "platform/system/text.h"
@@ -32,6 +34,19 @@ enum SolutionCommand : int {
     lastsolutioncommand = 7099, // up to here the numbers are kept for solutions
 };
 
+// What a solution takes from the data.
+enum class Cost : std::uint8_t {
+    safe,    // nothing: it changes keys or makes something
+    clears,  // keys
+    deletes, // a file, at once
+};
+const char* costword(Cost cost);
+
+// The word of a kind, with which the id of each problem of it begins; empty for an unknown kind.
+const char* kindword(int kind);
+// The kind of that number, as a text, or of that word; 0 if there is none.
+int findkind(std::string_view numberorword);
+
 class TSXproblem : public CObject {
 public:
     TSXproblem(TSXdatabase& owner, int problemkind, int problemsubkind, const char* subject = "");
@@ -39,8 +54,13 @@ public:
     int solutioncount() const;                   // 1 or 2; 0 for an unknown kind
     int solutioncommand(int number) const;       // from 1; 0 for a number that the kind doesn't have
     const char* solutionlabel(int number) const; // from 1; empty for a number that the kind doesn't have
+    Cost solutioncost(int number) const;         // from 1; safe for a number that the kind doesn't have
 
-    bool solutionloses(int number) const; // whether it deletes a file or clears a key
+    // The same in every run over the same tree, and no other problem's: the kind's word, a colon, and what it
+    // is about. A control character, a per-cent sign and a byte that is no UTF-8 stand as % and two hex
+    // digits. Looks at the disk for how names are spelled there.
+    std::string id() const;
+
     // Carries out a solution. The result of its operation, 1 where that has none of its own; 0 for a number
     // that the kind doesn't have. The analysis that has to follow is the caller's.
     int solve(int number) const;
@@ -54,4 +74,5 @@ public:
 
 private:
     void makemessage();
+    std::string subject() const;
 };

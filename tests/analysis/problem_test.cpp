@@ -49,7 +49,7 @@ TEST_F(Problem, EveryKindHasItsTextAndItsSolutions) {
         std::string solutions;
         for (int n = 1; n <= problem.solutioncount(); ++n)
             solutions += std::to_string(problem.solutioncommand(n)) + " " + problem.solutionlabel(n) +
-                         (problem.solutionloses(n) ? "!" : "");
+                         (problem.solutioncost(n) != Cost::safe ? "!" : "");
         EXPECT_EQ(solutions, row.solutions);
         for (const int n : {-1, 0, problem.solutioncount() + 1, 3})
             EXPECT_EQ(problem.solutioncommand(n) + problem.solve(n) + *problem.solutionlabel(n), 0);

@@ -19,6 +19,15 @@ def field(key):
     return struct.pack("<ii", len(key), 61) + key.ljust(61, b"\0")
 
 
+def text(name, bytes_):
+    """The members of a document for a text: as the windows show it, and its bytes where these are no UTF-8."""
+    try:
+        return {name: bytes_.decode()}
+    except UnicodeDecodeError:
+        shown = "".join(chr(byte) if byte in b"\x81\x8d\x8f\x90\x9d" else bytes([byte]).decode("cp1252") for byte in bytes_)
+        return {name: shown, name + "_hex": bytes_.hex()}
+
+
 def order(name):
     return os.fsencode(name).upper(), os.fsencode(name)
 
@@ -214,15 +223,15 @@ class Database:
     def document(self, wanted=None):
         """What a run that changes nothing has to say of it, with the keys that have something wrong."""
         files = self.valid_files()
-        text = lambda bytes_: bytes_.decode("latin-1")
         found = {
-            "directory": text(os.fsencode(self.root)),
-            "problems": [(kind, sub, text(name), index) for kind, sub, name, index in self.problems],
-            "types": [{"index": i, "class": number, "name": text(name), "files": sum(f.type == i for f in files),
+            **text("directory", os.fsencode(self.root)),
+            "problems": [{"kind": kind, "subkind": sub, **text("name", name), "fileindex": index}
+                         for kind, sub, name, index in self.problems],
+            "types": [{"index": i, "class": number, **text("name", name), "files": sum(f.type == i for f in files),
                        "entries": sum(record[1] == i for f in files for record in f.records)}
                       for i, (number, name) in enumerate(self.types)],
             "keytotal": len(self.keys),
-            "keys": [{"key": text(self.entries[key][0]),
+            "keys": [{**text("key", self.entries[key][0]),
                       "counts": [self.count(key, kind) for kind in range(len(self.types))]}
                      for key in (self.wrong if wanted is None else wanted)]}
         return found

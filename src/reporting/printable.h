@@ -8,10 +8,11 @@
 
 std::string printable(std::string_view bytes);
 
-// How many columns a printable text takes; each character counts as one.
+// How many columns of a terminal a printable text takes: two for a wide character, none for a mark that
+// stands over the one before it.
 std::size_t columns(std::string_view text);
 
-// How many bytes the first so many columns of a printable text take.
+// How many bytes of a printable text fit into so many columns.
 std::size_t bytesOf(std::string_view text, std::size_t columnCount);
 
 // The text, or as much of it as leaves room for a mark that it goes on.

@@ -1,0 +1,193 @@
+#include "steps.h"
+
+#include <set>
+
+#include "model/fileclass.h"
+#include "model/keyentry.h"
+#include "model/problem.h"
+#include "platform/system/letters.h"
+#include "told.h"
+
+namespace {
+
+SolvedStep record(const TSXproblem& problem, int row, std::string id, int number, int result) {
+    return {row,
+            std::move(id),
+            problem.solutioncommand(number),
+            problem.solutionlabel(number),
+            problem.message.c_str(),
+            result};
+}
+
+bool isClassDirectory(std::string_view name) {
+    for (const FileClass& known : fileclasses)
+        if (equalIgnoringCase(name, known.directory))
+            return true;
+    return false;
+}
+
+} // namespace
+
+Steps::Known Steps::known(const TSXproblem& problem) {
+    return {problem.kind, problem.subkind, problem.name.c_str()};
+}
+
+bool Steps::refuse(const std::string& text) {
+    tell(text);
+    failed = true;
+    return false;
+}
+
+void Steps::noteLoaded() {
+    found = database.problemcount > 0;
+    for (int row = 1; row <= database.problemcount; ++row) {
+        const TSXproblem& problem = *database.getproblem(row);
+        if (problem.kind == missingdirectory && isClassDirectory(database.relativename(problem.name.view())))
+            onlyDirectories = true;
+        if (!options.solve.empty())
+            loaded.push_back({known(problem), problem.id()});
+    }
+}
+
+std::vector<Steps::Step> Steps::listSteps(const std::function<bool()>& save) {
+    std::vector<Step> steps;
+    for (const SolveStep& step : options.solve)
+        steps.push_back({step.given, [&] { return step.kind != 0 ? solveAll(step) : solve(step); }});
+    if (options.preen)
+        steps.push_back({"--preen", [&] { return preen(); }});
+    if (options.changeKey)
+        steps.push_back({"--change-key", [&] { return changeKey(*options.changeKey); }});
+    if (options.save)
+        steps.push_back({"--save", save});
+    return steps;
+}
+
+void Steps::run(const std::function<bool()>& save) {
+    noteLoaded();
+    const std::vector<Step> steps = listSteps(save);
+    std::size_t taken = 0;
+    while (taken < steps.size() && steps[taken].take())
+        ++taken;
+    std::string left;
+    for (std::size_t i = taken + 1; i < steps.size(); ++i)
+        left += (left.empty() ? "" : ", ") + steps[i].name;
+    if (!left.empty())
+        tell("Left out, since " + steps[taken].name + " failed: " + left);
+}
+
+void Steps::analyse() {
+    database.analyse();
+    found = found || database.problemcount > 0;
+}
+
+int Steps::rowOf(const Known& wanted) const {
+    for (int row = 1; row <= database.problemcount; ++row)
+        if (known(*database.getproblem(row)) == wanted)
+            return row;
+    return 0;
+}
+
+int Steps::rowOf(const std::string& id) const {
+    for (int row = 1; row <= database.problemcount; ++row)
+        if (database.getproblem(row)->id() == id)
+            return row;
+    return 0;
+}
+
+// The row that the step speaks of in the list after the load; 0 for none.
+int Steps::rowAtLoad(const SolveStep& step) const {
+    const int count = static_cast<int>(loaded.size());
+    if (step.id.empty())
+        return step.row >= 1 && step.row <= count ? step.row : 0;
+    for (int row = 1; row <= count; ++row)
+        if (loaded[static_cast<std::size_t>(row) - 1].id == step.id)
+            return row;
+    return 0;
+}
+
+bool Steps::solve(const SolveStep& step) {
+    if (const int atLoad = rowAtLoad(step); atLoad != 0) {
+        const Loaded& meant = loaded[static_cast<std::size_t>(atLoad) - 1];
+        const int row = rowOf(meant.problem);
+        return row != 0 ? solveRow(row, step.number, step.given) : passGone(meant, step);
+    }
+    if (step.id.empty())
+        return refuse(step.given + ": the list has " + std::to_string(loaded.size()) + " rows");
+    const int row = rowOf(step.id);
+    return row != 0 ? solveRow(row, step.number, step.given)
+                    : refuse(step.given + ": there is no such problem");
+}
+
+bool Steps::passGone(const Loaded& gone, const SolveStep& step) {
+    const Known& was = gone.problem;
+    const TSXproblem problem(database, was.kind, was.subkind, was.name.c_str());
+    solved.push_back(record(problem, step.row, gone.id, step.number, resultGone));
+    return true;
+}
+
+bool Steps::solveRow(int row, int number, const std::string& given) {
+    const TSXproblem& problem = *database.getproblem(row);
+    if (problem.solutioncommand(number) == 0)
+        return refuse(given + ": this problem has " + std::to_string(problem.solutioncount()) + " solutions");
+    solved.push_back(record(problem, row, problem.id(), number, 0));
+    const int result = problem.solve(number);
+    solved.back().result = result;
+    if (result == 0) {
+        failed = true;
+        return false;
+    }
+    analyse();
+    return true;
+}
+
+// Solves the first row for which a solution is chosen, and then looks at the new list from the top. A problem
+// is taken once, so that this ends whatever the database holds.
+bool Steps::solveEach(const std::function<int(const TSXproblem&)>& choose, const std::string& given,
+                      bool goOn) {
+    std::set<Known> taken;
+    for (int row = 1; row <= database.problemcount;) {
+        const TSXproblem& problem = *database.getproblem(row);
+        const int number = choose(problem);
+        if (number == 0 || !taken.insert(known(problem)).second)
+            ++row;
+        else if (solveRow(row, number, given))
+            row = 1;
+        else if (!goOn)
+            return false;
+    }
+    return true;
+}
+
+bool Steps::solveAll(const SolveStep& step) {
+    const int count = TSXproblem(database, step.kind, 0).solutioncount();
+    if (step.number < 1 || step.number > count)
+        return refuse(step.given + ": problems of this kind have " + std::to_string(count) + " solutions");
+    return solveEach([&](const TSXproblem& problem) { return problem.kind == step.kind ? step.number : 0; },
+                     step.given, false);
+}
+
+// Where the entries or experiments are not there, as under a share that isn't mounted, what else looks wrong
+// is nothing to go by.
+bool Steps::preen() {
+    const auto safe = [this](const TSXproblem& problem) {
+        int number = problem.solutioncount();
+        while (number > 0 && problem.solutioncost(number) != Cost::safe)
+            --number;
+        return onlyDirectories && problem.kind != missingdirectory ? 0 : number;
+    };
+    return solveEach(safe, "--preen", true);
+}
+
+bool Steps::changeKey(const ChangeKeyStep& step) {
+    TSXkeyentry* entry = database.keytree.find(step.key);
+    const int uses = entry != nullptr ? entry->occurrences(step.type) : 0;
+    if (step.n < 1 || step.n > uses)
+        return refuse("--change-key: the key '" + step.key + "' is used " + std::to_string(uses) +
+                      " times in experiment type " + std::to_string(step.type) + "; there is no occurrence " +
+                      std::to_string(step.n));
+    const int result = database.changekey(*entry, step.type, step.n, step.newKey.c_str());
+    if (result == 1)
+        analyse();
+    failed = failed || result == -1;
+    return result != -1;
+}

@@ -1,0 +1,71 @@
+// The repairs of the command line in their order, each problem as it stands when its turn has come.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "model/database.h"
+#include "options.h"
+
+constexpr int resultGone = 2; // beside 1 done and 0 failed: the problem was not there any more
+
+// A solution that was applied, or whose problem had gone.
+struct SolvedStep {
+    int row;
+    std::string id;
+    int command;
+    std::string label;
+    std::string message; // of the problem
+    int result;
+};
+
+class Steps {
+public:
+    Steps(TSXdatabase& inspected, const Options& given) : database(inspected), options(given) {}
+
+    // Takes the steps, behind a load; the save, which is given, is the last. A step that fails ends the work,
+    // and those that are left out are told.
+    void run(const std::function<bool()>& save);
+
+    std::vector<SolvedStep> solved;
+    bool found = false;  // any analysis found a problem
+    bool failed = false; // something that was to be done could not be done
+
+private:
+    // What makes a problem the same in another analysis; pointers to problems don't outlive one.
+    struct Known {
+        std::int32_t kind, subkind;
+        std::string name;
+        auto operator<=>(const Known& other) const = default;
+    };
+    struct Loaded {
+        Known problem;
+        std::string id;
+    };
+    struct Step {
+        std::string name;
+        std::function<bool()> take;
+    };
+
+    static Known known(const TSXproblem& problem);
+    void noteLoaded();
+    std::vector<Step> listSteps(const std::function<bool()>& save);
+    void analyse();
+    int rowOf(const Known& wanted) const;
+    int rowOf(const std::string& id) const;
+    int rowAtLoad(const SolveStep& step) const;
+    bool solve(const SolveStep& step);
+    bool solveAll(const SolveStep& step);
+    bool solveRow(int row, int number, const std::string& given);
+    bool passGone(const Loaded& gone, const SolveStep& step);
+    bool solveEach(const std::function<int(const TSXproblem&)>& choose, const std::string& given, bool goOn);
+    bool preen();
+    bool changeKey(const ChangeKeyStep& step);
+    bool refuse(const std::string& text);
+
+    TSXdatabase& database;
+    const Options& options;
+    std::vector<Loaded> loaded;   // the rows after the load, from 0; only where a step speaks of one
+    bool onlyDirectories = false; // a directory of data files was missing at the load
+};

@@ -1,0 +1,12 @@
+// What txcheck tells the person while it works: lines on standard error, each escaped, whatever stands in
+// them came from a file or a name.
+#pragma once
+
+#include <string_view>
+
+// Writes a line under the program's name.
+void tell(std::string_view text);
+
+// Shows how far the reading is, in a line that the next text replaces.
+void tellProgress(std::string_view text);
+void endProgress();
