@@ -42,7 +42,7 @@ void Steps::noteLoaded() {
     found = database.problemcount > 0;
     for (int row = 1; row <= database.problemcount; ++row) {
         const TSXproblem& problem = *database.getproblem(row);
-        if (problem.kind == missingdirectory && isClassDirectory(database.relativename(problem.name.view())))
+        if (problem.kind == missingdirectory && isClassDirectory(database.diskname(problem.name.view())))
             onlyDirectories = true;
         if (!options.solve.empty())
             loaded.push_back({known(problem), problem.id()});

@@ -57,13 +57,6 @@ TSXkeyentry* TSXdatabase::getvisiblekey(int index) const {
     return keyarray[static_cast<std::size_t>(visiblekeys[static_cast<std::size_t>(index)])];
 }
 
-std::string TSXdatabase::relativename(std::string_view path) const {
-    std::string name = resolvePath(path).substr(std::min(path.size(), directory.view().size()));
-    while (name.starts_with('/') || name.starts_with("./"))
-        name.erase(0, 1);
-    return name.empty() ? "." : name;
-}
-
 TSXkeyentry& TSXdatabase::findoraddkey(std::string_view key) {
     TSXkeyentry& entry = keytree.findoradd(key);
     if (keytree.added == 1) {

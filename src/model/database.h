@@ -40,9 +40,6 @@ public:
     int addexptype(int fileclass, const char* name);
     TSXexptype* gettype(int index) const;        // none unless index is from 0 to lasttype
     TSXkeyentry* getvisiblekey(int index) const; // none unless index is from 1 to visiblecount
-    // A path of the tree as it is named to the person: relative to the database's directory, "." for that,
-    // and spelled as on the disk where the thing is there.
-    std::string relativename(std::string_view path) const;
     TSXkeyentry& findoraddkey(std::string_view key); // a new one goes to the end of both key arrays
 
     // Problems, from 1 to problemcount.

@@ -141,13 +141,13 @@ std::string TSXproblem::subject() const {
         return subkind >= 0 && subkind < fileclasscount ? fileclasses[subkind].directory : "";
     case missingdirectory:
     case corruptsidefile:
-        return database.relativename(name.view());
+        return database.diskname(name.view());
     case corruptdatafile:
-        return database.relativename(Text<1000>()
-                                         .format("%s/%s/%s.%s", database.directory.c_str(),
-                                                 fileclasses[subkind].directory, name.c_str(),
-                                                 fileclasses[subkind].extension)
-                                         .view());
+        return database.diskname(Text<1000>()
+                                     .format("%s/%s/%s.%s", database.directory.c_str(),
+                                             fileclasses[subkind].directory, name.c_str(),
+                                             fileclasses[subkind].extension)
+                                     .view());
     default:
         return type == nullptr ? "Database"
                                : std::string(fileclasses[type->classid].directory) + "/" + type->name.c_str();
