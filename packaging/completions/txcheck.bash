@@ -1,0 +1,22 @@
+# bash completion of txcheck
+_txcheck() {
+    local cur prev words cword
+    _init_completion -n : || return
+    local kinds="empty duplicate blank orphan missing corrupt side"
+    case $prev in
+    --log) _filedir -d; return ;;
+    --undo | --restore) _filedir; return ;;
+    -e | --entry | --change-key | --solve) return ;;
+    --solve-all)
+        [[ $cur == *:* ]] || COMPREPLY=($(compgen -S :1 -W "$kinds" -- "$cur"))
+        __ltrim_colon_completions "$cur"
+        return
+        ;;
+    esac
+    if [[ $cur == -* ]]; then
+        COMPREPLY=($(compgen -W "--all --entry --solve --solve-all --preen --change-key --yes --save --plan --undo
+            --no-undo --undo-list --restore --log --no-lock --json --progress --no-progress --version --help" -- "$cur"))
+    else
+        _filedir -d
+    fi
+} && complete -F _txcheck txcheck
