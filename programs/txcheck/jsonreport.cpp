@@ -93,6 +93,13 @@ Json change(const Change& made) {
     return object;
 }
 
+Json unread(const Unread& thing) {
+    Json object;
+    put(object, "name", thing.name);
+    put(object, "reason", thing.reason); // it may name a file
+    return object;
+}
+
 // Items from 1 to count, each in a line of its own: a document of a large database can be read in an editor,
 // and is never held whole.
 template <class Item> void writeList(std::ostream& out, const char* name, int count, Item item) {
@@ -124,12 +131,14 @@ void writeJson(std::ostream& out, const Session& session, const Options& options
               [&](int i) { return key(*database.getvisiblekey(i), database.lasttype); });
     if (options.entry)
         out << ",\n\"entry\":" << entry(database, *options.entry).dump();
-    const auto at = [](const auto& items, int n) { return items[static_cast<std::size_t>(n) - 1]; };
+    const auto at = [](const auto& items, int n) -> const auto& {
+        return items[static_cast<std::size_t>(n) - 1];
+    };
     const auto& steps = session.steps.solved;
     writeList(out, "solved", countOf(steps), [&](int n) { return solved(at(steps, n)); });
     out << ",\n\"modified\":" << database.ismodified() << ",\"saved\":" << (session.saved ? 1 : 0);
     writeList(out, "changes", countOf(database.changes),
               [&](int n) { return change(at(database.changes, n)); });
-    writeList(out, "unread", 0, [](int) { return Json(); });
+    writeList(out, "unread", countOf(database.unread), [&](int n) { return unread(at(database.unread, n)); });
     out << ",\n\"status\":" << session.status() << "}\n";
 }

@@ -84,26 +84,17 @@ bool Session::hold(const std::string& directory) {
                   (elsewhere ? "" : ". --no-lock checks a database on a medium that can't be written"));
 }
 
-// A directory that is there and can't be read would look as if it were empty, and the repairs would act on
-// that.
+// What lies below a directory that can't be read is unknown as a whole; no marker is made there.
 bool Session::readable(const std::string& directory) {
-    std::vector<std::string> paths = {directory, directory + "/Library"};
-    for (const FileClass& format : fileclasses)
-        paths.push_back(directory + "/" + format.directory);
-    for (const std::string& path : paths) {
-        WIN32_FIND_DATAA match;
-        std::vector<std::string> passedOver;
-        FindHandle search = FindFirstFileA((path + "/*").c_str(), match, passedOver);
-        FindClose(search);
-        const std::uint32_t error = search == nullptr ? GetLastError() : ERROR_FILE_NOT_FOUND;
-        const bool missing = error == ERROR_PATH_NOT_FOUND && path != directory;
-        if (error == ERROR_FILE_NOT_FOUND || missing)
-            continue;
-        const std::string text = FormatMessageA(error);
-        return refuse(path + ": Unable to read the directory (Error code " + std::to_string(error) + ": " +
-                      text.substr(0, text.find_first_of("\r\n")) + ")");
-    }
-    return true;
+    WIN32_FIND_DATAA match;
+    std::vector<std::string> passedOver;
+    FindHandle search = FindFirstFileA((directory + "/*").c_str(), match, passedOver);
+    FindClose(search);
+    const std::uint32_t error = search == nullptr ? GetLastError() : ERROR_FILE_NOT_FOUND;
+    if (error == ERROR_FILE_NOT_FOUND)
+        return true;
+    return refuse(directory + ": Unable to read the database directory (Error code " + std::to_string(error) +
+                  ": " + errorText(error) + "). Give one that is there and that you may read");
 }
 
 void Session::showProgress(const TSXdatafile& file) {
@@ -116,20 +107,20 @@ void Session::showProgress(const TSXdatafile& file) {
                          .view());
 }
 
-// Such a file looks like a new one, empty; whoever repairs the database should know that it may hold entries.
-void Session::warnOfUnopened() {
-    const TSXfilelist& list = *database.lists[0];
-    for (std::size_t i = 1; i < list.files.size(); ++i)
-        if (list.files[i]->valid == 1 && list.files[i]->ondisk == 0)
-            tell(std::string("Warning: ") + list.files[i]->path.c_str() +
-                 ": Unable to open the file; it counts as empty");
+// What an analysis can't read may come and go with each; every thing is told once.
+void Session::tellUnread() {
+    for (const Unread& thing : database.unread)
+        if (toldUnread.insert(thing.name + '\n' + thing.reason).second)
+            tell((thing.weight == Unread::told ? "Passed over: " : "Could not read: ") + thing.name + ": " +
+                 thing.reason);
 }
 
 void Session::run() {
     database.load(std::string(database.directory).c_str());
     endProgress();
-    warnOfUnopened();
+    tellUnread();
     steps.run([this] { return save(); });
+    tellUnread();
 }
 
 bool Session::save() {
@@ -145,7 +136,7 @@ bool Session::save() {
 }
 
 int Session::status() const {
-    if (steps.failed)
+    if (steps.failed || database.unreadcount() > 0)
         return statusFailed;
     if (database.problemcount > 0 || database.ismodified() == 1)
         return statusLeft;

@@ -2,6 +2,7 @@
 // in the fields for the reports.
 #pragma once
 
+#include <set>
 #include <string>
 
 #include "model/database.h"
@@ -33,12 +34,13 @@ private:
     bool readable(const std::string& directory);
     int answer(const char* text, const char* title, std::uint32_t flags);
     void showProgress(const TSXdatafile& file);
-    void warnOfUnopened();
+    void tellUnread();
     bool save();
     bool refuse(const std::string& text);
 
     const Options& options;
     HANDLE marker = INVALID_HANDLE_VALUE;
+    std::set<std::string> toldUnread;
     int filesRead = 0;
     long recordsRead = 0;
 };
