@@ -103,6 +103,13 @@ void TSXdatabase::forgetlooks() {
     unread.erase(std::remove_if(unread.begin(), unread.end(), passing), unread.end());
 }
 
+bool TSXdatabase::directorymissing() const {
+    for (std::size_t i = 0; i < lists.size(); ++i)
+        if (lists[i]->missing && isrequired(fileclasses[i].directory))
+            return true;
+    return false;
+}
+
 bool TSXdatabase::picturecomplete() const {
     return std::none_of(unread.begin(), unread.end(),
                         [](const Unread& thing) { return thing.weight == Unread::whole; });

@@ -56,8 +56,11 @@ public:
     // passed over.
     void notesearch(const TSXfinder& search, const char* relative, Unread::Weight weight);
     void forgetrecords(std::string_view fullpath); // takes the records of a data file off the list
-    bool
-    picturecomplete() const; // false while something of weight whole is unread: no key can be judged then
+    // False while something of weight whole is unread: no key can be judged then.
+    bool picturecomplete() const;
+    // Whether a directory of entries or experiments that a database must have was missing at the load, as it
+    // is where a share isn't mounted: the keys in it are unknown then.
+    bool directorymissing() const;
     int unreadcount() const; // how many things could not be read, those that are only told left out
     bool isunread(std::string_view fullpath) const; // whether that file or directory could not be read
     // The name of a path relative to the database's directory, as it is spelled on the disk; "." for itself.

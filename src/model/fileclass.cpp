@@ -1,5 +1,9 @@
 #include "model/fileclass.h"
 
+#include <algorithm>
+
+#include "platform/system/letters.h"
+
 const FileClass fileclasses[fileclasscount] = {
     {.directory = "DBASE",
      .extension = "DBS",
@@ -86,3 +90,11 @@ const FileClass fileclasses[fileclasscount] = {
      .damagelabel = "",
      .sideheader = "GEL2DTYPE-CNF-v1.0"},
 };
+
+const std::vector<const char*> treedirectories = {"dbase", "fprint", "images",  "char",
+                                                  "seq",   "matrix", "library", "bundles"};
+
+bool isrequired(std::string_view directory) {
+    return std::any_of(treedirectories.begin(), treedirectories.end(),
+                       [&](const char* name) { return equalIgnoringCase(name, directory); });
+}

@@ -2,6 +2,9 @@
 // the file list, the class of a file and of an experiment type.
 #pragma once
 
+#include <string_view>
+#include <vector>
+
 constexpr int fileclasscount = 6;
 
 struct FileClass {
@@ -22,3 +25,11 @@ struct FileClass {
 };
 
 extern const FileClass fileclasses[fileclasscount];
+
+// The directories that a database must have below its own, in the order in which they are tested and as
+// messages spell them. Older databases have none for the last class, so that it is no fault where it is
+// missing.
+extern const std::vector<const char*> treedirectories;
+
+// Whether a database must have that directory.
+bool isrequired(std::string_view directory);

@@ -1,7 +1,12 @@
 #include "model/marker.h"
 
+#include <algorithm>
+
 #include "files/finder.h"
+#include "model/fileclass.h"
+#include "platform/system/directory.h"
 #include "platform/system/errors.h"
+#include "platform/system/path.h"
 #include "platform/system/text.h"
 
 const char* const connectedDatabaseText =
@@ -9,8 +14,42 @@ const char* const connectedDatabaseText =
     "external "
     "database. Please use the external database tools for this. Do you continue running this inspect tool?";
 
+namespace {
+
+constexpr const char* markerName = "open_db.txf";
+
+bool hasPlainFile(const std::string& pattern) {
+    TSXfinder finder;
+    bool found = false;
+    for (int match = finder.findfirst(pattern.c_str()); match != 0; match = finder.findnext())
+        found = found || finder.entrykind == TSXfinder::file;
+    finder.findclose();
+    return found;
+}
+
+// A directory that can't be looked into counts: it is no reason to think that nothing is there.
+bool hasDirectory(const std::string& path) {
+    return canEnterDirectory(path.c_str()) || !isAbsence(GetLastError());
+}
+
+} // namespace
+
+bool isDatabase(const char* directory) {
+    const std::string below = std::string(directory) + "\\";
+    const auto has = [&](const char* name) { return hasDirectory(below + name); };
+    return std::any_of(treedirectories.begin(), treedirectories.end(), has) ||
+           std::any_of(std::begin(fileclasses), std::end(fileclasses),
+                       [&](const FileClass& format) { return has(format.directory); }) ||
+           pathExists(below + markerName) || hasPlainFile(below + "*.CMP");
+}
+
+std::string noDatabaseText(const char* directory) {
+    return "There is no database here: '" + std::string(directory) +
+           "' holds neither a directory of a database nor a *.CMP file. Give the directory of a database";
+}
+
 HANDLE openMarker(const char* databaseDirectory) {
-    return CreateFileA((std::string(databaseDirectory) + "\\open_db.txf").c_str());
+    return CreateFileA((std::string(databaseDirectory) + "\\" + markerName).c_str());
 }
 
 std::string lockFailureText() {
@@ -26,12 +65,5 @@ std::string lockFailureText() {
 }
 
 int hasConnectedDatabase(const char* databaseDirectory) {
-    TSXfinder finder;
-    int found = 0;
-    for (int match = finder.findfirst((std::string(databaseDirectory) + "\\*.xdb").c_str()); match != 0;
-         match = finder.findnext())
-        if (finder.entrykind == TSXfinder::file)
-            found = 1;
-    finder.findclose();
-    return found;
+    return hasPlainFile(std::string(databaseDirectory) + "\\*.xdb") ? 1 : 0;
 }

@@ -6,6 +6,12 @@
 
 #include "platform/system/hold.h"
 
+// Whether the directory holds anything of a database: one of its directories, a plain file *.CMP or the
+// marker. One that holds nothing of it should get no marker.
+bool isDatabase(const char* directory);
+// What to tell the person where it doesn't.
+std::string noDatabaseText(const char* directory);
+
 // Takes exclusive hold of the marker file open_db.txf in the database directory and makes it if it is
 // missing. INVALID_HANDLE_VALUE on failure; lockFailureText then says why.
 HANDLE openMarker(const char* databaseDirectory);

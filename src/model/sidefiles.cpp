@@ -138,9 +138,7 @@ void TSXdatabase::checkdirectory(const char* fullpath) {
 }
 
 void TSXdatabase::checkdirectories() {
-    constexpr const char* below[] = {"dbase", "fprint", "images",  "char",
-                                     "seq",   "matrix", "library", "bundles"};
     checkdirectory(directory);
-    for (const char* name : below)
+    for (const char* name : treedirectories)
         checkdirectory(Text<700>().format("%s\\%s", directory.c_str(), name));
 }
