@@ -3,6 +3,7 @@
 
 #include "jsonreport.h"
 #include "options.h"
+#include "platform/system/standardstreams.h"
 #include "session.h"
 #include "settings/settings.h"
 #include "status.h"
@@ -27,6 +28,7 @@ std::optional<std::string> findDirectory(const Options& options) {
 } // namespace
 
 int main(int argc, char** argv) {
+    openStandardStreams();
     int status = statusClean;
     const std::optional<Options> options = parseOptions(argc, argv, status);
     if (!options)

@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "options.h"
+#include "platform/system/standardstreams.h"
 #include "sample.h"
 
 namespace {
@@ -19,6 +20,7 @@ void printResult(const SampleOptions& options, const SampleResult& result) {
 } // namespace
 
 int main(int argc, char** argv) {
+    openStandardStreams();
     SampleOptions options;
     int status = sampleMade;
     if (!parseOptions(argc, argv, options, status))

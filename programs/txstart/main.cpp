@@ -4,6 +4,7 @@
 
 #include "choices.h"
 #include "options.h"
+#include "platform/system/standardstreams.h"
 #include "startwindow.h"
 
 namespace {
@@ -32,6 +33,7 @@ int showWindow(int argc, char** argv) {
 } // namespace
 
 int main(int argc, char** argv) {
+    openStandardStreams();
     int status = statusDone;
     const std::optional<Options> options = parseOptions(argc, argv, status);
     if (!options)

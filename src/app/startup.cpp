@@ -58,10 +58,16 @@ void refuseLongDirectory() {
           MB_ICONEXCLAMATION);
 }
 
+// A marker and nine missing directories in a place that is no database would help nobody.
+void refuseForeignDirectory() {
+    if (canEnterDirectory(databaseDirectory) && !isDatabase(databaseDirectory))
+        leave(noDatabaseText(databaseDirectory).c_str(), MB_ICONEXCLAMATION);
+}
+
 void takeHold() {
     lockHandle = openMarker(databaseDirectory);
     if (lockHandle == INVALID_HANDLE_VALUE)
-        leave(lockFailureText().c_str(), MB_ICONEXCLAMATION);
+        leave((lockFailureText() + lockAdvice(databaseDirectory)).c_str(), MB_ICONEXCLAMATION);
 }
 
 void warnOfConnectedDatabase() {
@@ -80,6 +86,7 @@ TSXapp::TSXapp() {
     });
     findDatabase();
     refuseLongDirectory();
+    refuseForeignDirectory();
     takeHold();
     warnOfConnectedDatabase();
     initDrawing({192, 192, 192});

@@ -39,7 +39,7 @@ void readSections(ByteStream& stream, DatabaseSettings& settings) {
     std::string line;
     std::string directory = settings.databaseDirectory.c_str();
     std::string colours;
-    while (!stream.atEnd()) {
+    while (!stream.atEnd() && stream.readFailure() == 0) {
         readLine(stream, line);
         if (line == "[DIR]")
             readDirectory(stream, directory);
@@ -58,8 +58,11 @@ int readDatabaseFile(DatabaseSettings& settings) {
     ByteStream stream;
     if (!stream.open(databaseFilePath(settings).c_str(), OpenMode::read))
         return 0;
-    readSections(stream, settings);
-    stream.close();
+    DatabaseSettings found = settings;
+    readSections(stream, found);
+    if (stream.readFailure() != 0) // half of a settings file could name another directory
+        return 0;
+    settings = found;
     return 1;
 }
 

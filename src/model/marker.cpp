@@ -52,6 +52,18 @@ HANDLE openMarker(const char* databaseDirectory) {
     return CreateFileA((std::string(databaseDirectory) + "\\" + markerName).c_str());
 }
 
+std::string lockAdvice(const char* databaseDirectory) {
+    const std::uint32_t number = GetLastError();
+    if (number == ERROR_SHARING_VIOLATION)
+        return {};
+    std::string text = "\n\nThe lock is the file '" + std::string(databaseDirectory) + "/" + markerName + "'";
+    if (number == ERROR_ACCESS_DENIED)
+        text += ". Ask its owner, or that of the directory, for the right to write there";
+    if (number == ERROR_WRITE_PROTECT || number == ERROR_NOT_SUPPORTED)
+        text += ". A database on a medium that can't be written or locked is checked by txcheck --no-lock";
+    return text;
+}
+
 std::string lockFailureText() {
     const std::uint32_t number = GetLastError();
     std::string text = "Unable to open the database";

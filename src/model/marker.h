@@ -18,6 +18,9 @@ HANDLE openMarker(const char* databaseDirectory);
 
 // What to tell the person after a failed openMarker, with the number and text of the last error.
 std::string lockFailureText();
+// What else helps the person then: the marker's path and a way out, in lines of their own. Empty where
+// another program holds it, which says all.
+std::string lockAdvice(const char* databaseDirectory);
 
 // 1 if a connected database, a plain file *.xdb, lies in the directory, else 0.
 int hasConnectedDatabase(const char* databaseDirectory);

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/system/bytestream.h"
+#include "platform/system/errors.h"
 #include "platform/system/messagebox.h"
 #include "reporting/report.h"
 
@@ -23,12 +24,29 @@ constexpr const char* trailer = "\n"
                                 "     *  End of TX log file  *\n"
                                 "     ************************\n";
 
+int lostLines = 0;
+std::uint32_t lossReason = ERROR_SUCCESS; // of the first
+
 bool writeText(const std::string& text, OpenMode mode) {
     ByteStream stream;
-    if (!stream.open(logPath, mode))
+    if (!stream.open(logPath, mode, Links::refused))
         return false;
     const bool written = stream.write(text.data(), text.size()) == text.size();
     return stream.close() && written;
+}
+
+void append(const std::string& text) {
+    if (writeText(text, OpenMode::append))
+        return;
+    if (lostLines++ == 0)
+        lossReason = GetLastError();
+}
+
+void reportLoss() {
+    const std::string text = std::to_string(lostLines) + " lines are missing in the log '" + logPath.c_str() +
+                             "' because it could not be written: " + errorText(lossReason);
+    lostLines = 0;
+    report(text.c_str(), "Warning", MB_OK | MB_ICONEXCLAMATION);
 }
 
 } // namespace
@@ -46,13 +64,16 @@ int startLog(int enabled, const char* directory) {
 }
 
 void endLog() {
-    if (logEnabled == 1)
-        writeText(trailer, OpenMode::append);
+    if (logEnabled != 1)
+        return;
+    append(trailer);
+    if (lostLines > 0)
+        reportLoss();
 }
 
 void logLine(const char* text) {
     if (logEnabled == 1)
-        writeText(std::string(text) + '\n', OpenMode::append);
+        append(std::string(text) + '\n');
 }
 
 void logLocalError(const char* text) {

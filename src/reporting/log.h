@@ -8,13 +8,14 @@ extern int logEnabled;     // 1: lines are written; any other value: everything 
 extern Text<2000> logPath; // the log file of this run
 
 // Switches the log on (1) or off, and when on makes TXLOG.TXT in the directory. Returns 1; 0 when the file
-// can't be made, which has then been reported, and the program is expected to leave.
+// can't be made or is a link, whose file is not the log's to empty, which has then been reported, and the
+// program is expected to leave.
 int startLog(int enabled, const char* directory);
 
-// Writes the trailer.
+// Writes the trailer, and reports it if lines were lost.
 void endLog();
 
-// Appends one line, taken as it stands. A line that can't be appended is dropped.
+// Appends one line, taken as it stands. A line that can't be appended is lost.
 void logLine(const char* text);
 
 // Appends "Local error: " and the text; what does not fit into 386 bytes is cut.

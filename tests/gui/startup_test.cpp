@@ -71,6 +71,9 @@ TEST_F(StartTest, WhatKeepsTheToolFromStartingIsTold) {
         writeFile(home / "Strains.dbs", "[DIR]\n" + root.path() + "/" + std::string(length, '/') + "\n");
         leaves(0, "Error 48: The path of the database directory is too long: it has at most 599 bytes\n");
     }
+    settings.databaseDirectory = home.path().c_str();
+    choose();
+    leaves(0, "Error 48: There is no database here: '/.+\n");
     settings.databaseDirectory = root.path().c_str();
     choose();
     const HANDLE held = openMarker(root.path().c_str());

@@ -36,11 +36,21 @@ TEST_F(Log, HasHeadLinesAndTrailerAndBeginsAnew) {
     }
 }
 
-TEST_F(Log, ThatCannotBeMadeIsReportedAndALineThatCannotBeAppendedIsDropped) {
+TEST_F(Log, ThatCannotBeMadeIsReportedAndSoIsALineThatWasLost) {
     failAt(DiskOperation::open, 1);
     logLine("lost");
     logLine("kept");
     EXPECT_EQ(takeLog(), "kept\n");
+    endLog();
+    EXPECT_EQ(reports.size(), 1u);
+    EXPECT_EQ(reports[0].find("Warning 48: 1 lines are missing in the log "), 0u);
+    reports.clear();
+    writeFile(home / "kept", "kept");
+    std::filesystem::remove(home / "TXLOG.TXT");
+    std::filesystem::create_symlink("kept", home / "TXLOG.TXT");
+    EXPECT_EQ(startLog(1, home.path().c_str()), 0);
+    EXPECT_EQ(readFile(home / "kept"), "kept");
+    reports.clear();
     EXPECT_EQ(startLog(1, (root / "missing").c_str()), 0);
     EXPECT_EQ(reports, Texts{"Error 16: Could not create log file in ROOT/missing"});
 }

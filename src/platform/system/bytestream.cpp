@@ -112,7 +112,7 @@ ByteStream::~ByteStream() {
     close();
 }
 
-bool ByteStream::open(const char* path, OpenMode mode) {
+bool ByteStream::open(const char* path, OpenMode mode, Links links) {
     if (isOpen() || injectedFault(DiskOperation::open))
         return false;
     mode_ = mode;
@@ -124,11 +124,12 @@ bool ByteStream::open(const char* path, OpenMode mode) {
     bufferStart_ = 0;
     newPath_.clear();
     const std::string resolved = resolvePath(path);
-    return mode == OpenMode::write && isMissing(resolved) ? openNew(resolved) : openExisting(resolved);
+    return mode == OpenMode::write && isMissing(resolved) ? openNew(resolved) : openExisting(resolved, links);
 }
 
-bool ByteStream::openExisting(const std::string& path) {
-    file_ = openPlainFile(path, flagsOf(mode_), mode_ == OpenMode::append);
+bool ByteStream::openExisting(const std::string& path, Links links) {
+    const int refusal = links == Links::refused ? O_NOFOLLOW : 0;
+    file_ = openPlainFile(path, flagsOf(mode_) | refusal, mode_ == OpenMode::append);
     if (!isOpen())
         return false;
     if (mode_ == OpenMode::append)

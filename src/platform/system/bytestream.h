@@ -24,6 +24,9 @@ struct FileIdentity {
     auto operator<=>(const FileIdentity& other) const = default;
 };
 
+// Whether a link at the end of a path is followed to the file that it points to, or refused.
+enum class Links { followed, refused };
+
 class ByteStream {
 public:
     ByteStream() = default;
@@ -32,7 +35,7 @@ public:
     ~ByteStream();
 
     // Opens the file. False when it can't be had; GetLastError then tells why. Only on a closed stream.
-    bool open(const char* path, OpenMode mode);
+    bool open(const char* path, OpenMode mode, Links links = Links::followed);
     // Writes what is still held back and closes. False when that could not be written.
     bool close();
     bool isOpen() const { return file_ >= 0; }
@@ -57,7 +60,7 @@ public:
     FileIdentity identity();
 
 private:
-    bool openExisting(const std::string& path);
+    bool openExisting(const std::string& path, Links links);
     bool openNew(const std::string& path);
     bool publish();
     bool fill();

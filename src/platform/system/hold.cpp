@@ -1,6 +1,7 @@
 #include "platform/system/hold.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "platform/system/path.h"
@@ -22,14 +23,31 @@ bool lockWhole(int file) {
     return false;
 }
 
+// Who may make files in the directory may hold this one: otherwise the file's maker would keep all others out
+// for good. What the system does not allow stays as it is.
+void shareAsDirectory(int file, const std::string& directory) {
+    struct stat place = {};
+    struct stat made = {};
+    if (stat(directory.c_str(), &place) != 0 || fstat(file, &made) != 0)
+        return;
+    if (made.st_gid != place.st_gid && fchown(file, static_cast<uid_t>(-1), place.st_gid) != 0)
+        place.st_mode &= ~mode_t{S_IWGRP};
+    [[maybe_unused]] const int changed =
+        fchmod(file, (made.st_mode & 07777) | (place.st_mode & (S_IWGRP | S_IWOTH)));
+}
+
 } // namespace
 
 HANDLE CreateFileA(const char* path) {
     if (injectedFault(DiskOperation::open))
         return INVALID_HANDLE_VALUE;
-    const int file = openPlainFile(resolvePath(path), O_WRONLY, true);
+    const std::string resolved = resolvePath(path);
+    const bool made = isMissing(resolved);
+    const int file = openPlainFile(resolved, O_WRONLY, true);
     if (file < 0)
         return INVALID_HANDLE_VALUE;
+    if (made)
+        shareAsDirectory(file, directoryOf(resolved));
     if (lockWhole(file))
         return file;
     close(file);

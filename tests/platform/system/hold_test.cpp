@@ -9,6 +9,7 @@
 #include <linux/seccomp.h>
 #include <spawn.h>
 #include <sys/prctl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 
 #include "child.h"
@@ -64,6 +65,18 @@ TEST_F(Hold, KeepsOthersOffUntilItIsGivenUpOrItsProcessEnds) {
     EXPECT_EQ(take(), 0u);
     CloseHandle(handle);
     EXPECT_EQ(readFile(directory / "open_db.txf"), "content");
+}
+
+TEST_F(Hold, MayBeTakenByWhomTheDirectoryBelongsTo) {
+    for (const auto& [place, made] : {std::pair(0755, 0644), {0775, 0664}, {0777, 0666}}) {
+        std::filesystem::permissions(directory.path(), std::filesystem::perms(place));
+        std::filesystem::remove(marker);
+        const mode_t before = umask(022);
+        ASSERT_EQ(take(), 0u);
+        umask(before);
+        CloseHandle(handle);
+        EXPECT_EQ(std::filesystem::status(marker).permissions(), std::filesystem::perms(made));
+    }
 }
 
 TEST_F(Hold, IsNotInheritedByAProgram) {
