@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
         session.database.showallkeys();
     if (options->json)
         writeJson(std::cout, session, *options);
-    else
+    else if (!options->quiet || session.status() != statusClean)
         writeText(std::cout, session, *options);
     std::cout.flush();
     if (!std::cout) {

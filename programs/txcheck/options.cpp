@@ -9,6 +9,7 @@
 
 #include "model/datafile.h"
 #include "model/problem.h"
+#include "page.h"
 #include "status.h"
 #include "told.h"
 
@@ -29,6 +30,7 @@ constexpr Flag flags[] = {
     {"-y,--yes", &Options::yes, "Change the key even where NEW is in use"},
     {"-s,--save", &Options::save, "Write the changed keys to disk"},
     {"--no-lock", &Options::noLock, "Take no hold of the database, for a copy on a read-only medium"},
+    {"-q,--quiet", &Options::quiet, "Write no report where nothing is wrong and nothing was done"},
     {"--json", &Options::json, "Write one JSON document to standard output"},
 };
 
@@ -127,7 +129,21 @@ ChangeKeyStep readChangeKey(const std::vector<std::string>& words) {
     return step;
 }
 
+// The help in lines of 80 columns.
+class NarrowHelp : public CLI::Formatter {
+    std::string make_option(const CLI::Option* option, bool positional) const override {
+        constexpr std::size_t column = 26;
+        std::string text =
+            "  " + make_option_name(option, positional) + (positional ? "" : " " + option->get_type_name());
+        text.resize(text.find_last_not_of(' ') + 1);
+        text +=
+            text.size() < column ? std::string(column - text.size(), ' ') : "\n" + std::string(column, ' ');
+        return text + wrapped(make_option_desc(option), 80 - column, column) + '\n';
+    }
+};
+
 void describe(CLI::App& app, Options& options, Words& words) {
+    app.formatter(std::make_shared<NarrowHelp>());
     app.set_version_flag("--version", "txcheck " TX_VERSION);
     app.set_help_flag("-h,--help", "Print this help and leave");
     for (const Value& value : values) {
@@ -188,9 +204,8 @@ std::optional<Options> parseOptions(int argc, char** argv, int& status) {
     Options options;
     Words words;
     CLI::App app("Checks and repairs a database of laboratory experiments without a window.", "txcheck");
-    app.footer("Exit status: 0 nothing wrong, 1 all problems solved and saved, 4 problems or unsaved changes "
-               "are left,\n"
-               "8 the work could not be done, 16 wrong usage.");
+    app.footer("Exit status: 0 nothing wrong, 1 all problems solved and saved, 4 problems or\n"
+               "unsaved changes are left, 8 the work could not be done, 16 wrong usage.");
     describe(app, options, words);
     try {
         app.parse(argc, argv);

@@ -33,6 +33,7 @@ struct Options {
     bool save = false;
     std::optional<std::string> log;
     bool noLock = false;
+    bool quiet = false;
     bool json = false;
     bool progress = false;
 };

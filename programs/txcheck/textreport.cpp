@@ -1,6 +1,6 @@
 #include "textreport.h"
 
-#include <iomanip>
+#include <map>
 #include <string_view>
 
 #include "model/datafile.h"
@@ -8,92 +8,118 @@
 #include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
+#include "page.h"
 #include "reporting/printable.h"
 #include "status.h"
+#include "told.h"
 
 namespace {
 
-constexpr std::size_t width = 80;
-constexpr std::size_t keyWidth = 40;
+using Colour = Page::Colour;
 
-// A line that goes on with an indent where it would pass the width; it breaks at blanks, or in a long path
-// anywhere.
-void writeWrapped(std::ostream& out, std::string_view first, std::string_view text) {
-    const std::string indent(first.size(), ' ');
-    const std::size_t room = width - first.size();
-    out << first;
-    while (columns(text) > room) {
-        std::size_t cut = bytesOf(text, room);
-        const std::size_t blank = text.rfind(' ', cut);
-        if (blank != std::string_view::npos && blank > 0)
-            cut = blank;
-        out << text.substr(0, cut) << '\n' << indent;
-        text.remove_prefix(cut);
-        text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
-    }
-    out << text << '\n';
-}
+// How a summary counts the problems of a kind, by kind; both sorts of corrupted files are one.
+struct Counting {
+    const char* one;
+    const char* many;
+};
+constexpr Counting countings[] = {
+    {"problem", "problems"},
+    {"class with empty files", "classes with empty files"},
+    {"type with duplicate keys", "types with duplicate keys"},
+    {"set of entries without keys", "sets of entries without keys"},
+    {"set of keys without entries", "sets of keys without entries"},
+    {"missing directory", "missing directories"},
+    {"corrupted file", "corrupted files"},
+    {"corrupted file", "corrupted files"},
+};
 
-std::string padded(std::string text, std::size_t columnCount) {
-    const std::size_t used = columns(text);
-    if (used < columnCount)
-        text.append(columnCount - used, ' ');
-    return text;
-}
-
-std::string counted(long count, const char* one, const char* many) {
-    return std::to_string(count) + ' ' + (count == 1 ? one : many);
-}
-
-void writeSolved(std::ostream& out, const Session& session) {
-    if (session.steps.solved.empty())
-        return;
-    constexpr const char* results[] = {"  failed  ", "  done    ", "  gone    "};
-    out << "\nSolutions applied\n";
-    for (const SolvedStep& step : session.steps.solved)
-        writeWrapped(out, results[step.result], step.label + ": " + printable(step.message));
-}
-
-constexpr const char* costNotes[] = {"", "  (keys are lost from the data)", "  (deletes at once)"};
-
-void writeProblems(std::ostream& out, const TSXdatabase& database) {
-    out << "\nProblems" << (database.problemcount > 0 ? ", each with its solutions for --solve WHAT:N" : "")
-        << '\n';
-    if (database.problemcount == 0)
-        out << "  none\n";
-    for (int row = 1; row <= database.problemcount; ++row) {
-        const TSXproblem& problem = *database.getproblem(row);
-        const std::string number = std::to_string(row);
-        const std::string indent(number.size() < 5 ? 5 - number.size() : 0, ' ');
-        writeWrapped(out, indent + number + "  ", printable(problem.message.view()));
-        writeWrapped(out, "         ", problem.id());
-        for (int n = 1; n <= problem.solutioncount(); ++n)
-            out << "         " << row << ':' << n << "  " << problem.solutionlabel(n)
-                << costNotes[static_cast<int>(problem.solutioncost(n))] << '\n';
-    }
-}
-
-void writeTypes(std::ostream& out, const TSXdatabase& database) {
-    out << "\nData types\n   Type  " << padded("Name", keyWidth) << "  Class     Files   Entries\n";
-    for (int i = 0; i <= database.lasttype; ++i) {
-        const TSXexptype& type = *database.gettype(i);
-        out << std::setw(7) << i << "  " << padded(shortened(printable(type.name.view()), keyWidth), keyWidth)
-            << "  " << padded(fileclasses[type.classid].directory, 6) << std::setw(9) << type.filecount
-            << std::setw(10) << type.entrycount << '\n';
-    }
+std::string rightAligned(long number, std::size_t columnCount) {
+    std::string text = std::to_string(number);
+    return text.insert(0, columnCount > text.size() ? columnCount - text.size() : 0, ' ');
 }
 
 std::string shownKey(std::string_view key) {
     return key.empty() ? "(no key)" : printable(key);
 }
 
-void writeKeys(std::ostream& out, const TSXdatabase& database, bool all) {
-    out << '\n'
-        << (all ? "Keys" : "Keys with something wrong") << " (" << database.visiblecount << " of "
-        << database.keytotal << ")\n";
+std::string summary(const TSXdatabase& database, const char* state) {
+    std::map<std::string_view, int> counts;
+    for (int row = 1; row <= database.problemcount; ++row)
+        ++counts[countings[database.getproblem(row)->kind].one];
+    std::string text;
+    for (int kind = corruptdatafile; kind >= emptyfiles; --kind)
+        if (const int count = counts[countings[kind].one]; count > 0)
+            text += (text.empty() ? ": " : ", ") + counted(count, countings[kind].one, countings[kind].many);
+    return counted(database.problemcount, countings[0].one, countings[0].many) + state + text + ".";
+}
+
+void writeSolved(Page& page, const Session& session) {
+    if (session.steps.solved.empty())
+        return;
+    constexpr const char* results[] = {"  failed  ", "  done    ", "  gone    "};
+    page.heading("Solutions applied");
+    for (const SolvedStep& step : session.steps.solved)
+        page.line(results[step.result], step.label + ": " + printable(step.message));
+}
+
+std::string shownChange(const Change& change) {
+    const std::string file = printable(change.file);
+    if (change.kind != Change::key)
+        return file;
+    return file + ", record " + std::to_string(change.record) + " at " + std::to_string(change.offset) +
+           ": " + shownKey(change.oldkey) + " -> " + shownKey(change.newkey);
+}
+
+void writeChanges(Page& page, const Session& session) {
+    if (session.database.changes.empty())
+        return;
+    constexpr const char* kinds[] = {"  key      ", "  deleted  ", "  made     "};
+    page.heading(session.database.planning ? "What would be changed on the disk" : "Changed on the disk");
+    for (const Change& change : session.database.changes)
+        page.line(kinds[change.kind], shownChange(change));
+}
+
+void writeProblem(Page& page, const TSXproblem& problem, int row) {
+    constexpr const char* notes[] = {"", "  (keys are lost from the data)", "  (deletes at once)"};
+    constexpr const char* indent = "         ";
+    page.line(rightAligned(row, 5) + "  ", printable(problem.message.view()));
+    page.line(indent, printable(problem.id()));
+    for (int n = 1; n <= problem.solutioncount(); ++n)
+        page.line(indent, std::to_string(row) + ':' + std::to_string(n) + "  " + problem.solutionlabel(n) +
+                              notes[static_cast<int>(problem.solutioncost(n))]);
+}
+
+void writeProblems(Page& page, const TSXdatabase& database) {
+    if (database.problemcount == 0) {
+        page.heading("Problems");
+        page.line("  ", "none");
+        return;
+    }
+    page.heading("Problems, each with its id and its solutions for --solve WHAT:N");
+    for (int row = 1; row <= database.problemcount; ++row)
+        writeProblem(page, *database.getproblem(row), row);
+}
+
+void writeTypes(Page& page, const TSXdatabase& database) {
+    const std::size_t nameWidth = page.width / 2;
+    page.heading("Data types");
+    page.line("   Type  ", padded("Name", nameWidth) + "  Class     Files   Entries");
+    for (int i = 0; i <= database.lasttype; ++i) {
+        const TSXexptype& type = *database.gettype(i);
+        page.line(rightAligned(i, 7) + "  " +
+                      padded(shortened(printable(type.name.view()), nameWidth), nameWidth),
+                  "  " + padded(fileclasses[type.classid].directory, 6) + rightAligned(type.filecount, 9) +
+                      rightAligned(type.entrycount, 10));
+    }
+}
+
+void writeKeys(Page& page, const TSXdatabase& database, bool all) {
+    page.heading(std::string(all ? "Keys" : "Keys with something wrong") + " (" +
+                 std::to_string(database.visiblecount) + " of " + std::to_string(database.keytotal) + ")");
     if (database.visiblecount == 0)
         return;
-    out << "  " << padded("Key", keyWidth) << "  Type:records\n";
+    const std::size_t keyWidth = page.width / 2 + 4;
+    page.line(keyWidth, "  Key", "Type:records");
     for (int i = 1; i <= database.visiblecount; ++i) {
         const TSXkeyentry& entry = *database.getvisiblekey(i);
         std::string uses;
@@ -101,64 +127,76 @@ void writeKeys(std::ostream& out, const TSXdatabase& database, bool all) {
             if (!list.records.empty())
                 uses += (uses.empty() ? "" : " ") + std::to_string(list.type) + ':' +
                         std::to_string(list.records.size());
-        std::string key = "  " + padded(shownKey(entry.key), keyWidth);
-        if (columns(key) > keyWidth + 2) {
-            out << key << '\n';
-            key.assign(keyWidth + 2, ' ');
-        }
-        writeWrapped(out, key + "  ", uses);
+        page.line(keyWidth, "  " + shownKey(entry.key), uses);
     }
 }
 
-void writeEntry(std::ostream& out, const TSXdatabase& database, const std::string& wanted) {
+void writeEntry(Page& page, const TSXdatabase& database, const std::string& wanted) {
     const TSXkeyentry* entry = database.keytree.find(wanted);
     long total = 0;
     if (entry != nullptr)
         for (const TSXkeyentry::TypeList& list : entry->lists)
             total += static_cast<long>(list.records.size());
-    out << "\nEntry " << shownKey(total > 0 ? entry->key : wanted) << ", used by "
-        << counted(total, "record", "records") << '\n';
+    page.heading("Entry " + shownKey(total > 0 ? entry->key : wanted) + ", used by " +
+                 counted(total, "record", "records"));
     if (total == 0)
         return;
-    out << "   Type      N  Record  File\n";
+    page.line("", "   Type      N  Record  File");
     for (const TSXkeyentry::TypeList& list : entry->lists)
         for (std::size_t n = 0; n < list.records.size(); ++n) {
             const TSXdatafile& file = *list.records[n].file;
-            out << std::setw(7) << list.type << std::setw(7) << n + 1 << std::setw(8)
-                << list.records[n].record << "  " << fileclasses[file.classid].directory << '/'
-                << printable(file.name.view()) << '\n';
+            page.line(rightAligned(list.type, 7) + rightAligned(static_cast<long>(n) + 1, 7) +
+                          rightAligned(list.records[n].record, 8) + "  ",
+                      std::string(fileclasses[file.classid].directory) + '/' + printable(file.name.view()));
         }
 }
 
-void writeConclusion(std::ostream& out, const Session& session, const Options& options) {
+void writeTold(Page& page) {
+    if (told().empty())
+        return;
+    page.heading("Messages");
+    for (const std::string& text : told())
+        page.line("  ", text, Colour::yellow);
+}
+
+std::string problemsLeft(const Session& session, bool failed) {
+    if (session.database.problemcount > 0)
+        return summary(session.database, session.steps.solved.empty() ? "" : " left");
+    if (session.steps.found)
+        return "No problem is left.";
+    return failed ? "No problem was found in what could be read." : "Nothing is wrong.";
+}
+
+void writeConclusion(Page& page, const Session& session, const Options& options) {
     const TSXdatabase& database = session.database;
     const bool failed = session.status() == statusFailed;
-    out << '\n';
+    page.heading("Result");
+    page.line("  ", problemsLeft(session, failed),
+              database.problemcount > 0 ? Colour::red : (failed ? Colour::none : Colour::green));
     if (failed)
-        out << "Not everything could be done: see the messages on standard error.\n";
-    if (database.problemcount > 0)
-        out << counted(database.problemcount, "problem is", "problems are") << " left.\n";
-    else if (session.steps.found)
-        out << "No problem is left.\n";
-    else if (!failed)
-        out << "Nothing is wrong.\n";
+        page.line("  ", "Not everything could be read or done: see the messages above.", Colour::red);
     if (session.saved)
-        out << "All changed keys are on the disk.\n";
+        page.line("  ", "All changed keys are on the disk.");
     else if (database.ismodified() == 1)
-        out << (options.save ? "Changed keys are not saved.\n"
-                             : "Changed keys are not saved: give --save to write them to disk.\n");
+        page.line("  ",
+                  options.save ? "Changed keys are not saved."
+                               : "Changed keys are not saved: give --save to write them to disk.",
+                  Colour::red);
 }
 
 } // namespace
 
 void writeText(std::ostream& out, const Session& session, const Options& options) {
     const TSXdatabase& database = session.database;
-    writeWrapped(out, "Database Check- ", printable(database.directory.view()));
-    writeSolved(out, session);
-    writeProblems(out, database);
-    writeTypes(out, database);
-    writeKeys(out, database, options.all);
+    Page page(out);
+    page.line("Database Check- ", printable(database.directory.view()), Colour::bold);
+    writeSolved(page, session);
+    writeChanges(page, session);
+    writeProblems(page, database);
+    writeTypes(page, database);
+    writeKeys(page, database, options.all);
     if (options.entry)
-        writeEntry(out, database, *options.entry);
-    writeConclusion(out, session, options);
+        writeEntry(page, database, *options.entry);
+    writeTold(page);
+    writeConclusion(page, session, options);
 }

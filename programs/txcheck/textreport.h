@@ -1,4 +1,4 @@
-// The result of a run as a text for a person, in 80 columns.
+// The result of a run as a text for a person.
 #pragma once
 
 #include <ostream>

@@ -6,13 +6,19 @@
 
 namespace {
 
+std::vector<std::string> lines;
 std::size_t shown = 0; // columns of the progress that stands there
 
 } // namespace
 
 void tell(std::string_view text) {
     endProgress();
-    std::fprintf(stderr, "txcheck: %s\n", printable(text).c_str());
+    lines.push_back(printable(text));
+    std::fprintf(stderr, "txcheck: %s\n", lines.back().c_str());
+}
+
+const std::vector<std::string>& told() {
+    return lines;
 }
 
 void tellProgress(std::string_view text) {

@@ -2,10 +2,14 @@
 // them came from a file or a name.
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 // Writes a line under the program's name.
 void tell(std::string_view text);
+// What was told so far, escaped: a report has it once more at its end, where it isn't missed.
+const std::vector<std::string>& told();
 
 // Shows how far the reading is, in a line that the next text replaces.
 void tellProgress(std::string_view text);
