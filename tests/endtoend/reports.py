@@ -14,7 +14,7 @@ SAMPLE = ("--files 1 --entries 3 --types 1 --experiments 1 --records 2 --seed 5 
           "duplicates,blank-keys,orphans,truncated,side-files,missing-directories,odd-bytes")
 KEY = "Stämme 株式会社 e\u0301"  # wide and combining characters
 STEPS = ["--solve", "1:1", "--solve", "1:1", "--solve", "blank:Database:1", "--solve-all", "duplicate:2", "--preen",
-         "--change-key", "isolate 00001", "0", "1", KEY, "--entry", KEY, "--all", "--save", "--solve", "99:1"]
+         "--change-key", "isolate 00001", "0", "1", KEY, "--entry", KEY, "--all", "--save"]
 failed = False
 for name, options in [("document.json", ["--json"]), ("report.txt", [])]:
     with tempfile.TemporaryDirectory() as work:
