@@ -13,8 +13,9 @@ import tempfile
 import time
 
 sys.dont_write_bytecode = True
-from companion import BUSY, PROGRAMS, contents
+from programtest import BUSY, contents
 
+PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
 SLOW = float(os.environ.get("SLOWNESS", "1"))  # how much longer than usual things may take
 MIDDLE = 199  # the black line under the problem list, in client pixels of the main window
 START_TITLE = "Databases - Trelvanexis"

@@ -1,22 +1,51 @@
-"""Reads a database and finds what is wrong with it, from the description of the formats alone: what the programs say
-is compared with this.  Texts are bytes."""
+"""A second reading of the same rules: reads a database, finds what is wrong, repairs and saves it, and says what the log and
+the document of txcheck must hold.  Written from the description of the formats and repairs, not from the programs.  Texts
+are bytes."""
 
+import argparse
 import os
+import stat
 import struct
 
-# directory, extension, header, tag of the type chunk, of the records, integers of a record, header of its .CNF files
-CLASSES = [("DBASE", "DBS", b"TX-DBS-v1.0", None, b"ENT", 0, None),
-           ("fprint", "DEF", b"GEL-DEF-v1.0", b"GTP", b"eEN", 1, b"GELTYPE-CNF-v1.0"),
-           ("char", "DEF", b"PHEN-DEF-v1.0", b"TPE", b"eEN", 1, b"PHENTYPE-CNF-v1.0"),
-           ("seq", "DEF", b"SEQ-DEF-v1.0", b"TPE", b"eEN", 1, b"SEQTYPE-CNF-v1.0"),
-           ("matrix", "DEF", b"PAIRSIMDEF-v1.0", b"TPE", b"eEN", 3, b"PAIRSIMTYPE-CNF-v1.0"),
-           ("gel2d", "DEF", b"GEL2D-DEF-v1.0", None, b"KEY", 1, b"GEL2DTYPE-CNF-v1.0")]
+# directory, extension, header, tag of the type chunk, of the records, integers of a record, header of its .CNF files,
+# names in the log: of the scan, of a file; indent of a record; in the messages: an empty class, a corrupted file
+CLASSES = [("DBASE", "DBS", b"TX-DBS-v1.0", b"FLD", b"ENT", 0, None, "dbase", "dbase", b"  ", "", "database"),
+           ("fprint", "DEF", b"GEL-DEF-v1.0", b"GTP", b"eEN", 1, b"GELTYPE-CNF-v1.0", "gel", "gel", b"  ", "gel", "gel"),
+           ("char", "DEF", b"PHEN-DEF-v1.0", b"TPE", b"eEN", 1, b"PHENTYPE-CNF-v1.0", "character", "character", b"  ",
+            "character", "character"),
+           ("seq", "DEF", b"SEQ-DEF-v1.0", b"TPE", b"eEN", 1, b"SEQTYPE-CNF-v1.0", "seq", "seq", b" ", "seq", "sequence"),
+           ("matrix", "DEF", b"PAIRSIMDEF-v1.0", b"TPE", b"eEN", 3, b"PAIRSIMTYPE-CNF-v1.0", "pairsim", "pair", b"  ",
+            "pair", "similarity"),
+           ("gel2d", "DEF", b"GEL2D-DEF-v1.0", None, b"KEY", 1, b"GEL2DTYPE-CNF-v1.0", "2D gel", "gel2d", b" ", "gel2d", "")]
 COMPARISON = b"TX-COMP-v1.0"
 DIRECTORIES = ["dbase", "fprint", "images", "char", "seq", "matrix", "library", "bundles"]
+SOLUTIONS = {1: [(7001, "Remove all empty files", "deletes")],
+             2: [(7002, "Remove all duplicate keys", "clears"), (7003, "Rename all duplicate keys", "safe")],
+             3: [(7004, "Create keys", "safe")],
+             4: [(7005, "Remove these experiment keys", "clears"), (7006, "Add database entries for these keys", "safe")],
+             5: [(7007, "Create directory", "safe")],
+             6: [(7008, "Delete this corrupted file", "deletes")], 7: [(7009, "Delete this corrupted file", "deletes")]}
+WORDS = [None, "empty", "duplicate", "blank", "orphan", "missing", "corrupt", "side"]
+STARS = b"     **************************\n"
+HEAD = b"\n" + STARS + b"     *         Log file       *\n" + STARS + b"\n\n"
+TRAILER = b"\n\n" + STARS[:-3] + b"\n     *  End of TX log file  *\n" + STARS[:-3] + b"\n"
+
+
+def number(bytes_):
+    return struct.unpack("<i", bytes_.ljust(4, b"\0"))[0]
+
+
+def counted(text):
+    return struct.pack("<i", len(text)) + text
 
 
 def field(key):
     return struct.pack("<ii", len(key), 61) + key.ljust(61, b"\0")
+
+
+def dbs(keys):
+    return (counted(b"TX-DBS-v1.0") + b"TGFLD" + struct.pack("<ii", 28, 0) + b"TGENT" +
+            struct.pack("<ii", 41 + 69 * len(keys), len(keys)) + b"".join(map(field, keys)))
 
 
 def text(name, bytes_):
@@ -34,25 +63,24 @@ def order(name):
 
 def find(directory, name):
     """The entry of that name, else the first that equals it ignoring case, else None."""
-    names = sorted(os.listdir(directory), key=order) if os.path.isdir(directory) else []
+    names = sorted(os.listdir(directory), key=order) if directory and os.path.isdir(directory) else []
     same = [entry for entry in names if os.fsencode(entry).lower() == os.fsencode(name).lower()]
     return os.path.join(directory, name if name in same else same[0]) if same else None
 
 
-def search(directory, extension, kind=os.path.isfile):
-    """The paths with that extension, less those that would be read twice."""
-    end = "." + extension
-    for name in sorted(os.listdir(directory), key=order) if directory else []:
-        path = os.path.join(directory, name)
-        if name.lower().endswith(end.lower()) and kind(path) and find(directory, name[:-len(end)] + end) == path:
-            yield path
+UNREAD = b"".join([b"??", b"?"])  # a text that could not be read, and no other text, is this very object
 
 
 class Stream:
-    def __init__(self, path):
-        with open(path, "rb") as file:
+    """A file with its path as the log shows it."""
+
+    def __init__(self, place, path, log):
+        with open(place, "rb") as file:
             self.data = file.read()
-        self.at, self.ended, self.end = 0, False, None
+        self.path, self.log, self.at, self.ended = path, log, 0, False
+
+    def error(self, form, *values):
+        self.log.append(b"Local error: TSXbinfile: " + form % values)
 
     def take(self, count):
         bytes_ = self.data[self.at:self.at + count]
@@ -62,16 +90,30 @@ class Stream:
 
     def integer(self):
         bytes_ = self.take(4)
-        return None if bytes_ is None else struct.unpack("<i", bytes_)[0]
+        return None if bytes_ is None else number(bytes_)
+
+    def count(self):
+        value = self.integer()
+        if value is None:
+            self.error(b"could not read int from %s", self.path)
+        return value or 0
 
     def string(self, capacity=300, wide=False):
-        length = self.integer()
+        first = self.integer()
+        length = first or 0
+        if length >= capacity:
+            self.error(b"length of string exceeded capacity (%d>=%d)", length, capacity)
+            length = capacity - 1
         width = (self.integer() or 0) if wide else 0
-        length = None if length is None else min(length, capacity - 1)
-        text = None if length is None or length < 0 else self.take(length)
-        if not self.ended:
-            self.take(max(0, width - max(0, length or 0)))
-        return b"???" if text is None else text.split(b"\0")[0]
+        text = None
+        if first is not None and length >= 0:
+            text = self.take(length) if length else b""
+        if width > max(0, length) and not self.ended:
+            self.take(width - max(0, length))
+        if text is None:
+            self.error(b"could not read string from %s (%d 0 %d)", self.path, first is not None, length)
+            return UNREAD
+        return text.split(b"\0")[0]
 
     def key(self):
         return self.string(61, True)
@@ -82,50 +124,75 @@ class Stream:
         if self.ended:
             return b""
         if frame[:2] != b"TG":
+            self.error(b"could not read tag from %s (--%s--) 1", self.path, frame.split(b"\0")[0])
             return None
-        self.end = self.integer()
+        self.end = number(self.data[self.at:self.at + 4])
+        self.whole = self.take(4) is not None
         self.body = self.at
         return frame[2:]
 
     def skip(self):
-        if self.end is None or 0 <= self.end < self.body:
+        if not self.whole or 0 <= self.end < self.body:
+            self.error(b"chunk end does not lead on in %s (%d)", self.path, self.end)
             return False
         if self.end >= 0:
             self.at, self.ended = self.end, False
         return True
 
 
-class DataFile:
-    def __init__(self, path, fileclass, addtype):
-        self.path, self.fileclass, self.addtype = path, fileclass, addtype
-        self.name = os.fsencode(os.path.basename(path))[:-4]
-        self.valid, self.type, self.fields = False, 0, 0
-        self.records = []  # key, type, offset
-        stream = Stream(path)
-        if stream.string(100) == CLASSES[fileclass][2]:
-            self.valid = self.walk(stream)
+class Record:
+    def __init__(self, key, kind, at, unread=False, changed=False):
+        self.key, self.kind, self.at, self.unread, self.changed = key, kind, at, unread, changed
 
-    def walk(self, stream):
-        typetag, recordtag = CLASSES[self.fileclass][3:5]
+
+class DataFile:
+    def __init__(self, database, fileclass, name):
+        self.database, self.fileclass, self.name = database, fileclass, name
+        row = CLASSES[fileclass]
+        self.path = b"%s/%s/%s.%s" % (database.shown, *map(os.fsencode, (row[0], name, row[1])))
+        self.valid = self.ondisk = self.unread = False
+        self.type, self.fields, self.records, self.type_unread = 0, 0, [], False
+        database.log.append(b"   found %s file '%s'" % (row[8].encode(), os.fsencode(name)))
+        stream = database.open(self.path)
+        if stream is None:
+            self.valid = fileclass == 0
+            self.unread = os.path.lexists(database.place(self.path))
+            if self.unread:
+                database.unreadable(database.name_of(self.path), "whole")
+        elif stream.string(100) == row[2]:
+            self.ondisk = True
+            self.valid = self.walk(stream, *row[3:5])
+        elif fileclass == 4:
+            database.log.append(b"Invalid file")
+        for record in self.records:
+            if record.unread:
+                database.unreadable(database.name_of(self.path), "record")
+
+    def walk(self, stream, typetag, recordtag):
         while not stream.ended:
             tag = stream.tag()
             if not tag:
                 return tag == b""
-            if self.fileclass == 0 and tag == b"FLD":
-                self.fields = stream.integer() or 0
+            if tag == typetag and self.fileclass == 0:
+                self.fields = stream.count()
                 self.pass_strings(stream)
             elif tag == typetag:
-                self.type = self.addtype(self.fileclass, stream.key())
+                self.type, self.type_unread = self.read_type(stream)
             elif tag == recordtag:
-                count = 1 if self.fileclass == 5 else stream.integer() or 0
+                count = 1 if self.fileclass == 5 else stream.count()
                 self.records = []
                 if not 1 <= count <= 1000:
+                    self.ondisk = False
                     return False
-                self.records = [self.record(stream) for _ in range(count)]
-            if tag not in (b"FLD", typetag, recordtag) or self.fileclass == 5:
-                if not stream.skip():
-                    return False
+                for _ in range(count):
+                    self.read_record(stream)
+            if (tag not in (typetag, recordtag) or self.fileclass == 5) and not stream.skip():
+                return False
         return True
+
+    def read_type(self, stream):
+        name = stream.key()
+        return self.database.addtype(self.fileclass, name), name is UNREAD
 
     def pass_strings(self, stream):
         for _ in range(self.fields):
@@ -133,105 +200,444 @@ class DataFile:
                 break
             stream.string()
 
-    def record(self, stream):
+    def read_record(self, stream):
         at, key = stream.at, stream.key()
-        kind = self.addtype(self.fileclass, stream.key()) if self.fileclass in (1, 5) else self.type
+        own = self.fileclass in (1, 5)
+        kind, type_unread = self.read_type(stream) if own else (self.type, self.type_unread)
         if self.fileclass == 5:
             self.type = kind
         for _ in range(CLASSES[self.fileclass][5]):
-            stream.integer()
+            stream.count()
         self.pass_strings(stream)
-        return key, kind, at
+        self.records.append(Record(key, kind, at, key is UNREAD or type_unread))
+        self.database.log.append(CLASSES[self.fileclass][9] + key + (b" | %d" % kind if self.fileclass else b""))
+
+    def save(self):
+        changed = [record for record in self.records if record.changed]
+        if not changed:
+            return
+        place = self.database.place(self.path)
+        if self.ondisk:
+            with open(place, "rb") as file:
+                data = bytearray(file.read())
+            for record in changed:
+                data.extend(bytes(max(0, record.at - len(data))))
+                data[record.at:record.at + 69] = field(record.key)
+        elif os.path.isdir(os.path.dirname(place)):
+            data = dbs([record.key for record in self.records])
+        else:
+            self.database.log.append(b"Local error: TSXbinfile: Could not open file " + self.path)
+            return
+        with open(place, "wb") as file:
+            file.write(data)
+        self.ondisk = True
+        for record in changed:
+            record.changed = False
+
+    def rename(self, record, key):
+        if not record.unread:
+            record.key, record.changed = key, True
+
+
+class Problem:
+    def __init__(self, kind, sub, message, name, index, about):
+        self.kind, self.sub, self.message, self.name, self.index = kind, sub, message, name, index
+        encoded = ("".join("%%%02x" % byte for byte in char.encode("utf-8", "surrogateescape")) if char < " " or
+                   char in "%\x7f" or "\ud800" <= char < "\ue000" else char for char in os.fsdecode(about))
+        self.id = WORDS[kind] + ":" + "".join(encoded)
+
+    def same(self, other):
+        return (self.kind, self.sub, self.name) == (other.kind, other.sub, other.name)
 
 
 class Database:
-    """The files and types, and the problems as (kind, sub-kind, name, position in the list)."""
+    """The tree at a place, which the texts show under another path.  Repairs change the tree."""
 
-    def __init__(self, root):
-        self.root, self.types = root, [(0, b"Database")]
-        self.files = [[DataFile(path, number, self.addtype) for path in search(find(root, row[0]), row[1])]
-                      for number, row in enumerate(CLASSES)]
-        self.problems = []
-        self.scan_side_files()
+    def __init__(self, root, shown_as):
+        self.root, self.shown, self.log = root, os.fsencode(shown_as), []
+        self.types, self.unread, self.looking = [], [], False  # name, weight, whether found by the last analysis
+        self.newtype(0, b"Database")
+        self.files = []
+        for fileclass, row in enumerate(CLASSES):
+            pattern = b"%s/%s/*.%s" % (self.shown, row[0].encode(), row[1].encode())
+            self.log.append(b"*** Scanning %s files at %s ***" % (row[7].encode(), pattern))
+            self.files.append([DataFile(self, fileclass, name[:-4]) for name in self.once(row[0], self.search(row[0], row[1]))])
         self.analyse()
 
+    def once(self, below, found):
+        """The names of plain files, each file under its first name."""
+        first = set()
+        for name in [name for name, is_file in found if is_file]:
+            path = self.place(b"%s/%s/%s" % (self.shown, below.encode(), os.fsencode(name)))
+            file = os.stat(path) if os.path.exists(path) else None
+            identity = (file.st_dev, file.st_ino) if file else path
+            if identity in first:
+                self.unreadable(self.name_of(self.shown + b"/" + below.encode()) + b"/" + os.fsencode(name), "told")
+            else:
+                first.add(identity)
+                yield name
+
+    def unreadable(self, name, weight):
+        """Notes what could not be read; a name once, but each of its records, and what is told of it alone."""
+        if weight in ("record", "told") or not self.is_unread(name):
+            self.log.append(b"   %s '%s': " % (b"passed over" if weight == "told" else b"could not read", name))
+            self.unread.append((name, weight, self.looking))
+
+    def is_unread(self, name):
+        return any(known == name and weight in ("part", "whole") for known, weight, _ in self.unread)
+
+    def lacks(self, *weights):
+        return any(weight in weights for _, weight, _ in self.unread)
+
+    def name_of(self, path):
+        return os.path.relpath(os.fsencode(self.place(path)), os.fsencode(self.root))
+
+    def place(self, path):
+        """Where a path that is shown stands, or would be made."""
+        found = self.root
+        for name in os.fsdecode(path[len(self.shown):].replace(b"\\", b"/")).split("/"):
+            if name not in ("", "."):
+                found = find(found, name) or os.path.join(found, name)
+        return found
+
+    def open(self, path):
+        place = self.place(path)
+        if os.path.isfile(place):
+            return Stream(place, path, self.log)
+        self.log.append(b"Local error: TSXbinfile: Could not open file " + path)
+        return None
+
+    def search(self, below, extension):
+        """The names with that extension, and whether each counts as a plain file."""
+        end, found = "." + extension, []
+        directory = self.place(self.shown + b"/" + below.encode())
+        for name in sorted(os.listdir(directory), key=order) if os.path.isdir(directory) else []:
+            path = os.path.join(directory, name)
+            if name.lower().endswith(end.lower()):
+                if find(directory, name[:-len(end)] + end) == path:
+                    plain = not os.path.isdir(path)
+                    found.append((name, plain or (not found and name[0] == ".")))
+                else:
+                    self.unreadable(os.path.relpath(os.fsencode(path), os.fsencode(self.root)), "told")
+        return found
+
+    def newtype(self, fileclass, name):
+        self.types.append((fileclass, name))
+        self.log.append(b">>>>>>>>>> Added new experiment type %d %s" % (fileclass, name))
+
     def addtype(self, fileclass, name):
-        for index, (number, known) in enumerate(self.types[1:], 1):
-            if number == fileclass and known.lower() == name.lower():
+        for index, (known_class, known) in enumerate(self.types[1:], 1):
+            if known_class == fileclass and known.lower() == name.lower():
                 return index
         if len(self.types) <= 200:
-            self.types.append((fileclass, name))
+            self.newtype(fileclass, name)
+        else:
+            self.unreadable(CLASSES[fileclass][0].encode() + b"/" + name, "whole")
         return len(self.types) - 1
 
-    def scan(self, directory, below, extension, header, raw):
-        for path in search(directory, extension):
-            stream = Stream(path)
-            sound = (stream.take(len(header)) if raw else stream.string(100)) == header
-            while sound and not stream.ended:
-                tag = stream.tag()
-                sound = tag is not None and (tag == b"" or stream.skip())
-            if not sound:
-                name = "%s/%s/%s" % (self.root, below, os.path.basename(path))
-                self.problems.append((7, 0, os.fsencode(name), 0))
+    def add(self, kind, sub, message, about=b"Database", name=b"", index=0):
+        message = message.encode() if isinstance(message, str) else message
+        self.problems.append(Problem(kind, sub, message, name, index, about))
+
+    def scan(self, below, extension, header, raw):
+        self.log.append(b"*** Scanning corrupt files at %s/%s/*.%s ***" % (self.shown, os.fsencode(below), extension.encode()))
+        for name, is_file in self.search(below, extension):
+            if not is_file:
+                continue
+            path = b"%s/%s/%s" % (self.shown, os.fsencode(below), os.fsencode(name))
+            self.log.append(b"   found file '%s'" % path)
+            damage = self.damage_of(path, header, raw)
+            if damage:
+                self.log.append(b"        ! corrupt: " + damage)
+                self.add(7, 0, b"The file '%s' is corrupted" % path, self.name_of(path), path)
+
+    def damage_of(self, path, header, raw):
+        stream = self.open(path)
+        if stream is None:
+            self.unreadable(self.name_of(path), "part")
+            return b"could not open"
+        if (stream.take(len(header)) if raw else stream.string(100)) != header:
+            return b"invalid header"
+        while not stream.ended:
+            tag = stream.tag()
+            if tag == b"":
+                break
+            if tag is None or not stream.skip():
+                return b"invalid tag"
+        return None
 
     def scan_side_files(self):
         for row in CLASSES[1:]:
-            self.scan(find(self.root, row[0]), row[0], "CNF", row[6], False)
-        self.scan(self.root, ".", "CMP", COMPARISON, True)
-        for library in search(find(self.root, "Library"), "LIB", os.path.isdir):
-            self.scan(library, "Library/" + os.path.basename(library), "CMP", COMPARISON, True)
-        for name in DIRECTORIES:
-            if not find(self.root, name):
-                self.problems.append((5, 1, os.fsencode(self.root + "\\" + name), 0))
+            self.scan(row[0], "CNF", row[6], False)
+        self.scan(".", "CMP", COMPARISON, True)
+        self.log.append(b"*** Scanning library directories at %s/Library/*.LIB ***" % self.shown)
+        for name, is_file in self.search("Library", "LIB"):
+            path = self.shown + b"/Library/" + os.fsencode(name)
+            if not is_file:
+                self.scan("Library/" + name, "CMP", COMPARISON, True)
+            elif not os.path.exists(self.place(path)):
+                self.unreadable(self.name_of(path), "part")
+        for name in [b""] + [b"\\" + name.encode() for name in DIRECTORIES]:
+            if not os.path.isdir(self.place(self.shown + name)):
+                path = self.shown + name
+                self.add(5, 1, b"Missing database directory '%s'" % path, self.name_of(path), path)
 
     def analyse(self):
-        for number, files in enumerate(self.files):
-            self.problems += [(6, number, file.name, i) for i, file in enumerate(files, 1) if not file.valid]
-        for number, files in enumerate(self.files):
+        self.problems = []
+        self.unread = [row for row in self.unread if not row[2]]
+        self.looking = True
+        self.scan_side_files()
+        self.looking = False
+        for sub, files in enumerate(self.files):
+            for index, file in enumerate(files, 1):
+                if not file.valid:
+                    name = os.fsencode(file.name)
+                    message = b"The %s file '%s' is corrupted" % (CLASSES[sub][11].encode(), name)
+                    self.add(6, sub, message if sub < 5 else "Unknown error", self.name_of(file.path), name, index)
+        for sub, files in enumerate(self.files):
             if any(file.valid and not file.records for file in files):
-                self.problems.append((1, number, b"", 0))
+                self.add(1, sub, "There are empty experiment file(s)     (Experiment class '%s')" % CLASSES[sub][10]
+                         if sub else "There are empty database file(s)", CLASSES[sub][0].encode())
         self.index()
         for kind in range(len(self.types)):
-            twice = [key for key in self.keys if self.count(key, kind) > 1]
-            if any(twice):
-                self.problems.append((2, kind, b"", 0))
-            if kind == 0 and b"" in twice:
-                self.problems.append((3, 0, b"", 0))
-        if any(self.orphan(key) for key in self.keys):
-            self.problems.append((4, 0, b"", 0))
-        self.wrong = [key for key in self.keys if self.orphan(key) or any(
-            self.count(key, kind) > 1 and (key or kind == 0) for kind in range(len(self.types)))]
+            if any(key and self.count(key, kind) > 1 for key in self.keys):
+                fileclass, name = self.types[kind]
+                self.add(2, kind, b"Some experiment entries have identical keys     (Experiment type '%s')" % name if kind else
+                         "Some database entries have identical keys", CLASSES[fileclass][0].encode() + b"/" + name if kind else
+                         b"Database")
+            if kind == 0 and self.count(b"", 0) > 1:
+                self.add(3, 0, "Some database entries have no keys")
+        if any(map(self.orphan, self.keys)):
+            self.add(4, 0, "Some experiment keys have no database entries")
+        self.visible = [key for key in self.keys if self.orphan(key) or any(
+            len(uses) > 1 and (key or kind == 0) for kind, uses in self.entries[key][1].items())]
 
     def index(self):
         self.entries = {}  # key in small letters: as first met, with its records by type
         for files in self.files:
             for file in files:
-                for number, (key, kind, _) in enumerate(file.records, 1) if file.valid else []:
-                    entry = self.entries.setdefault(key.lower(), (key, {}))
-                    entry[1].setdefault(kind, []).append((file, number))
+                for record in file.records if file.valid else []:
+                    self.use(record.key, record.kind, file, record)
         self.keys = sorted(self.entries)
 
+    def use(self, key, kind, file, record):
+        self.entries.setdefault(key.lower(), (key, {}))[1].setdefault(kind, []).append((file, record))
+
     def count(self, key, kind):
-        return len(self.entries[key][1].get(kind, []))
+        return len(self.entries.get(key.lower(), (b"", {}))[1].get(kind, []))
 
     def orphan(self, key):
         return bool(key) and self.count(key, 0) == 0
 
-    def valid_files(self):
-        return [file for files in self.files for file in files if file.valid]
+    def later(self, kind):
+        """Each later use of each key in a type, with the key."""
+        return [(key, use) for key in self.keys if key for use in self.entries[key][1].get(kind, [])[1:]]
 
-    def document(self, wanted=None):
-        """What a run that changes nothing has to say of it, with the keys that have something wrong."""
-        files = self.valid_files()
+    def name_anew(self, key, kind, file, record):
+        if record.unread:
+            return
+        suffixes = (b"/#%d" % n for n in range(2, 10 ** 6))
+        free = next(new for new in (key[:59 - len(suffix)] + suffix for suffix in suffixes) if not self.count(new, kind))
+        file.rename(record, free)
+        self.use(free, kind, file, record)
+
+    def solve(self, problem, command):
+        """Whether it succeeds.  An analysis has to follow."""
+        if 7002 <= command <= 7006 and self.lacks("whole"):
+            return False
+        if command == 7001:
+            empty = [file for file in self.files[problem.sub] if file.valid and not file.records]
+            gone = [file for file in empty if not file.unread and self.remove(file.path)]
+            self.files[problem.sub] = [file for file in self.files[problem.sub] if file not in gone]
+            return gone == empty
+        elif command in (7002, 7003):
+            for key, (file, record) in self.later(problem.sub):
+                if command == 7002:
+                    file.rename(record, b"")
+                else:
+                    self.name_anew(self.entries[key][0], problem.sub, file, record)
+        elif command == 7004:
+            for file, record in [(file, record) for file in self.files[0] for record in file.records if not record.key]:
+                self.name_anew(b"dbkey", 0, file, record)
+        elif command == 7005:
+            for key in filter(self.orphan, self.keys):
+                for file, record in sum(self.entries[key][1].values(), []):
+                    file.rename(record, b"")
+        elif command == 7006:
+            self.add_entries([key for key in self.keys if self.orphan(key) and any(
+                not record.unread for uses in self.entries[key][1].values() for _, record in uses)])
+        elif command == 7007:
+            return self.make_directory(problem.name)
+        elif command == 7008:
+            file = self.files[problem.sub][problem.index - 1]
+            if not file.unread and self.remove(file.path):
+                self.files[problem.sub].remove(file)
+                return True
+            return False
+        elif command == 7009:
+            return not self.is_unread(self.name_of(problem.name)) and self.remove(problem.name)
+        return True
+
+    def add_entries(self, keys):
+        for first in range(0, len(keys), 100):
+            taken = {file.name.lower() for file in self.files[0]}
+            names = ("DBSF%03d" % n for n in range(1, 10 ** 6))
+            folder = self.place(self.shown + b"/DBASE")
+            name = next(name for name in names if name.lower() not in taken and not find(folder, name + ".DBS"))
+            file = DataFile(self, 0, name)
+            file.records = [Record(self.entries[key][0], 0, -1, changed=True) for key in keys[first:first + 100]]
+            self.files[0].append(file)
+
+    def make_directory(self, path):
+        place = self.place(path)
+        if os.path.lexists(place) or not os.path.isdir(os.path.dirname(place)):
+            return False
+        os.mkdir(place)
+        return True
+
+    def remove(self, path):
+        place = self.place(path)
+        if not os.path.lexists(place) or stat.S_ISDIR(os.lstat(place).st_mode):
+            return False
+        os.remove(place)
+        return True
+
+    def change_key(self, key, kind, n, new, yes):
+        """True changed, None nothing to do, False refused."""
+        if n < 1 or n > self.count(key, kind):
+            return False
+        old = self.entries[key.lower()]
+        if new.lower() == key.lower():
+            return None
+        if self.count(new, kind) and not yes:
+            return False
+        file, record = old[1][kind][n - 1]
+        file.rename(record, new)
+        return True
+
+    def modified(self):
+        return any(record.changed for files in self.files for file in files for record in file.records)
+
+    def save(self):
+        for files in self.files:
+            for file in files:
+                file.save()
+
+
+def options_of(words):
+    parser = argparse.ArgumentParser(allow_abbrev=False)
+    for flag in "--all", "--preen", "--save", "--yes":
+        parser.add_argument(flag, action="store_true")
+    parser.add_argument("--entry")
+    for steps in "--solve", "--solve-all":
+        parser.add_argument(steps, action="append", dest="solve", default=[], type=lambda word, steps=steps: (
+            steps == "--solve-all", *word.rpartition(":")[::2]))
+    parser.add_argument("--change-key", nargs=4)
+    return parser.parse_known_args([os.fsdecode(word) for word in words])[0]
+
+
+class Run:
+    """What a run of txcheck with these options does to the tree, and what it has to say."""
+
+    def __init__(self, root, shown_as, words):
+        self.options = options_of(words)
+        self.database = Database(root, shown_as)
+        self.loaded = self.database.problems
+        self.found, self.failed, self.saved, self.solved = bool(self.loaded), False, False, []
+        steps = [lambda step=step: self.solve_step(*step) for step in self.options.solve]
+        steps += [step for wanted, step in [(self.options.preen, self.preen), (self.options.change_key, self.change_key),
+                                            (self.options.save, self.save)] if wanted]
+        self.failed = not all(step() for step in steps) or self.failed
+
+    def analyse(self):
+        self.database.analyse()
+        self.found = self.found or bool(self.database.problems)
+
+    def solve(self, problem, n):
+        row, command = self.database.problems.index(problem) + 1, SOLUTIONS[problem.kind][n - 1][0]
+        done = self.database.solve(problem, command)
+        self.solved.append({"row": row, "id": problem.id, "command": command, "result": int(done)})
+        if done:
+            self.analyse()
+        return done
+
+    def solve_step(self, is_all, what, n):
+        if is_all:
+            return self.solve_each(lambda p: int(n) if what in (WORDS[p.kind], str(p.kind)) else 0, False)
+        meant = self.loaded[int(what) - 1] if what.isdigit() else next(p for p in self.loaded if p.id == what)
+        for problem in self.database.problems:
+            if problem.same(meant):
+                return self.solve(problem, int(n))
+        self.solved.append({"row": int(what) if what.isdigit() else 0, "id": meant.id,
+                            "command": SOLUTIONS[meant.kind][int(n) - 1][0], "result": 2})
+        return True
+
+    def solve_each(self, choose, goes_on):
+        """Solves the first problem for which a solution is chosen, then looks at the new list from the top."""
+        taken, position = [], 0
+        while position < len(self.database.problems):
+            problem = self.database.problems[position]
+            n = choose(problem)
+            position += 1
+            if n and not any(map(problem.same, taken)):
+                taken.append(problem)
+                if self.solve(problem, n):
+                    position = 0
+                elif goes_on:
+                    self.failed = True
+                else:
+                    return False
+        return True
+
+    def preen(self):
+        folders = [row[0].lower() for row in CLASSES]
+        only_directories = any(p.kind == 5 and p.id.split(":")[1].lower() in folders for p in self.loaded)
+        return self.solve_each(lambda p: 0 if only_directories and p.kind != 5 else max(
+            [n for n, solution in enumerate(SOLUTIONS[p.kind], 1) if solution[2] == "safe"], default=0), True)
+
+    def change_key(self):
+        key, kind, n, new = self.options.change_key
+        done = self.database.change_key(os.fsencode(key), int(kind), int(n), os.fsencode(new), self.options.yes)
+        if done:
+            self.analyse()
+        return done is not False
+
+    def save(self):
+        self.database.save()
+        self.saved = not self.database.modified()
+        return self.saved
+
+    def status(self):
+        if self.failed or self.database.lacks("record", "part", "whole"):
+            return 8
+        return 4 if self.database.problems or self.database.modified() else int(self.found)
+
+    def log(self):
+        return HEAD + b"".join(line + b"\n" for line in self.database.log) + TRAILER
+
+    def document(self):
+        database, types = self.database, range(len(self.database.types))
+        files = [file for files in database.files for file in files if file.valid]
+        records = [record for file in files for record in file.records]
         found = {
-            **text("directory", os.fsencode(self.root)),
-            "problems": [{"kind": kind, "subkind": sub, **text("name", name), "fileindex": index}
-                         for kind, sub, name, index in self.problems],
-            "types": [{"index": i, "class": number, **text("name", name), "files": sum(f.type == i for f in files),
-                       "entries": sum(record[1] == i for f in files for record in f.records)}
-                      for i, (number, name) in enumerate(self.types)],
-            "keytotal": len(self.keys),
-            "keys": [{**text("key", self.entries[key][0]),
-                      "counts": [self.count(key, kind) for kind in range(len(self.types))]}
-                     for key in (self.wrong if wanted is None else wanted)]}
-        return found
+            **text("directory", database.shown),
+            "problems": [{"row": row, "id": p.id, "kind": p.kind, "subkind": p.sub, **text("name", p.name), "fileindex": p.index,
+                          **text("message", p.message), "solutions": [{"command": command, "label": label, "cost": cost}
+                                                                      for command, label, cost in SOLUTIONS[p.kind]]}
+                         for row, p in enumerate(database.problems, 1)],
+            "types": [{"index": i, "class": database.types[i][0], **text("name", database.types[i][1]),
+                       "files": sum(file.type == i for file in files),
+                       "entries": sum(record.kind == i for record in records)} for i in types],
+            "keytotal": len(database.keys),
+            "keys": [{**text("key", database.entries[key][0]), "counts": [database.count(key, i) for i in types]}
+                     for key in (database.keys if self.options.all else database.visible)]}
+        if self.options.entry is not None:
+            found["entry"] = self.entry(os.fsencode(self.options.entry))
+        return {**found, "solved": self.solved, "modified": int(database.modified()), "saved": int(self.saved),
+                "unread": [text("name", name) for name, _, _ in database.unread], "status": self.status()}
+
+    def entry(self, key):
+        stored, uses = self.database.entries.get(key.lower(), (key, {}))
+        return {**text("key", stored), "occurrences": [
+            {"type": kind, "class": file.fileclass, **text("file", os.fsencode(file.name)),
+             "record": file.records.index(record) + 1} for kind in sorted(uses) for file, record in uses[kind]]}

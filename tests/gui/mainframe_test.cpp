@@ -35,7 +35,7 @@ TEST_F(DesktopTest, ASolutionThatFailsBeepsAndLeavesTheList) {
     command(createkeyscommand);
     EXPECT_EQ(beeps, 4);
     EXPECT_EQ(::database->problemcount, before);
-    EXPECT_EQ(reports, Texts{"Error 48: Unable to create the directory 'ROOT\\bundles'"});
+    EXPECT_EQ(reports, Texts{"Error 48: Unable to create the directory '" + root.path() + "\\bundles'"});
     EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the wait cursor stays";
 }
 
