@@ -2,15 +2,32 @@
 // a test does not lean on the code that it tests.
 #pragma once
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
+
+// The child of a death test leaves by exit, without the destructors of its fixture: what it has made goes
+// here.
+struct Leftovers {
+    ~Leftovers() {
+        std::error_code ignored;
+        for (const std::string& directory : directories)
+            if (getpid() == maker) // and no copy of it
+                std::filesystem::remove_all(directory, ignored);
+    }
+    std::set<std::string> directories;
+    const pid_t maker = getpid();
+};
+inline Leftovers leftovers;
 
 // Made empty, and removed with all that is in it at the end.
 class TempDir {
@@ -20,12 +37,14 @@ public:
         if (mkdtemp(name.data()) == nullptr)
             throw std::runtime_error("no temporary directory");
         directory_ = name;
+        leftovers.directories.insert(name);
     }
     TempDir(const TempDir&) = delete;
     TempDir& operator=(const TempDir&) = delete;
     ~TempDir() {
         std::error_code ignored;
         std::filesystem::remove_all(directory_, ignored);
+        leftovers.directories.erase(directory_);
     }
 
     const std::string& path() const { return directory_; }
