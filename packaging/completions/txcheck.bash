@@ -15,7 +15,7 @@ _txcheck() {
     esac
     if [[ $cur == -* ]]; then
         COMPREPLY=($(compgen -W "--all --entry --solve --solve-all --preen --change-key --yes --save --plan --undo
-            --no-undo --undo-list --restore --log --no-lock --json --progress --no-progress --version --help" -- "$cur"))
+            --no-undo --undo-list --restore --log --no-lock --json --quiet --progress --no-progress --version --help" -- "$cur"))
     else
         _filedir -d
     fi
