@@ -1,31 +1,14 @@
 // txcheck: the checks and repairs of the tool without a window, for scripts, cron and remote machines.
 #include <iostream>
 
+#include "choice.h"
 #include "jsonreport.h"
 #include "options.h"
 #include "platform/system/standardstreams.h"
 #include "session.h"
-#include "settings/settings.h"
 #include "status.h"
 #include "textreport.h"
 #include "told.h"
-
-namespace {
-
-// The directory of the command line, or that of the current database; none if there is no such, which has
-// been told.
-std::optional<std::string> findDirectory(const Options& options) {
-    if (options.directory)
-        return options.directory;
-    DatabaseSettings settings;
-    const char* failure = readSettings(settings);
-    if (failure == nullptr)
-        return settings.databaseDirectory.c_str();
-    tell(std::string(failure) + ", or give the database directory on the command line");
-    return std::nullopt;
-}
-
-} // namespace
 
 int main(int argc, char** argv) {
     openStandardStreams();
@@ -33,7 +16,7 @@ int main(int argc, char** argv) {
     const std::optional<Options> options = parseOptions(argc, argv, status);
     if (!options)
         return status;
-    const std::optional<std::string> directory = findDirectory(*options);
+    const std::optional<std::string> directory = chooseDirectory(*options);
     if (!directory)
         return statusFailed;
     Session session(*options);

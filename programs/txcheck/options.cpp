@@ -43,6 +43,8 @@ struct Value {
 constexpr Value values[] = {
     {"DIRECTORY", &Options::directory, "",
      "The database directory; without it, the current database of the per-user settings"},
+    {"--database", &Options::database, "NAME", "The database of that name in the home directory"},
+    {"--home", &Options::home, "DIR", "The home directory, in place of that of the settings"},
     {"-e,--entry", &Options::entry, "KEY", "List every record that uses KEY"},
     {"--log", &Options::log, "DIR", "Write TXLOG.TXT into DIR"},
 };
@@ -187,6 +189,8 @@ void interpret(const CLI::App& app, const Words& words, Options& options) {
     if (words.progress && words.noProgress)
         refuse("--progress", "does not go with --no-progress");
     options.progress = words.progress || (!words.noProgress && isatty(STDERR_FILENO) == 1);
+    if (options.directory && (options.database || options.home))
+        refuse("DIRECTORY", "does not go with --database and --home");
     readSolveSteps(app, words, options);
     if (options.entry)
         options.entry = readKey("--entry", *options.entry);

@@ -24,6 +24,8 @@ struct ChangeKeyStep {
 
 struct Options {
     std::optional<std::string> directory; // none: the current database of the settings
+    std::optional<std::string> home;      // in place of that of the settings
+    std::optional<std::string> database;  // a database of the home directory, by name
     bool all = false;
     std::optional<std::string> entry;
     std::vector<SolveStep> solve; // in the order given

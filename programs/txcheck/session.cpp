@@ -2,13 +2,12 @@
 
 #include <algorithm>
 
-#include "model/datafile.h"
-#include "model/fileclass.h"
 #include "model/marker.h"
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
 #include "platform/system/filesearch.h"
 #include "platform/system/messagebox.h"
+#include "progress.h"
 #include "reporting/log.h"
 #include "reporting/report.h"
 #include "status.h"
@@ -31,8 +30,6 @@ Session::Session(const Options& given) : database(""), steps(database, given), o
     setReport([this](const char* text, const char* title, std::uint32_t flags) {
         return answer(text, title, flags);
     });
-    if (options.progress)
-        database.fileread = [this](const TSXdatafile& file) { showProgress(file); };
 }
 
 Session::~Session() {
@@ -65,7 +62,11 @@ bool Session::open(const std::string& directory) {
     if (directory.size() >= decltype(database.directory)::capacity())
         return refuse("The path of the database directory is too long: it has at most " +
                       std::to_string(decltype(database.directory)::capacity() - 1) + " bytes");
-    if (!readable(directory) || (!options.noLock && !hold(directory)))
+    if (!readable(directory))
+        return false;
+    if (!isDatabase(directory.c_str()))
+        return refuse(noDatabaseText(directory.c_str()));
+    if (!options.noLock && !hold(directory))
         return false;
     if (hasConnectedDatabase(directory.c_str()) == 1)
         tell(std::string("Warning: ") + connectedDatabaseText + " It goes on");
@@ -79,9 +80,8 @@ bool Session::hold(const std::string& directory) {
     marker = openMarker(directory.c_str());
     if (marker != INVALID_HANDLE_VALUE)
         return true;
-    const bool elsewhere = GetLastError() == ERROR_SHARING_VIOLATION;
-    return refuse(directory + "/open_db.txf: " + inOneLine(lockFailureText()) +
-                  (elsewhere ? "" : ". --no-lock checks a database on a medium that can't be written"));
+    const std::string advice = lockAdvice(directory.c_str());
+    return refuse(directory + "/open_db.txf: " + inOneLine(lockFailureText() + advice));
 }
 
 // What lies below a directory that can't be read is unknown as a whole; no marker is made there.
@@ -97,16 +97,6 @@ bool Session::readable(const std::string& directory) {
                   ": " + errorText(error) + "). Give one that is there and that you may read");
 }
 
-void Session::showProgress(const TSXdatafile& file) {
-    ++filesRead;
-    recordsRead += file.keycount;
-    if (filesRead % 16 == 1)
-        tellProgress(Text<100>()
-                         .format("Reading %-6s  %d files, %ld records ", fileclasses[file.classid].directory,
-                                 filesRead, recordsRead)
-                         .view());
-}
-
 // What an analysis can't read may come and go with each; every thing is told once.
 void Session::tellUnread() {
     for (const Unread& thing : database.unread)
@@ -116,6 +106,9 @@ void Session::tellUnread() {
 }
 
 void Session::run() {
+    if (options.progress)
+        database.fileread = [progress = Progress(database.directory.c_str())](
+                                const TSXdatafile& file) mutable { progress.show(file); };
     database.load(std::string(database.directory).c_str());
     endProgress();
     tellUnread();

@@ -33,7 +33,6 @@ private:
     bool hold(const std::string& directory);
     bool readable(const std::string& directory);
     int answer(const char* text, const char* title, std::uint32_t flags);
-    void showProgress(const TSXdatafile& file);
     void tellUnread();
     bool save();
     bool refuse(const std::string& text);
@@ -41,6 +40,4 @@ private:
     const Options& options;
     HANDLE marker = INVALID_HANDLE_VALUE;
     std::set<std::string> toldUnread;
-    int filesRead = 0;
-    long recordsRead = 0;
 };

@@ -2,10 +2,8 @@
 
 #include <set>
 
-#include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
-#include "platform/system/letters.h"
 #include "told.h"
 
 namespace {
@@ -17,13 +15,6 @@ SolvedStep record(const TSXproblem& problem, int row, std::string id, int number
             problem.solutionlabel(number),
             problem.message.c_str(),
             result};
-}
-
-bool isClassDirectory(std::string_view name) {
-    for (const FileClass& known : fileclasses)
-        if (equalIgnoringCase(name, known.directory))
-            return true;
-    return false;
 }
 
 } // namespace
@@ -40,13 +31,8 @@ bool Steps::refuse(const std::string& text) {
 
 void Steps::noteLoaded() {
     found = database.problemcount > 0;
-    for (int row = 1; row <= database.problemcount; ++row) {
-        const TSXproblem& problem = *database.getproblem(row);
-        if (problem.kind == missingdirectory && isClassDirectory(database.diskname(problem.name.view())))
-            onlyDirectories = true;
-        if (!options.solve.empty())
-            loaded.push_back({known(problem), problem.id()});
-    }
+    for (int row = 1; row <= database.problemcount && !options.solve.empty(); ++row)
+        loaded.push_back({known(*database.getproblem(row)), database.getproblem(row)->id()});
 }
 
 std::vector<Steps::Step> Steps::listSteps(const std::function<bool()>& save) {
@@ -173,7 +159,7 @@ bool Steps::preen() {
         int number = problem.solutioncount();
         while (number > 0 && problem.solutioncost(number) != Cost::safe)
             --number;
-        return onlyDirectories && problem.kind != missingdirectory ? 0 : number;
+        return database.directorymissing() && problem.kind != missingdirectory ? 0 : number;
     };
     return solveEach(safe, "--preen", true);
 }

@@ -66,6 +66,5 @@ private:
 
     TSXdatabase& database;
     const Options& options;
-    std::vector<Loaded> loaded;   // the rows after the load, from 0; only where a step speaks of one
-    bool onlyDirectories = false; // a directory of data files was missing at the load
+    std::vector<Loaded> loaded; // the rows after the load, from 0; only where a step speaks of one
 };

@@ -29,18 +29,13 @@ std::string quoted(const std::string& text) {
     return "'" + text + "'";
 }
 
-std::string reasonOf(std::uint32_t error) {
-    const std::string text = FormatMessageA(error);
-    return text.substr(0, text.find_first_of("\r\n"));
-}
-
 // The directory's absolute path, without a separator at its end; empty, with the reason, if it is no
 // directory or its path can't stand in the settings.
 std::string absoluteDirectory(const std::string& directory, std::string& reason) {
     std::error_code error;
     const std::filesystem::path path = std::filesystem::canonical(resolvePath(directory), error);
     if (error || !std::filesystem::is_directory(path, error))
-        reason = "There is no directory " + quoted(directory);
+        reason = "There is no directory " + quoted(directory) + " that can be entered";
     else if (path.string().size() > maxsettingsline)
         reason = "The path of the directory is too long: it has at most " + std::to_string(maxsettingsline) +
                  " bytes";
@@ -93,7 +88,8 @@ std::string chooseDatabase(const std::string& home, const std::string& name) {
         return "No home directory is chosen yet";
     DatabaseSettings settings = settingsOf(home, name);
     if (name.empty() || readDatabaseFile(settings) == 0)
-        return "There is no database " + quoted(name) + " in the home directory " + quoted(home);
+        return "There is no database " + quoted(name) + " in the home directory " + quoted(home) + ": " +
+               quoted(databaseFilePath(settings)) + " can't be read. " + errorText(GetLastError());
     return writeStore(settings);
 }
 
@@ -112,7 +108,7 @@ std::string addDatabase(const std::string& home, const std::string& name, const 
     if (writeDatabaseFile(settings) == 1)
         return {};
     return "The settings of the database can't be written in " + quoted(home) + ". " +
-           reasonOf(GetLastError());
+           errorText(GetLastError());
 }
 
 std::string startInspecting() {
@@ -120,5 +116,5 @@ std::string startInspecting() {
     const int result = WinExec("txinspect");
     if (result >= started)
         return {};
-    return "The program txinspect can't be started. " + reasonOf(static_cast<std::uint32_t>(result));
+    return "The program txinspect can't be started. " + errorText(static_cast<std::uint32_t>(result));
 }

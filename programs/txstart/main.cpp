@@ -5,6 +5,7 @@
 #include "choices.h"
 #include "options.h"
 #include "platform/system/standardstreams.h"
+#include "reporting/printable.h"
 #include "startwindow.h"
 
 namespace {
@@ -43,6 +44,6 @@ int main(int argc, char** argv) {
     const std::string reason = carryOut(*options);
     if (reason.empty())
         return statusDone;
-    std::fprintf(stderr, "txstart: %s\n", reason.c_str());
+    std::fprintf(stderr, "txstart: %s\n", printable(reason).c_str());
     return statusFailed;
 }

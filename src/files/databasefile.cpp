@@ -7,10 +7,6 @@
 
 namespace {
 
-std::string databaseFilePath(const DatabaseSettings& settings) {
-    return std::string(settings.homeDirectory) + "\\" + settings.currentDatabase.c_str() + ".dbs";
-}
-
 // Reads one line and cuts it at its first carriage return or line feed. At the end of the file the line is
 // left as it is. False if the line was longer than what was read of it, as far as that can be seen.
 bool readLine(ByteStream& stream, std::string& line) {
@@ -53,6 +49,10 @@ void readSections(ByteStream& stream, DatabaseSettings& settings) {
 }
 
 } // namespace
+
+std::string databaseFilePath(const DatabaseSettings& settings) {
+    return std::string(settings.homeDirectory) + "/" + settings.currentDatabase.c_str() + ".dbs";
+}
 
 int readDatabaseFile(DatabaseSettings& settings) {
     ByteStream stream;

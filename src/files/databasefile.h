@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 #include "platform/system/text.h"
 
@@ -16,7 +17,10 @@ struct DatabaseSettings {
     std::int32_t backgroundColour[3] = {192, 192, 192}; // red, green, blue; read by nothing
 };
 
-// Reads the settings file of that database. 1, or 0 if it can't be opened or read.
+std::string databaseFilePath(const DatabaseSettings& settings);
+
+// Reads the settings file of that database. 1, or 0 if it can't be opened or read;
+// GetLastError then tells why.
 int readDatabaseFile(DatabaseSettings& settings);
 
 // Makes or replaces the settings file of that database with its directory and its colour. 1, or 0 if it can't

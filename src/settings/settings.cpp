@@ -47,9 +47,3 @@ int writeSettingsStore(const DatabaseSettings& settings) {
     RegCloseKey(key);
     return result;
 }
-
-const char* readSettings(DatabaseSettings& settings) {
-    if (readSettingsStore(settings) == 0)
-        return notStartedText;
-    return readDatabaseFile(settings) == 0 ? noValidDatabaseText : nullptr;
-}

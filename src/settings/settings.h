@@ -11,8 +11,5 @@ int readSettingsStore(DatabaseSettings& settings);
 // be written.
 int writeSettingsStore(const DatabaseSettings& settings);
 
-// Reads both, the store and then the settings file; none on success, else what to tell the person.
-const char* readSettings(DatabaseSettings& settings);
-
 extern const char* const notStartedText;      // the settings store lacks a value
 extern const char* const noValidDatabaseText; // the settings file can't be opened

@@ -43,7 +43,7 @@ TEST_F(StartTest, SettingsComeBackAsTheyWereWritten) {
     settings.backgroundColour[2] = -7;
     choose();
     DatabaseSettings read;
-    EXPECT_EQ(readSettings(read), nullptr);
+    EXPECT_EQ(readSettingsStore(read) + readDatabaseFile(read), 2);
     EXPECT_EQ(read.homeDirectory.view(), settings.homeDirectory.view());
     EXPECT_EQ(read.currentDatabase.view(), settings.currentDatabase.view());
     EXPECT_EQ(read.databaseDirectory.view(), settings.databaseDirectory.view());

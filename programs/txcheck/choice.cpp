@@ -1,0 +1,34 @@
+#include "choice.h"
+
+#include "platform/system/errors.h"
+#include "settings/settings.h"
+#include "told.h"
+
+namespace {
+
+std::nullopt_t refuse(const std::string& text) {
+    tell(text);
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::string> chooseDirectory(const Options& options) {
+    if (options.directory)
+        return options.directory;
+    DatabaseSettings settings;
+    readSettingsStore(settings);
+    if (options.home)
+        settings.homeDirectory = options.home->c_str();
+    if (options.database)
+        settings.currentDatabase = options.database->c_str();
+    if (settings.homeDirectory.empty() || settings.currentDatabase.empty())
+        return refuse(std::string(notStartedText) +
+                      ", or give the database directory, or --home and --database, on the command line");
+    if (readDatabaseFile(settings) == 0)
+        return refuse(databaseFilePath(settings) + ": " + noValidDatabaseText +
+                      ", the settings file can't be read (" + errorText(GetLastError()) + ")");
+    if (settings.databaseDirectory.empty())
+        return refuse(databaseFilePath(settings) + ": the settings file names no directory below [DIR]");
+    return settings.databaseDirectory.c_str();
+}

@@ -1,0 +1,35 @@
+#include "progress.h"
+
+#include <algorithm>
+
+#include "model/datafile.h"
+#include "model/fileclass.h"
+#include "platform/system/letters.h"
+#include "platform/system/path.h"
+#include "told.h"
+
+namespace {
+
+bool hasExtension(const std::string& name, const char* extension) {
+    const std::string end = std::string(".") + extension;
+    return name.size() >= end.size() && equalIgnoringCase(name.substr(name.size() - end.size()), end);
+}
+
+} // namespace
+
+Progress::Progress(const std::string& directory) {
+    for (const FileClass& format : fileclasses)
+        for (const std::string& name : directoryEntries(directory + '/' + format.directory))
+            total += hasExtension(name, format.extension) ? 1 : 0;
+}
+
+void Progress::show(const TSXdatafile& file) {
+    ++files;
+    records += file.keycount;
+    const long percent = 100 * files / std::max(total, files);
+    if (files % 16 == 1)
+        tellProgress(Text<100>()
+                         .format("Reading %-6s %3ld %%  %ld files, %ld records ",
+                                 fileclasses[file.classid].directory, percent, files, records)
+                         .view());
+}
