@@ -27,7 +27,8 @@ inline std::string counted(const std::string& text) {
     return integer(text.size()) + text;
 }
 
-inline std::string field(const std::string& text) {
+inline std::string field(std::string_view key) {
+    const std::string text(key);
     return integer(text.size()) + integer(61) + text + std::string(61 - text.size(), '\0');
 }
 

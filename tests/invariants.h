@@ -21,13 +21,13 @@ inline std::string analysisText(const TSXdatabase& database) {
     for (int i = 0; i <= database.lasttype; ++i)
         text += std::to_string(database.gettype(i)->entrycount) + "\n";
     for (int i = 1; i <= database.visiblecount; ++i)
-        text += database.getvisiblekey(i)->key + "\n";
+        text.append(database.getvisiblekey(i)->key).append("\n");
     return text;
 }
 
 inline bool soundTable(const TSXdatafile& file) {
     const auto size = static_cast<std::size_t>(file.keycount) + 1;
-    const auto isKey = [](const std::string& key) {
+    const auto isKey = [](std::string_view key) {
         return key.size() <= 60 && key.find('\0') == std::string::npos;
     };
     const auto isType = [&](std::int32_t type) { return type >= 0 && type <= file.database.lasttype; };
@@ -49,8 +49,8 @@ inline bool soundFlags(const TSXdatafile& file) {
 inline int heightOf(const TSXkeyentry* entry) {
     if (entry == nullptr)
         return 0;
-    const int left = heightOf(entry->left.get());
-    const int right = heightOf(entry->right.get());
+    const int left = heightOf(entry->left);
+    const int right = heightOf(entry->right);
     const bool sound =
         left >= 0 && right >= 0 && std::abs(right - left) <= 1 && entry->balance == right - left;
     return sound ? std::max(left, right) + 1 : -1;
@@ -66,13 +66,12 @@ inline const char* brokenRule(TSXdatabase& database) {
                 return soundTable(file) ? "the flags of a file agree" : "the table of a file agrees";
             indexed += file.valid == 1 ? file.keycount : 0;
         }
-    if (heightOf(database.keytree.root.get()) < 0 || database.lasttype > maxtypes)
+    if (heightOf(database.keytree.root) < 0 || database.lasttype > maxtypes)
         return "the key tree is balanced, and there are at most 200 types";
     for (std::size_t i = 1; i < database.keyarray.size(); ++i) {
         if (i > 1 && compareIgnoringCase(database.keyarray[i - 1]->key, database.keyarray[i]->key) >= 0)
             return "keys ascend";
-        for (const auto& list : database.keyarray[i]->lists)
-            indexed -= static_cast<long>(list.records.size());
+        indexed -= static_cast<long>(database.keyarray[i]->records().size());
     }
     if (indexed != 0)
         return "each record of a valid file is indexed once";

@@ -55,8 +55,8 @@ Json key(const TSXkeyentry& entry, int lasttype) {
     return object;
 }
 
-Json record(const Occurrence& occurrence, int type) {
-    Json object = {{"type", type}, {"class", occurrence.file->classid}};
+Json record(const Occurrence& occurrence) {
+    Json object = {{"type", occurrence.type}, {"class", occurrence.file->classid}};
     put(object, "file", occurrence.file->name.view());
     object["record"] = occurrence.record;
     return object;
@@ -66,9 +66,8 @@ Json entry(const TSXdatabase& database, const std::string& wanted) {
     const TSXkeyentry* found = database.keytree.find(wanted);
     Json occurrences = Json::array();
     if (found != nullptr)
-        for (const TSXkeyentry::TypeList& list : found->lists)
-            for (const Occurrence& occurrence : list.records)
-                occurrences.push_back(record(occurrence, list.type));
+        for (const Occurrence& occurrence : found->records())
+            occurrences.push_back(record(occurrence));
     Json object;
     put(object, "key", occurrences.empty() ? wanted : found->key);
     object["occurrences"] = occurrences;

@@ -123,32 +123,30 @@ void writeKeys(Page& page, const TSXdatabase& database, bool all) {
     for (int i = 1; i <= database.visiblecount; ++i) {
         const TSXkeyentry& entry = *database.getvisiblekey(i);
         std::string uses;
-        for (const TSXkeyentry::TypeList& list : entry.lists)
-            if (!list.records.empty())
-                uses += (uses.empty() ? "" : " ") + std::to_string(list.type) + ':' +
-                        std::to_string(list.records.size());
+        entry.foreachlist([&](std::span<const Occurrence> list) {
+            uses += (uses.empty() ? "" : " ") + std::to_string(list.front().type) + ':' +
+                    std::to_string(list.size());
+        });
         page.line(keyWidth, "  " + shownKey(entry.key), uses);
     }
 }
 
 void writeEntry(Page& page, const TSXdatabase& database, const std::string& wanted) {
     const TSXkeyentry* entry = database.keytree.find(wanted);
-    long total = 0;
-    if (entry != nullptr)
-        for (const TSXkeyentry::TypeList& list : entry->lists)
-            total += static_cast<long>(list.records.size());
+    const long total = entry != nullptr ? static_cast<long>(entry->records().size()) : 0;
     page.heading("Entry " + shownKey(total > 0 ? entry->key : wanted) + ", used by " +
                  counted(total, "record", "records"));
     if (total == 0)
         return;
     page.line("", "   Type      N  Record  File");
-    for (const TSXkeyentry::TypeList& list : entry->lists)
-        for (std::size_t n = 0; n < list.records.size(); ++n) {
-            const TSXdatafile& file = *list.records[n].file;
-            page.line(rightAligned(list.type, 7) + rightAligned(static_cast<long>(n) + 1, 7) +
-                          rightAligned(list.records[n].record, 8) + "  ",
+    entry->foreachlist([&](std::span<const Occurrence> list) {
+        for (std::size_t n = 0; n < list.size(); ++n) {
+            const TSXdatafile& file = *list[n].file;
+            page.line(rightAligned(list[n].type, 7) + rightAligned(static_cast<long>(n) + 1, 7) +
+                          rightAligned(list[n].record, 8) + "  ",
                       std::string(fileclasses[file.classid].directory) + '/' + printable(file.name.view()));
         }
+    });
 }
 
 void writeTold(Page& page) {

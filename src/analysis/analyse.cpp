@@ -29,25 +29,19 @@ void TSXdatabase::analyse() {
 }
 
 void TSXdatabase::indexfiles() {
-    keytree.clear();
     for (const auto& list : lists)
         for (std::size_t i = 1; i < list->files.size(); ++i)
             if (list->files[i]->valid != 0)
-                indexfile(*list->files[i]);
+                countfile(*list->files[i]);
+    keytree.build();
     keytotal = 0;
     keytree.flatten();
-    for (std::size_t i = 1; i < keyarray.size(); ++i)
-        keyarray[i]->shown = 0;
 }
 
-void TSXdatabase::indexfile(TSXdatafile& file) {
+void TSXdatabase::countfile(const TSXdatafile& file) {
     ++gettype(file.typeid_)->filecount;
-    for (std::int32_t r = 1; r <= file.keycount; ++r) {
-        const auto record = static_cast<std::size_t>(r);
-        const std::int32_t type = file.keytypes[record];
-        ++gettype(type)->entrycount;
-        keytree.findoradd(file.keys[record]).addoccurrence(type, file, r);
-    }
+    for (std::int32_t r = 1; r <= file.keycount; ++r)
+        ++gettype(file.keytypes[static_cast<std::size_t>(r)])->entrycount;
 }
 
 // One walk over the keys serves all types. An empty key that several experiments share is no fault: it stands
@@ -57,15 +51,16 @@ void TSXdatabase::findduplicates() {
     bool blank = false;
     for (std::size_t i = 1; i < keyarray.size(); ++i) {
         TSXkeyentry& entry = *keyarray[i];
-        for (const TSXkeyentry::TypeList& list : entry.lists) {
-            if (list.records.size() < 2 || (entry.key.empty() && list.type != 0))
-                continue;
+        entry.foreachlist([&](std::span<const Occurrence> list) {
+            const std::int32_t type = list.front().type;
+            if (list.size() < 2 || (entry.key.empty() && type != 0))
+                return;
             entry.shown = 1;
             if (entry.key.empty())
                 blank = true;
             else
-                named[static_cast<std::size_t>(list.type)] = true;
-        }
+                named[static_cast<std::size_t>(type)] = true;
+        });
     }
     for (std::int32_t type = 0; type <= lasttype; ++type) {
         if (named[static_cast<std::size_t>(type)])

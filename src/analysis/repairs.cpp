@@ -125,9 +125,8 @@ void TSXdatabase::removeexperimentkeys() {
     for (std::size_t i = 1; i < keyarray.size(); ++i) {
         if (!keyarray[i]->isorphan())
             continue;
-        for (const TSXkeyentry::TypeList& list : keyarray[i]->lists)
-            for (const Occurrence& occurrence : list.records)
-                occurrence.file->clearkey(occurrence.record);
+        for (const Occurrence& occurrence : keyarray[i]->records())
+            occurrence.file->clearkey(occurrence.record);
     }
 }
 
@@ -144,7 +143,7 @@ void TSXdatabase::adddatabaseentries() {
                 return; // the keys that are left stay a problem, which the next analysis tells
             current = list.files[static_cast<std::size_t>(position)].get();
         }
-        current->addentry(keyarray[i]->key.c_str());
+        current->addentry(keyarray[i]->key.data());
     }
 }
 

@@ -14,6 +14,7 @@
 #include "model/change.h"
 #include "model/filelist.h"
 #include "model/keytree.h"
+#include "model/textstore.h"
 #include "model/unread.h"
 #include "platform/system/cobject.h"
 #include "platform/system/text.h"
@@ -38,8 +39,8 @@ public:
     // The index of the type of that name, ignoring case, in that class, made if missing. With 200 types
     // there, the last.
     int addexptype(int fileclass, const char* name);
-    TSXexptype* gettype(int index) const;        // none unless index is from 0 to lasttype
-    TSXkeyentry* getvisiblekey(int index) const; // none unless index is from 1 to visiblecount
+    TSXexptype* gettype(int index) const;            // none unless index is from 0 to lasttype
+    TSXkeyentry* getvisiblekey(int index) const;     // none unless index is from 1 to visiblecount
     TSXkeyentry& findoraddkey(std::string_view key); // a new one goes to the end of both key arrays
 
     // Problems, from 1 to problemcount.
@@ -94,6 +95,7 @@ public:
     int ismodified() const; // 1 if any record differs from the disk, else 0
     void saveall();         // writes every changed key to disk, and asks the system to put it there
 
+    TextStore keytexts; // the keys of all data files, also those that were changed since
     Text<600> datapath;
     Text<600> directory; // every path of the tree starts from it
     std::int32_t lastlist = 0;
@@ -129,7 +131,7 @@ private:
     void scanlibraries();
     void checkdirectories();
     void indexfiles();
-    void indexfile(TSXdatafile& file);
+    void countfile(const TSXdatafile& file);
     void findduplicates();
     void findorphans();
     void showmarked();

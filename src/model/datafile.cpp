@@ -25,7 +25,7 @@ void TSXdatafile::setkey(int i, const char* text) {
     if (i < 1 || i > keycount || isunread(i))
         return;
     const auto record = static_cast<std::size_t>(i);
-    keys[record] = text;
+    keys[record] = database.keytexts.keep(text);
     keydirty[record] = 1;
 }
 
@@ -70,7 +70,7 @@ void TSXdatafile::writeback() {
     for (std::size_t i = 1; i < keys.size(); ++i) {
         if (keydirty[i] != 1 || keypos[i] <= 0 || file.seek(keypos[i]) != 0)
             continue;
-        file.writefield(keys[i].c_str(), keycapacity);
+        file.writefield(keys[i].data(), keycapacity);
         keydirty[i] = 0;
     }
     file.close();
@@ -164,4 +164,11 @@ void TSXdatafile::maketable(std::int32_t count) {
     keypos.assign(size, 0);
     keydirty.assign(size, 0);
     keyreading.assign(size, Reading::good);
+}
+
+void TSXdatafile::readkey(TSXbinfile& file, std::size_t i) {
+    std::string key;
+    keypos[i] = file.tell();
+    keyreading[i] = readkeyfield(file, key);
+    keys[i] = database.keytexts.keep(key);
 }

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/system/bytestream.h"
@@ -58,7 +59,7 @@ public:
     std::int32_t typeid_ = 0; // the file's own experiment type
     // The records, from 1 to keycount; slot 0 holds nothing. A record never leaves the table.
     std::int32_t keycount = 0;
-    std::vector<std::string> keys;      // a key may be empty
+    std::vector<std::string_view> keys; // kept by the database, each with a terminator; may be empty
     std::vector<std::int32_t> keytypes; // experiment type of each record
     std::vector<std::int32_t> keypos;   // offset of the key field; -1 for a record that is not on disk
     std::vector<std::int32_t> keydirty; // 1 if the key differs from the disk
@@ -83,4 +84,5 @@ protected:
     // Puts the file on the list of what is unread where the disk has failed, else each record that could not
     // be read.
     void notereading(const TSXbinfile& file);
+    void readkey(TSXbinfile& file, std::size_t i); // of record i, which stands here
 };

@@ -55,10 +55,9 @@ int TSXdbsfile::readentries(TSXbinfile& file) {
     if (readcount(file) == -1)
         return -1;
     for (std::size_t i = 1; i < keys.size(); ++i) {
-        keypos[i] = file.tell();
-        keyreading[i] = readkeyfield(file, keys[i]);
+        readkey(file, i);
         passstrings(file, fieldcount);
-        logLine(Text<100>().format("%s%s", fileclasses[classid].recordindent, keys[i].c_str()));
+        logLine(Text<100>().format("%s%s", fileclasses[classid].recordindent, keys[i].data()));
     }
     return 1;
 }
@@ -78,7 +77,7 @@ void TSXdbsfile::writewhole() {
     file.writeint(keycount);
     for (std::size_t i = 1; i < keys.size(); ++i) {
         keypos[i] = file.tell();
-        file.writefield(keys[i].c_str(), keycapacity);
+        file.writefield(keys[i].data(), keycapacity);
         keydirty[i] = 0;
     }
     file.endtag();

@@ -47,14 +47,14 @@ int TSXdeffile::readsinglerecord(TSXbinfile& file) {
 }
 
 void TSXdeffile::readrecord(TSXbinfile& file, std::size_t i) {
-    keypos[i] = file.tell();
-    const Reading keyread = readkeyfield(file, keys[i]);
+    readkey(file, i);
     Reading typeread = typereading;
     keytypes[i] = format.recordtypes ? readtype(file, typeread) : typeid_;
-    keyreading[i] = keyread != Reading::good ? keyread : typeread;
+    if (keyreading[i] == Reading::good)
+        keyreading[i] = typeread;
     for (int n = 0; n < format.recordintegers; ++n) {
         std::int32_t discarded;
         file.readint(discarded);
     }
-    logLine(Text<100>().format("%s%s | %d", format.recordindent, keys[i].c_str(), keytypes[i]));
+    logLine(Text<100>().format("%s%s | %d", format.recordindent, keys[i].data(), keytypes[i]));
 }

@@ -4,45 +4,40 @@
 
 #include "model/database.h"
 
-TSXkeyentry::TSXkeyentry(TSXdatabase& owner, std::string_view text)
-    : database(owner), key(text), lasttype(owner.lasttype) {}
+TSXkeyentry::TSXkeyentry(TSXdatabase& owner, std::string_view text, std::span<Occurrence> firstrecords)
+    : database(owner), key(text), lasttype(static_cast<std::int16_t>(owner.lasttype)),
+      first(firstrecords.data()), count(static_cast<std::uint32_t>(firstrecords.size())), room(count) {}
 
-std::size_t TSXkeyentry::placeof(int t) const {
-    const auto place = std::lower_bound(lists.begin(), lists.end(), t,
-                                        [](const TypeList& list, int type) { return list.type < type; });
-    return static_cast<std::size_t>(place - lists.begin());
+std::span<const Occurrence> TSXkeyentry::list(int t) const {
+    const auto [begin, end] = std::ranges::equal_range(records(), t, {}, &Occurrence::type);
+    return {begin, end};
 }
 
 void TSXkeyentry::addoccurrence(int t, TSXdatafile& file, int record) {
     if (t < 0 || t > lasttype)
         return;
-    const std::size_t place = placeof(t);
-    if (place == lists.size() || lists[place].type != t)
-        lists.insert(lists.begin() + static_cast<std::ptrdiff_t>(place), TypeList{t, {}});
-    lists[place].records.push_back({&file, record});
+    const auto place = list(t).end() - records().begin();
+    if (count == room) {
+        room = std::max(2 * room, std::uint32_t{1});
+        Occurrence* const larger = database.keytree.makerecords(room);
+        std::copy_n(first, count, larger);
+        first = larger;
+    }
+    std::copy_backward(first + place, first + count, first + count + 1);
+    first[place] = {&file, record, t};
+    ++count;
 }
 
 void TSXkeyentry::removeoccurrence(int t, int n) {
     if (n < 1 || n > occurrences(t))
         return;
-    auto& records = lists[placeof(t)].records;
-    records.erase(records.begin() + (n - 1));
-}
-
-int TSXkeyentry::occurrences(int t) const {
-    const std::size_t place = placeof(t);
-    return place < lists.size() && lists[place].type == t ? static_cast<int>(lists[place].records.size()) : 0;
+    Occurrence* const removed = first + (list(t).begin() - records().begin()) + (n - 1);
+    std::copy(removed + 1, first + count, removed);
+    --count;
 }
 
 Occurrence TSXkeyentry::occurrence(int t, int n) const {
     if (n < 1 || n > occurrences(t))
         return {};
-    return lists[placeof(t)].records[static_cast<std::size_t>(n - 1)];
-}
-
-bool TSXkeyentry::isorphan() const {
-    if (key.empty() || occurrences(0) > 0)
-        return false;
-    return std::any_of(lists.begin(), lists.end(),
-                       [](const TypeList& list) { return !list.records.empty(); });
+    return list(t)[static_cast<std::size_t>(n - 1)];
 }

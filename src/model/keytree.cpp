@@ -1,20 +1,23 @@
 #include "model/keytree.h"
 
+#include <algorithm>
+#include <bit>
+#include <new>
+
 #include "model/database.h"
 #include "model/keyentry.h"
+#include "model/keyrow.h"
 #include "platform/system/letters.h"
 
 TSXkeytree::TSXkeytree(TSXdatabase& owner) : database(owner) {}
 
-TSXkeytree::~TSXkeytree() = default;
-
 TSXkeyentry* TSXkeytree::find(std::string_view key) const {
-    TSXkeyentry* entry = root.get();
+    TSXkeyentry* entry = root;
     while (entry != nullptr) {
         const int order = compareIgnoringCase(key, entry->key);
         if (order == 0)
             break;
-        entry = (order < 0 ? entry->left : entry->right).get();
+        entry = order < 0 ? entry->left : entry->right;
     }
     return entry;
 }
@@ -27,8 +30,8 @@ TSXkeyentry& TSXkeytree::findoradd(std::string_view key) {
 
 // Insertion by balance factors. taller tells whether the subtree just visited has grown in height.
 TSXkeyentry& TSXkeytree::insert(Link& link, std::string_view key, bool& taller) {
-    if (!link) {
-        link = std::make_unique<TSXkeyentry>(database, key);
+    if (link == nullptr) {
+        link = new (allocate<TSXkeyentry>(1)) TSXkeyentry(database, database.keytexts.keep(key));
         taller = true;
         added = 1;
         return *link;
@@ -60,59 +63,98 @@ bool TSXkeytree::grow(Link& link, int side) {
 }
 
 void TSXkeytree::repairleft(Link& link) {
-    Link top = std::move(link);
-    Link child = std::move(top->left);
+    const Link top = link;
+    const Link child = top->left;
     if (child->balance == -1) {
-        top->left = std::move(child->right);
+        top->left = child->right;
         top->balance = 0;
-        child->right = std::move(top);
-        link = std::move(child);
+        child->right = top;
+        link = child;
         return;
     }
-    Link middle = std::move(child->right);
-    child->right = std::move(middle->left);
-    top->left = std::move(middle->right);
+    const Link middle = child->right;
+    child->right = middle->left;
+    top->left = middle->right;
     top->balance = middle->balance == -1 ? 1 : 0;
     child->balance = middle->balance == 1 ? -1 : 0;
-    middle->left = std::move(child);
-    middle->right = std::move(top);
-    link = std::move(middle);
+    middle->left = child;
+    middle->right = top;
+    link = middle;
 }
 
 void TSXkeytree::repairright(Link& link) {
-    Link top = std::move(link);
-    Link child = std::move(top->right);
+    const Link top = link;
+    const Link child = top->right;
     if (child->balance == 1) {
-        top->right = std::move(child->left);
+        top->right = child->left;
         top->balance = 0;
-        child->left = std::move(top);
-        link = std::move(child);
+        child->left = top;
+        link = child;
         return;
     }
-    Link middle = std::move(child->left);
-    child->left = std::move(middle->right);
-    top->right = std::move(middle->left);
+    const Link middle = child->left;
+    child->left = middle->right;
+    top->right = middle->left;
     top->balance = middle->balance == 1 ? -1 : 0;
     child->balance = middle->balance == -1 ? 1 : 0;
-    middle->right = std::move(child);
-    middle->left = std::move(top);
-    link = std::move(middle);
+    middle->right = child;
+    middle->left = top;
+    link = middle;
 }
 
+void TSXkeytree::build() {
+    clear();
+    const KeyRow row(database);
+    const auto isnew = [](const KeyRow::Record& record) { return !record.repeats; };
+    const auto keys = static_cast<std::size_t>(std::ranges::count_if(row.records, isnew));
+    TSXkeyentry* const entries = allocate<TSXkeyentry>(keys);
+    Occurrence* occurrence = makerecords(row.records.size());
+    TSXkeyentry* entry = entries;
+    for (auto record = row.records.begin(); record != row.records.end(); ++entry) {
+        const auto next = std::find_if(record + 1, row.records.end(), isnew);
+        const std::string_view key(record->key, record->length);
+        Occurrence* const first = occurrence;
+        for (; record != next; ++record)
+            *occurrence++ = {row.files[record->file], record->record, record->type};
+        std::ranges::stable_sort(first, occurrence, {}, &Occurrence::type);
+        new (entry) TSXkeyentry(database, key, {first, occurrence});
+    }
+    root = balanced(entries, keys);
+}
+
+// The tree of entries that stand in a row by their keys, as low as it can be.
+TSXkeyentry* TSXkeytree::balanced(TSXkeyentry* entries, std::size_t count) {
+    if (count == 0)
+        return nullptr;
+    const std::size_t before = count / 2;
+    const std::size_t behind = count - 1 - before;
+    TSXkeyentry* const middle = entries + before;
+    middle->left = balanced(entries, before);
+    middle->right = balanced(middle + 1, behind);
+    middle->balance = static_cast<std::int16_t>(std::bit_width(behind) - std::bit_width(before));
+    return middle;
+}
+
+// Nothing that stands in the arena needs its destructor.
 void TSXkeytree::clear() {
-    root.reset();
+    root = nullptr;
+    arena.release();
 }
 
 void TSXkeytree::flatten() {
     database.keyarray.resize(static_cast<std::size_t>(database.keytotal) + 1);
-    walk(root.get());
+    walk(root);
 }
 
 void TSXkeytree::walk(TSXkeyentry* entry) {
     if (entry == nullptr)
         return;
-    walk(entry->left.get());
+    walk(entry->left);
     ++database.keytotal;
     database.keyarray.push_back(entry);
-    walk(entry->right.get());
+    walk(entry->right);
+}
+
+Occurrence* TSXkeytree::makerecords(std::size_t count) {
+    return allocate<Occurrence>(count);
 }

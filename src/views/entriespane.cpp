@@ -15,12 +15,6 @@ constexpr int keyWidth = 250;
 constexpr int countWidth = 25;
 constexpr int margin = 3; // rows painted beyond the paint rectangle
 
-// The key stands in the index without a record, as a changed key leaves it behind.
-bool isBare(const TSXkeyentry& key) {
-    return std::all_of(key.lists.begin(), key.lists.end(),
-                       [](const TSXkeyentry::TypeList& list) { return list.records.empty(); });
-}
-
 void paintCount(CDC& dc, const RECT& cell, int count, bool marked) {
     dc.SelectObject(getFont(marked ? boldFont : plainFont));
     if (marked)
@@ -57,14 +51,15 @@ void TSXentriespane::paintPane(CDC& dc) {
 }
 
 void TSXentriespane::paintRow(CDC& dc, const TSXkeyentry& key, bool selected, int top, int width) {
-    const bool bare = isBare(key);
+    // Without a record a key stands in the index as a changed key leaves it behind.
+    const bool bare = key.records().empty();
     const COLORREF textColour = bare ? RGB(128, 128, 128) : RGB(0, 0, 0);
     RECT cell = {-hStep * hPos, top, -hStep * hPos + keyWidth, top + rowHeight};
     dc.SelectObject(getFont(plainFont));
     dc.SetBkColor(rowColour(selected));
     dc.SetTextColor(textColour);
     dc.SetTextAlign(TA_LEFT | TA_TOP);
-    paintCell(dc, cell.left + 2, cell, key.key.c_str());
+    paintCell(dc, cell.left + 2, cell, key.key.data());
     dc.SetTextAlign(TA_RIGHT | TA_TOP);
     for (int t = 0; t <= database->lasttype; ++t) {
         const int count = key.occurrences(t);

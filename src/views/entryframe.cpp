@@ -30,7 +30,7 @@ TSXentryframe::~TSXentryframe() {
 }
 
 void TSXentryframe::createEntryWindow() {
-    const std::string title = "Entry " + key.key;
+    const std::string title = "Entry " + std::string(key.key);
     Create(AfxRegisterWndClass(getBrush(darkBrush), LoadIconA(applicationIcon)), title.c_str(),
            RECT{120, 120, 650, 500}, &mainWindow, entryMenu);
     ShowWindow();
@@ -90,7 +90,7 @@ void TSXentryframe::changeKeyCommand() {
     }
     char text[limit + 1] = {};
     static_assert(maxkeylength < sizeof text);
-    std::strncpy(text, key.key.c_str(), limit);
+    std::strncpy(text, key.key.data(), limit);
     // Where the window has gone meanwhile the answer is 0, and nothing of it may be touched.
     if (promptForText(*this, "Change key", "Enter new key", text, limit) == 1)
         mainWindow.changeKey(key, selectedType, selectedOccurrence, text);

@@ -1,5 +1,8 @@
 #include "model/keytree.h"
 
+#include <random>
+#include <sstream>
+
 #include "databasetest.h"
 #include "invariants.h"
 
@@ -13,14 +16,28 @@ protected:
         for (const std::string& key : keys) {
             EXPECT_EQ(database->keytree.findoradd(key).key, key);
             EXPECT_EQ(database->keytree.added, 1);
-            EXPECT_GT(heightOf(database->keytree.root.get()), 0) << key;
+            EXPECT_GT(heightOf(database->keytree.root), 0) << key;
         }
+        Texts flat;
+        for (const TSXkeyentry* entry : flattened())
+            flat.emplace_back(entry->key);
+        return flat;
+    }
+    std::span<TSXkeyentry* const> flattened() {
         database->keytotal = 0;
         database->keytree.flatten();
-        Texts flat;
-        for (std::size_t i = 1; i < database->keyarray.size(); ++i)
-            flat.push_back(database->keyarray[i]->key);
-        return flat;
+        return std::span(database->keyarray).subspan(1);
+    }
+    std::string index() {
+        EXPECT_GE(heightOf(database->keytree.root), 0);
+        std::ostringstream text;
+        for (const TSXkeyentry* entry : flattened()) {
+            text << entry->key;
+            for (const Occurrence& use : entry->records())
+                text << ' ' << use.type << use.file->name << use.record;
+            text << '\n';
+        }
+        return text.str();
     }
 };
 
@@ -38,6 +55,28 @@ TEST_F(KeyTree, StaysBalancedAndSortedInAnyOrderOfInsertion) {
     EXPECT_EQ(&database->keytree.findoradd("aBC"), &entry);
     EXPECT_EQ(database->keytree.added, 0);
     EXPECT_EQ(entry.key, "Abc");
+}
+
+TEST_F(KeyTree, IsBuiltAsIfEachRecordWereAddedInTurn) {
+    database->addexptype(1, "type 1");
+    std::minstd_rand random(1);
+    for (Texts keys; keys.size() < 1000; newFile(keys)) {
+        keys.emplace_back(random() % 18, 'p');
+        for (auto size = random() % 6; size > 0; --size)
+            keys.back().push_back("aAbB[_\xff"[random() % 7]);
+    }
+    const auto& files = database->lists[0]->files;
+    for (std::size_t i = 1; i < files.size(); ++i)
+        for (std::int32_t& type : files[i]->keytypes)
+            type = static_cast<std::int32_t>(random() % 2);
+    database->keytree.build();
+    const std::string built = index();
+    database->keytree.clear();
+    for (std::size_t i = 1; i < files.size(); ++i)
+        for (std::size_t r = 1; r < files[i]->keys.size(); ++r)
+            database->keytree.findoradd(files[i]->keys[r])
+                .addoccurrence(files[i]->keytypes[r], *files[i], static_cast<int>(r));
+    EXPECT_EQ(index(), built);
 }
 
 TEST_F(KeyTree, OccurrencesKeepTheirOrder) {
