@@ -267,7 +267,7 @@ def solving(display, work):
             break
         expect(tool.solve_button() >= 0, "the tool has no problem left, the companion has")
         tool.solve_first()
-        steps += ["--solve", "1:%d" % len(problems[0]["solutions"])]
+        steps += ["--solve", "%s:%d" % (problems[0]["id"], len(problems[0]["solutions"]))]
     expect(tool.solve_button() == -1, "the tool has a problem left")
     tool.save()
     wait("the same tree as the companion's", lambda: contents(place.database) == contents(copy), 5)
