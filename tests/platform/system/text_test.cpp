@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/system/errors.h"
-#include "platform/system/letters.h"
 
 TEST(Text, CutsWhatDoesNotFitAndAlwaysEnds) {
     Text<6> text;
@@ -15,24 +14,6 @@ TEST(Text, CutsWhatDoesNotFitAndAlwaysEnds) {
     text = text.c_str() + 2; // a piece of itself
     EXPECT_STREQ(text, "345");
     EXPECT_STREQ(text.format("%s-%d", "ab", 123456), "ab-12");
-}
-
-TEST(Letters, CompareIgnoringTheCaseOfAsciiLettersOnly) {
-    const struct {
-        const char* a;
-        const char* b;
-        int order;
-    } cases[] = {
-        {"Abc", "aBC", 0}, {"a", "B", -1},  {"ab", "a", 1},       {"", "a", -1},
-        {"_", "A", -1},    {"[", "z", -1},  {"\xC4", "\xE4", -1}, {"z", "\x80", -1},
-        {"@", "`", -1},    {"a", "A ", -1}, {"\x7F", "\xFF", -1},
-    };
-    const auto sign = [](int number) { return (number > 0) - (number < 0); };
-    for (const auto& c : cases) {
-        EXPECT_EQ(sign(compareIgnoringCase(c.a, c.b)), c.order) << c.a << " " << c.b;
-        EXPECT_EQ(sign(compareIgnoringCase(c.b, c.a)), -c.order) << c.a << " " << c.b;
-        EXPECT_EQ(equalIgnoringCase(c.a, c.b), c.order == 0);
-    }
 }
 
 TEST(Errors, HaveTextsThatEndALine) {
