@@ -1,4 +1,4 @@
-// What must hold of an analysed database whatever its files hold. The fixtures, the hostile files and the
+// What must hold of an analysed database whatever its files hold. The tests of the key tree and the
 // fuzz targets test it.
 #pragma once
 

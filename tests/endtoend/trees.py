@@ -161,4 +161,4 @@ class Trees(ProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+    unittest.main(argv=sys.argv[:1], failfast=True)
