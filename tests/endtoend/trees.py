@@ -14,7 +14,7 @@ from programtest import READABLE, ProgramTest, load_programs, oracle
 ProgramTest.programs = load_programs()
 FIRST, COUNT = [int(word) for word in sys.argv[1:]] + [1, 100][len(sys.argv) - 1:]
 LONG = b"long-key-of-sixty-bytes-0123456789-0123456789-0123456789-67"
-KEYS = [b"", b"a", b"A", b"b", b"B/#2", b"b/#2", b"dbkey/#2", b"x", b"_", b"[", b"\xe4", b"\xc4", b"M\xc3\xbcller", b"50%s",
+KEYS = [b"", b"", b"a", b"A", b"b", b"B/#2", b"b/#2", b"dbkey/#2", b"x", b"_", b"[", b"\xe4", b"\xc4", b"M\xc3\xbcller", b"50%s",
         b"two\nlines", LONG + b"8", LONG + b"9", LONG[:57] + b"/#2", LONG[:55]]
 NUMBERS = [-2 ** 31, -1, 0, 1, 2, 5, 60, 61, 62, 70, 255, 999, 1000, 1001, 2 ** 31 - 1]
 TYPES = [b"T", b"t", b"API 20", b"", b"%d"]
@@ -34,9 +34,9 @@ class Tree:
             for name in self.chance.sample(["A", "b", "B", "_", "dbsf001", ".c"], self.pick([0, 1, 1, 2, 3])):
                 self.put(row[0], name, row[1], self.data_file(fileclass))
             if row[6] and self.rarely(3):
-                self.put(row[0], "S", "CNF", self.chunks(oracle.counted(row[6]), []))
+                self.put(row[0], "S", "CNF", self.side_file(oracle.counted(row[6])))
         for below in ".", "Library/A.LIB":
-            self.put(below, "S", "CMP", self.chunks(oracle.COMPARISON, []))
+            self.put(below, "S", "CMP", self.side_file(oracle.COMPARISON))
 
     def rarely(self, times):
         return self.chance.randrange(times) == 0
@@ -52,12 +52,15 @@ class Tree:
         if self.rarely(25):
             path.mkdir()
         elif self.rarely(25):
-            path.symlink_to(self.pick(["nowhere", "../images"]))
+            path.symlink_to(self.pick(["nowhere", "../images", "A." + extension]))
         elif self.rarely(25):
             path.with_suffix(".real").write_bytes(content)
             path.symlink_to(path.with_suffix(".real").name)
         else:
             path.write_bytes(content)
+
+    def side_file(self, header):
+        return self.chunks(header, [(b"SET", b"body"), (b"COL", b"")][:self.chance.randrange(3)])
 
     def data_file(self, fileclass):
         row = oracle.CLASSES[fileclass]
