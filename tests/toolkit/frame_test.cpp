@@ -1,20 +1,16 @@
-#include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QDialog>
 #include <QLineEdit>
+#include <QTimer>
 
 #include "onshow.h"
-#include "platform/system/messagebox.h"
 #include "platform/window/statusbarctrl.h"
 #include "toolkit/promptdialog.h"
 
 namespace {
 
 std::string journal;
-
-std::string taken() {
-    return std::exchange(journal, {});
-}
 
 void note(const char* what, int kind, int x, int y) {
     journal += what + std::to_string(kind) + (x == 3 && y == 4 ? " " : " elsewhere ");
@@ -29,19 +25,16 @@ struct NotingPane : TSXpane {
 struct NotingFrame : PaneFrame<NotingPane> {
     ~NotingFrame() override { journal += "deleted "; }
     void paintFrame(CDC& dc) override { dc.FillSolidRect(0, 0, 2000, 2000, RGB(1, 1, 1)); }
-    void frameSized(int /*type*/, int width, int height) override {
-        pane.placeAt(50, 50, width, height); // reaches over the right edge and the status bar
-    }
-    void frameCommand(std::uint32_t id) override { journal += "command" + std::to_string(id) + " "; }
+    void frameCommand(std::uint32_t id) override { journal += std::to_string(id) + " "; }
     int canClose() override { return mayClose; }
     void leftDown(int kind, int x, int y) override { note("DOWN", kind, x, y); }
     void leftUp(int kind, int x, int y) override { note("UP", kind, x, y); }
     void frameMouseMove(int kind, int x, int y) override { note("MOVE", kind, x, y); }
-    void keyDown(std::uint32_t key, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) override {
-        journal += "key" + std::to_string(key) + " ";
+    void keyDown(std::uint32_t key, std::uint32_t, std::uint32_t) override {
+        note("key", static_cast<int>(key), 3, 4);
     }
-    void charTyped(std::uint32_t unicode, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) override {
-        journal += "char" + std::to_string(unicode) + " ";
+    void charTyped(std::uint32_t code, std::uint32_t, std::uint32_t) override {
+        note("char", static_cast<int>(code), 3, 4);
     }
     int mayClose = 1;
 };
@@ -49,48 +42,38 @@ struct NotingFrame : PaneFrame<NotingPane> {
 } // namespace
 
 TEST(Frame, DrawsTheBorderOverItsContentAndKeepsAStripForTheStatusBar) {
-    const COLORREF dark = GetSysColor(COLOR_BTNSHADOW);
-    const COLORREF light = GetSysColor(COLOR_BTNHIGHLIGHT);
-    const COLORREF content = RGB(1, 1, 1);
     const OnShow<NotingFrame> frame;
+    frame->pane.placeAt(50, 50, 2000, 2000); // reaches over the right edge and the status bar
+    outerWidget(*frame)->resize(399, 301);
+    frame->pane.placeAt(0, 0, 0, 0);
+    frame->UpdateWindow();
     const RECT client = frame->GetClientRect();
     const int right = client.right - 1;
     const int bottom = client.bottom - 20;
-    struct {
-        int x, y;
-        COLORREF colour;
-    } const cases[] = {{0, 0, dark},
-                       {0, bottom - 1, dark},
-                       {right - 1, 0, dark},
-                       {right, 0, light},
-                       {right, client.bottom - 1, light},
-                       {0, bottom, light},
-                       {1, 1, content},
-                       {1, bottom - 1, content}};
-    for (const auto& row : cases)
-        EXPECT_EQ(surfacePixel(*frame, row.x, row.y), row.colour) << row.x << ", " << row.y;
-    QWidget* const strip = outerWidget(*frame->statusBar);
-    EXPECT_EQ(strip->geometry(), QRect(0, client.bottom - 18, right, 21));
-    EXPECT_EQ(clientWidget(*frame)->childAt(60, client.bottom - 10)->parentWidget(), strip);
+    for (int y = 0; y < client.bottom; ++y)
+        for (int x = 0; x < client.right; ++x) {
+            const bool light = x == right || y == bottom;
+            const bool dark = x == 0 || y == 0;
+            const COLORREF edge = GetSysColor(light ? COLOR_BTNHIGHLIGHT : COLOR_BTNSHADOW);
+            ASSERT_EQ(surfacePixel(*frame, x, y), light || dark ? edge : RGB(1, 1, 1)) << x << ", " << y;
+        }
+    EXPECT_EQ(outerWidget(*frame->statusBar)->geometry(), QRect(0, client.bottom - 18, right, 21));
 }
 
 TEST(Frame, TakesCommandsOfItsRangeAndKeysAndClosesWhenItMay) {
     OnShow<NotingFrame> frame;
     QWidget* const window = outerWidget(*frame);
-    taken();
-    for (QAction* const action : window->findChildren<QAction*>())
-        action->trigger();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(taken(), "command1 command9001 ");
+    journal.clear();
+    for (const std::uint32_t id : {0U, 1U, 9001U, 9002U})
+        static_cast<MessageTarget&>(*frame).onCommand(id);
     QTest::keyClick(window, 'a');
-    EXPECT_EQ(taken(), "key65 char97 ");
     frame->mayClose = 0;
     window->close();
-    EXPECT_EQ(taken(), "");
+    EXPECT_EQ(journal, "1 9001 key65 char97 ");
     frame->mayClose = 1;
     frame.gone = true;
     window->close();
-    EXPECT_EQ(taken(), "deleted ");
+    EXPECT_EQ(journal, "1 9001 key65 char97 deleted ");
 }
 
 TEST(Frame, TellsMouseButtonsAndKeysAsOneKind) {
@@ -98,56 +81,71 @@ TEST(Frame, TellsMouseButtonsAndKeysAsOneKind) {
     QWidget* const own = clientWidget(*frame);
     QWidget* const pane = clientWidget(frame->pane);
     const Qt::KeyboardModifiers control = Qt::ControlModifier, shift = Qt::ShiftModifier;
-    struct {
+    const struct {
         QWidget* where;
         Qt::MouseButton button;
         Qt::KeyboardModifiers keys;
         const char* expected;
-    } const cases[] = {
-        {own, Qt::LeftButton, control, "MOVE1 DOWN1 UP1 "},
-        {own, Qt::LeftButton, control | shift, "MOVE2 DOWN2 UP1 "},
-        {pane, Qt::LeftButton, {}, "move1 down1 up1 "},
-        {pane, Qt::LeftButton, control, "move1 down5 up1 "},
-        {pane, Qt::LeftButton, shift, "move2 down6 up1 "},
-        {pane, Qt::LeftButton, control | shift, "move2 down5 down6 up1 "},
-        {pane, Qt::RightButton, control, "move1 down11 up11 "},
-        {pane, Qt::RightButton, shift, "move2 down13 up11 "},
-    };
-    taken();
+    } cases[] = {{own, Qt::LeftButton, control, "MOVE1 DOWN1 UP1 "},
+                 {own, Qt::LeftButton, control | shift, "MOVE2 DOWN2 UP1 "},
+                 {pane, Qt::LeftButton, {}, "move1 down1 up1 "},
+                 {pane, Qt::LeftButton, control, "move1 down5 up1 "},
+                 {pane, Qt::LeftButton, shift, "move2 down6 up1 "},
+                 {pane, Qt::LeftButton, control | shift, "move2 down5 down6 up1 "},
+                 {pane, Qt::RightButton, control, "move1 down11 up11 "},
+                 {pane, Qt::RightButton, shift, "move2 down13 up11 "}};
     for (const auto& row : cases) {
+        journal.clear();
         QMouseEvent move(QEvent::MouseMove, {3, 4}, row.where->mapToGlobal(QPointF(3, 4)), {}, {}, row.keys);
         QApplication::sendEvent(row.where, &move);
         QTest::mouseClick(row.where, row.button, row.keys, {3, 4});
-        EXPECT_EQ(taken(), row.expected);
+        EXPECT_EQ(journal, row.expected);
     }
     QTest::mouseDClick(pane, Qt::LeftButton, shift, {3, 4});
-    EXPECT_NE(taken().find("down2 "), std::string::npos);
+    EXPECT_NE(journal.find("down2 "), std::string::npos);
 }
 
-TEST(Prompt, GivesBackWhatTheFieldHoldsUpToTheLimit) {
+// A preset text, what is typed or pasted in its place, the keys behind it, and what comes of it.
+TEST(Prompt, GivesBackWhatTheFieldHoldsInItsEncodingUpToTheLimit) {
     const OnShow<TSXframe> frame;
     const std::string longest(99, 'n');
-    struct {
-        const char* preset;
-        std::string typed; // in place of the preset text, which is selected
-        int answer, result;
+    const struct {
+        std::string preset, typed;
+        bool paste;
+        QList<Qt::Key> keys;
+        int result;
         std::string text;
-    } const cases[] = {{"old", "new", IDOK, 1, "new"},
-                       {"old", "new", IDCANCEL, 0, "old"},
-                       {"old", "", IDOK, 1, "old"},
-                       {"", "", IDOK, 1, ""},
-                       {"", longest + "more", IDOK, 1, longest.substr(1)}};
+    } cases[] = {
+        {"old", "new", false, {}, 1, "new"},
+        {"old", "new", false, {Qt::Key_Tab}, 1, "new"},              // Return presses OK
+        {"old", "new", false, {Qt::Key_Tab, Qt::Key_Tab}, 0, "old"}, // and Cancel
+        {"old", "new", false, {Qt::Key_Escape}, 0, "old"},
+        {"old", "", false, {Qt::Key_Delete}, 1, ""},
+        {"a\nb", "", false, {}, 1, "a\nb"}, // untouched
+        {"a\nb", "c", false, {Qt::Key_End}, 1, "c"},
+        {"a\x80\x81z", "", false, {}, 1, "a\x80\x81z"},
+        {"", longest + "more", false, {}, 1, longest.substr(1)}, // 99 fit into the field, 98 come back
+        {longest + longest, "", false, {Qt::Key_End, Qt::Key_X}, 1, longest.substr(1)},
+        {"old", "\xC3\xA4", true, {}, 1, "\xC3\xA4"},                            // UTF-8 for plain ASCII
+        {"Stra\xDF\x65", "\xC3\xA4\xCE\x94", true, {}, 1, "\xE4?"},              // Windows-1252 stays that
+        {"old", longest.substr(2) + "\xC3\xA4", true, {}, 1, longest.substr(2)}, // no half character
+        {"old", "A-1\nA-2\n", true, {}, 1, "A-1"},
+        {"old", "\r\nx", true, {}, 1, ""},
+        {"a\nb", "\nb", true, {}, 1, ""}};
     for (const auto& row : cases) {
-        char text[100] = "";
-        std::strcpy(text, row.preset);
-        answers.dialog = [&row, &frame](CDialog& /*dialog*/) {
-            auto* const field = outerWidget(*frame)->findChild<QDialog*>()->findChild<QLineEdit*>();
-            QTest::keyClicks(field, QString::fromStdString(row.typed));
-            EXPECT_LE(field->text().size(), 99);
-            return row.answer;
-        };
-        EXPECT_EQ(promptForText(*frame, "Change key", "Enter new key", text, 99), row.result);
+        char text[300] = "";
+        std::strcpy(text, row.preset.c_str());
+        QTimer::singleShot(0, [&] {
+            auto* const dialog = outerWidget(*frame)->findChild<QDialog*>();
+            auto* const field = dialog->findChild<QLineEdit*>();
+            QApplication::clipboard()->setText(QString::fromStdString(row.typed));
+            row.paste ? field->paste() : QTest::keyClicks(field, QString::fromStdString(row.typed));
+            for (const Qt::Key key : row.keys)
+                QTest::keyClick(dialog->focusWidget(), key);
+            if (dialog->isVisible())
+                QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
+        });
+        EXPECT_EQ(promptForText(*frame, "Change key", "Enter new key", text, 99), row.result) << row.typed;
         EXPECT_EQ(text, row.text);
     }
-    answers.dialog = nullptr;
 }

@@ -13,7 +13,7 @@
 // The frame deletes itself, at the latest when the test ends.
 template <class Frame> struct OnShow {
     template <class... Values> explicit OnShow(Values&&... values) : frame(new Frame(values...)) {
-        frame->Create(AfxRegisterWndClass(getBrush(1)), "Test", {20, 20, 420, 320}, nullptr, 101);
+        frame->Create(AfxRegisterWndClass(getBrush(1)), "Test", {20, 20, 420, 320}, nullptr, 0);
         frame->ShowWindow();
         frame->UpdateWindow();
     }

@@ -16,17 +16,16 @@ struct ChequeredPane : TSXscrollpane {
         moves += bar + std::to_string(before) + ">" + std::to_string(now);
     }
     void scroll(int code, int position) {
+        moves.clear();
         verticalScroll(code, position);
         horizontalScroll(code, position);
     }
     // For a client area of so many pixels both ways.
     void setUp(int range, int extent) {
         vRange = hRange = range;
-        int width = 0;
-        int height = 0;
         placeAt(0, 0, 300, 300);
-        getClientSize(width, height);
-        placeAt(0, 0, 300 + extent - width, 300 + extent - height);
+        const RECT client = GetClientRect();
+        placeAt(0, 0, 300 + extent - client.right, 300 + extent - client.bottom);
         UpdateWindow();
         painted.clear();
     }
@@ -42,12 +41,10 @@ struct ScrollPane : testing::Test {
 } // namespace
 
 TEST_F(ScrollPane, SetsBarsFromRangeSizeAndPosition) {
-    struct {
-        int position, range, extent;
-        int page, maximum;
-    } const cases[] = {{0, 0, 160, 1, 0},     {3, 0, 160, 1, 3},    {95, 100, 160, 9, 103},
-                       {0, 100, 160, 9, 100}, {0, 100, 15, 0, 100}, {0, 100, 16, 0, 100},
-                       {0, 100, 32, 1, 100},  {2, 5, 160, 6, 7}};
+    const struct {
+        int position, range, extent, page, maximum;
+    } cases[] = {{0, 0, 160, 1, 0},    {3, 0, 160, 1, 3},    {95, 100, 160, 9, 103}, {0, 100, 160, 9, 100},
+                 {0, 100, 15, 0, 100}, {0, 100, 16, 0, 100}, {0, 100, 32, 1, 100},   {2, 5, 160, 6, 7}};
     for (const auto& row : cases) {
         pane.setUp(300, 32);
         pane.scroll(SB_THUMBTRACK, row.position);
@@ -55,19 +52,19 @@ TEST_F(ScrollPane, SetsBarsFromRangeSizeAndPosition) {
         for (const ScrollBarKind bar : {SB_VERT, SB_HORZ}) {
             SCROLLINFO info;
             ASSERT_TRUE(pane.GetScrollInfo(bar, info));
-            EXPECT_EQ(info.nPage, row.page) << row.range << " in " << row.extent;
-            EXPECT_EQ(info.nMax, row.maximum) << row.range << " in " << row.extent;
-            EXPECT_EQ(info.nPos, row.position);
+            EXPECT_EQ(std::tuple(info.nPage, info.nMax, info.nPos),
+                      std::tuple(row.page, row.maximum, row.position))
+                << row.range << " in " << row.extent;
         }
         EXPECT_EQ(pane.vPos, row.position);
     }
 }
 
 TEST_F(ScrollPane, FollowsTheBarsWithinTheirLimits) {
-    struct {
+    const struct {
         int from, code, thumb;
         std::string moves;
-    } const cases[] = {
+    } cases[] = {
         {4, SB_LINEDOWN, 0, "4>5"},     {4, SB_LINEUP, 0, "4>3"},       {0, SB_LINEUP, 0, "0>0"},
         {16, SB_LINEDOWN, 0, "16>16"},  {4, SB_PAGEDOWN, 0, "4>9"},     {1, SB_PAGEUP, 0, "1>0"},
         {4, SB_THUMBTRACK, 11, "4>11"}, {4, SB_THUMBTRACK, 99, "4>16"}, {4, SB_THUMBTRACK, -1999, "4>0"},
@@ -76,7 +73,6 @@ TEST_F(ScrollPane, FollowsTheBarsWithinTheirLimits) {
     pane.setUp(20, 96); // a page of 5, so that the last position is 16
     for (const auto& row : cases) {
         pane.scroll(SB_THUMBTRACK, row.from);
-        pane.moves.clear();
         pane.scroll(row.code, row.thumb);
         EXPECT_EQ(pane.moves, row.moves.empty() ? "" : "v" + row.moves + "h" + row.moves)
             << "code " << row.code;

@@ -1,10 +1,16 @@
-// Real events of mouse, keys, wheel, scroll bars and timers, and the operations that they become.
-#include <gtest/gtest.h>
-
+// Real events of mouse, keys, wheel and scroll bars, and the operations that they become; what asks the
+// person, with real keys.
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
 #include <QScrollBar>
+#include <QTimer>
 #include <QWheelEvent>
 
-#include "platform/window/scrollrange.h"
+#include "platform/window/internal/conversion.h"
+#include "platform/window/menu.h"
+#include "platform/window/msgbox.h"
 #include "windowtest.h"
 
 namespace {
@@ -12,162 +18,185 @@ namespace {
 class Input : public WindowTest {
 protected:
     QWidget* target() const { return clientWidget(pane); }
-
+    void click(Qt::MouseButton button, Qt::KeyboardModifiers keys, QPoint from, QPoint to) {
+        QTest::mousePress(target(), button, keys, from);
+        QTest::mouseRelease(target(), button, keys, to);
+    }
     void turnWheel(int deltaX, int deltaY) {
-        const QPointF place(5, 5);
-        QWheelEvent event(place, target()->mapToGlobal(place), {}, {deltaX, deltaY}, Qt::NoButton,
+        QWheelEvent event({5, 5}, target()->mapToGlobal(QPointF(5, 5)), {}, {deltaX, deltaY}, Qt::NoButton,
                           Qt::NoModifier, Qt::NoScrollPhase, false);
         QApplication::sendEvent(target(), &event);
     }
-    QScrollBar& bar(Qt::Orientation orientation) const {
-        for (auto* const found : outerWidget(pane)->findChildren<QScrollBar*>()) {
-            if (found->orientation() == orientation)
-                return *found;
-        }
-        throw std::runtime_error("no such bar");
+    // Takes the step once the next modal window or menu stands.
+    static void whenOpen(std::function<void(QWidget&)> step) {
+        QTimer::singleShot(0, qApp, [step = std::move(step)] {
+            QWidget* const menu = QApplication::activePopupWidget();
+            QWidget* const open = menu != nullptr ? menu : QApplication::activeModalWidget();
+            open != nullptr ? step(*open) : whenOpen(step);
+        });
     }
 };
 
-TEST_F(Input, MouseArrivesWithPlaceAndModifiers) {
-    QTest::mousePress(target(), Qt::LeftButton, Qt::ShiftModifier | Qt::ControlModifier, {3, 4});
-    QTest::mouseRelease(target(), Qt::LeftButton, Qt::NoModifier, {5, 6});
-    EXPECT_EQ(taken(), Events({"left 12 3 4", "left up 0 5 6", "capture over"}));
-    QTest::mouseClick(target(), Qt::LeftButton, Qt::NoModifier, {7, 8});
-    QTest::mouseDClick(target(), Qt::LeftButton, Qt::NoModifier, {7, 8});
-    QTest::mouseRelease(target(), Qt::LeftButton, Qt::NoModifier, {7, 8});
-    EXPECT_EQ(taken(),
-              Events({"left 0 7 8", "left up 0 7 8", "capture over", "double 0 7 8", "left up 0 7 8"}));
-    QTest::mouseClick(target(), Qt::RightButton, Qt::ShiftModifier, {9, 9});
+TEST(Encoding, BytesComeBackAsTheyWereInEitherEncoding) {
+    const struct {
+        const char* bytes;
+        TextEncoding encoding;
+        const char16_t* text;
+    } cases[] = {
+        {"K\xC3\xA4se \xE2\x82\xAC", TextEncoding::utf8, u"K\u00E4se \u20AC"},
+        {"\xF0\x9F\xA7\xAA", TextEncoding::utf8, u"\U0001F9EA"},
+        {"K\xE4se \x80\x81\x9F", TextEncoding::windows1252, u"K\u00E4se \u20AC\u0081\u0178"},
+        {"\xC3\xA4\xE4", TextEncoding::windows1252, u"\u00C3\u00A4\u00E4"}, // not all of it is UTF-8
+        {"cut \xC3", TextEncoding::windows1252, u"cut \u00C3"},
+        {"\xC0\xAF", TextEncoding::windows1252, u"\u00C0\u00AF"},           // an overlong form
+        {"\xED\xA0\x80", TextEncoding::windows1252, u"\u00ED\u00A0\u20AC"}, // half of a pair
+        {"\xEF\xBB\xBFx", TextEncoding::utf8, u"\uFEFFx"},                  // the mark is part of the text
+    };
+    for (const auto& row : cases) {
+        EXPECT_EQ(encodingOf(row.bytes), row.encoding) << row.bytes;
+        EXPECT_EQ(unicodeOf(row.bytes).toStdU16String(), row.text) << row.bytes;
+        EXPECT_EQ(bytesOf(unicodeOf(row.bytes), row.encoding).toStdString(), row.bytes);
+    }
+    EXPECT_EQ(bytesOf(u"\u0394\U0001F9EAx"_qs, TextEncoding::windows1252).toStdString(), "??x");
+    EXPECT_EQ(cutBetweenCharacters("a\xC3\xA4", 2), 1U);
+    EXPECT_EQ(cutBetweenCharacters("a\xC3\xA4", 3), 3U);
+    EXPECT_EQ(cutBetweenCharacters("a\xE4\xE4", 2), 2U);
+}
+
+TEST_F(Input, MouseArrivesWithPlaceAndModifiersAndIsHeldUntilItIsLetGo) {
+    click(Qt::LeftButton, Qt::ShiftModifier | Qt::ControlModifier, {3, 4}, {-3, 400});
+    EXPECT_EQ(taken(), Events({"left 12 3 4", "left up 12 -3 400", "capture over"}));
+    QTest::mouseDClick(target(), Qt::LeftButton, {}, {7, 8});
+    EXPECT_EQ(taken().back(), "double 0 7 8");
+    click(Qt::RightButton, Qt::ShiftModifier, {9, 9}, {9, 9});
     EXPECT_EQ(taken(), Events({"right 4 9 9", "right up 4 9 9"}));
-    QTest::mouseClick(target(), Qt::MiddleButton, Qt::NoModifier, {9, 9}); // nobody's, not the frame's either
-    EXPECT_EQ(taken(), Events());
-    QMouseEvent move(QEvent::MouseMove, QPointF(11.9, 12), target()->mapToGlobal(QPointF(11.9, 12)),
-                     Qt::NoButton, Qt::NoButton, Qt::ShiftModifier);
+    click(Qt::MiddleButton, {}, {9, 9}, {9, 9}); // nobody's, not the frame's either
+    QMouseEvent move(QEvent::MouseMove, {11.9, 12}, target()->mapToGlobal(QPointF(11.9, 12)), {}, {}, {});
     QApplication::sendEvent(target(), &move);
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(target(), &leave);
-    EXPECT_EQ(taken(), Events({"move 4 11 12", "leave"}));
-}
-
-TEST_F(Input, CaptureEndsOnceForWhateverReason) {
-    QTest::mousePress(target(), Qt::LeftButton, Qt::NoModifier, {3, 4});
-    pane.ReleaseCapture();
-    EXPECT_EQ(taken(), Events({"left 0 3 4", "capture over"}));
-    pane.ReleaseCapture(); // not captured any more
-    QTest::mouseRelease(target(), Qt::LeftButton, Qt::NoModifier, {-3, 400});
-    EXPECT_EQ(taken(), Events({"left up 0 -3 400"}));
-    QTest::mousePress(target(), Qt::LeftButton, Qt::NoModifier, {3, 4});
-    taken();
-    outerWidget(*frame)->hide();
-    EXPECT_EQ(taken(), Events({"capture over"}));
-    frame->ShowWindow();
+    EXPECT_EQ(taken(), Events({"move 0 11 12", "leave"}));
+    for (const bool hide : {false, true}) {
+        QTest::mousePress(target(), Qt::LeftButton, {}, {3, 4});
+        hide ? outerWidget(*frame)->hide() : pane.ReleaseCapture();
+        pane.ReleaseCapture(); // not captured any more
+        EXPECT_EQ(taken(), Events({"left 0 3 4", "capture over"}));
+    }
     pane.SetCapture();
     frame->SetCapture();
-    frame->DestroyWindow();
-    frame = nullptr;
-    EXPECT_EQ(taken().front(), "capture over"); // the pane's, when the frame took it
-    EXPECT_EQ(pane.host(), nullptr);
+    EXPECT_EQ(taken(), Events({"capture over"})); // the pane's, when the frame took it
 }
 
 TEST_F(Input, KeysReachTheFrameWithThePlatformsCodes) {
-    QTest::keyClick(outerWidget(*frame), Qt::Key_A);
-    QTest::keyClick(outerWidget(*frame), Qt::Key_F5);
-    QTest::keyClick(outerWidget(*frame), Qt::Key_Left);
-    QTest::keyClick(outerWidget(*frame), Qt::Key_Return);
-    EXPECT_EQ(taken(),
-              Events({"key 65 1 0", "char 97 1", "key 116 1 0", "key 37 1 0", "key 13 1 0", "char 13 1"}));
+    for (const Qt::Key key : {Qt::Key_A, Qt::Key_F5, Qt::Key_Left, Qt::Key_Return})
+        QTest::keyClick(outerWidget(*frame), key);
+    EXPECT_EQ(taken(), Events({"key 65 0", "char 97", "key 116 0", "key 37 0", "key 13 0", "char 13"}));
 }
 
-TEST_F(Input, WheelAndTouchpadScrollByLinesThreeANotch) {
+TEST_F(Input, WheelAndBarsScrollByLinesAndPages) {
     turnWheel(0, -120); // no bar, no scrolling
-    EXPECT_EQ(taken(), Events());
     pane.ShowScrollBar(SB_VERT);
     pane.ShowScrollBar(SB_HORZ);
     turnWheel(0, -120); // a bar with nothing to scroll
-    pane.SetScrollInfo(SB_VERT, {100, 10, 5});
+    for (const std::string& event : taken())
+        EXPECT_EQ(event.substr(0, 5), "size "); // the client area is smaller now
     pane.SetScrollInfo(SB_HORZ, {100, 10, 5});
-    taken();
+    pane.SetScrollInfo(SB_VERT, {40000, 10, 7});
     turnWheel(0, -120);
-    EXPECT_EQ(taken(), Events({"vertical 1 0", "vertical 1 0", "vertical 1 0"}));
+    EXPECT_EQ(taken(), Events(3, "vertical 1 0"));
     for (int i = 0; i < 4; ++i) // small steps add up; the way back starts anew
         turnWheel(0, 15);
     turnWheel(0, -15);
     turnWheel(0, -26);
     EXPECT_EQ(taken(), Events({"vertical 0 0", "vertical 1 0"}));
     turnWheel(120, 0);
-    EXPECT_EQ(taken(), Events({"horizontal 0 0", "horizontal 0 0", "horizontal 0 0"}));
-}
-
-TEST_F(Input, ScrollBarTellsItsCodesAndStaysWhereTheWindowPutsIt) {
-    SCROLLINFO info;
-    EXPECT_FALSE(pane.GetScrollInfo(SB_VERT, info));
-    pane.ShowScrollBar(SB_VERT);
-    EXPECT_TRUE(pane.GetScrollInfo(SB_VERT, info));
-    EXPECT_EQ(taken().front().substr(0, 5), "size "); // the client area is narrower now
-    EXPECT_FALSE(bar(Qt::Vertical).isEnabled());
-    EXPECT_TRUE(bar(Qt::Vertical).isVisible());
-    pane.SetScrollInfo(SB_VERT, {40000, 10, 7});
-    QScrollBar& vertical = bar(Qt::Vertical);
-    struct {
-        QAbstractSlider::SliderAction action;
-        const char* told;
-    } const actions[] = {
-        {QAbstractSlider::SliderSingleStepAdd, "vertical 1 0"},
-        {QAbstractSlider::SliderSingleStepSub, "vertical 0 0"},
-        {QAbstractSlider::SliderPageStepAdd, "vertical 3 0"},
-        {QAbstractSlider::SliderPageStepSub, "vertical 2 0"},
-    };
-    for (const auto& row : actions) {
-        vertical.triggerAction(row.action);
-        EXPECT_EQ(taken(), Events({row.told}));
-        EXPECT_EQ(vertical.value(), 7); // this window ignored it
+    EXPECT_EQ(taken(), Events(3, "horizontal 0 0"));
+    QScrollBar* vertical = nullptr;
+    for (auto* const bar : outerWidget(pane)->findChildren<QScrollBar*>())
+        vertical = bar->orientation() == Qt::Vertical ? bar : vertical;
+    for (const auto action : {QAbstractSlider::SliderSingleStepSub, QAbstractSlider::SliderSingleStepAdd,
+                              QAbstractSlider::SliderPageStepSub, QAbstractSlider::SliderPageStepAdd}) {
+        vertical->triggerAction(action);
+        EXPECT_EQ(vertical->value(), 7); // this window ignores it
     }
-    vertical.setSliderDown(true);
-    vertical.setSliderPosition(20);
-    vertical.setSliderPosition(32768);
-    EXPECT_EQ(taken(), Events({"vertical 5 20", "vertical 5 -32768"}));
-    vertical.setSliderDown(false);
-    EXPECT_EQ(taken(), Events({"vertical 4 7"}));
-    pane.SetScrollPos(SB_VERT, 50000);
-    EXPECT_EQ(pane.GetScrollPos(SB_VERT), 39991);
-    EXPECT_EQ(vertical.value(), 39991);
-}
-
-TEST_F(Input, TimersTickUntilKilledAndNotWithoutAWindow) {
-    pane.SetTimer(1235, 1);
-    pane.SetTimer(1236, 1);
-    pane.KillTimer(1236);
-    QTest::qWait(30);
-    EXPECT_EQ(taken(), Events({"timer 1235"})); // killed by itself after the first
-    pane.SetTimer(1, 1);
-    frame->DestroyWindow();
-    frame = nullptr;
-    QTest::qWait(20);
-    for (const std::string& line : taken())
-        EXPECT_EQ(line.find("timer"), std::string::npos);
-}
-
-TEST(ScrollRange, LimitsPageAndPosition) {
-    struct {
+    EXPECT_EQ(taken(), Events({"vertical 0 0", "vertical 1 0", "vertical 2 0", "vertical 3 0"}));
+    vertical->setSliderDown(true);
+    vertical->setSliderPosition(32768);
+    vertical->setSliderDown(false);
+    EXPECT_EQ(taken(), Events({"vertical 5 -32768", "vertical 4 7"}));
+    const struct {
         SCROLLINFO set;
-        int page, position, limit;
-    } const cases[] = {
-        {{5, 3, 0}, 3, 0, 3}, // the last page ends with the last value
-        {{5, 3, 9}, 3, 3, 3},      {{5, 3, -2}, 3, 0, 3},
-        {{5, 0, 9}, 0, 5, 5},                             // no page: up to the maximum itself
-        {{5, 1, 9}, 1, 5, 5},      {{5, 99, 2}, 6, 0, 0}, // a page of everything leaves nothing to scroll
-        {{103, 9, 95}, 9, 95, 95}, {{0, 1, 3}, 1, 0, 0},
-        {{-7, -1, 3}, 0, 0, 0},
-    };
-    for (const auto& row : cases) {
-        ScrollRange range;
-        range.set(row.set);
-        EXPECT_EQ(range.info().nPage, row.page)
-            << row.set.nMax << ' ' << row.set.nPage << ' ' << row.set.nPos;
-        EXPECT_EQ(range.info().nPos, row.position)
-            << row.set.nMax << ' ' << row.set.nPage << ' ' << row.set.nPos;
-        EXPECT_EQ(range.limit(), row.limit);
+        int page, position;
+    } limits[] = {{{5, 3, 9}, 3, 3},  {{5, 3, -2}, 3, 0}, {{5, 0, 9}, 0, 5},
+                  {{5, 99, 2}, 6, 0}, {{0, 1, 3}, 1, 0},  {{-7, -1, 3}, 0, 0}};
+    for (const auto& row : limits) {
+        SCROLLINFO info;
+        pane.SetScrollInfo(SB_VERT, row.set);
+        EXPECT_TRUE(pane.GetScrollInfo(SB_VERT, info));
+        EXPECT_EQ(std::pair(info.nPage, info.nPos), std::pair(row.page, row.position)) << row.set.nPage;
+        EXPECT_EQ(vertical->value(), row.position);
+        EXPECT_EQ(vertical->isEnabled(), row.set.nMax > 0 && row.page < 6);
     }
+}
+
+TEST_F(Input, MessageBoxHasItsButtonsAndCloseIsCancel) {
+    const struct {
+        std::uint32_t flags;
+        Qt::Key key;
+        int answer;
+    } cases[] = {{MB_OK | MB_ICONHAND, Qt::Key_Escape, IDOK}, {MB_OKCANCEL, Qt::Key_Escape, IDCANCEL},
+                 {MB_OKCANCEL, Qt::Key_Return, IDOK},         {MB_YESNOCANCEL, Qt::Key_Escape, IDCANCEL},
+                 {MB_YESNOCANCEL, Qt::Key_Return, IDYES},     {MB_YESNO, Qt::Key_Escape, IDNO}};
+    for (const auto& row : cases) {
+        whenOpen([&](QWidget& open) {
+            auto& box = dynamic_cast<QMessageBox&>(open);
+            EXPECT_EQ(box.text(), "K\u00E4se <b>");
+            EXPECT_EQ(box.textFormat(), Qt::PlainText);
+            EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+            QTest::keyClick(&open, row.key);
+        });
+        SetCursor(IDC_WAIT);
+        EXPECT_EQ(MessageBoxA(frame, "K\xE4se <b>", "Warning", row.flags), row.answer) << row.flags;
+        EXPECT_NE(QApplication::overrideCursor(), nullptr); // what goes on after it goes on waiting
+        SetCursor(IDC_ARROW);
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    }
+}
+
+TEST_F(Input, MenusSendTheirCommandsFromTheMessageLoopWhenTheyHaveClosed) {
+    CMenu menu;
+    menu.AppendMenuA(7003, "first");
+    menu.AppendMenuA(7004, "second");
+    whenOpen([](QWidget& open) { QTest::keyClick(&open, Qt::Key_Escape); });
+    menu.TrackPopupMenu(50, 50, *frame);
+    whenOpen([&](QWidget& open) {
+        outerWidget(*frame)->close(); // closes the menu first: an operation still waits for it
+        EXPECT_FALSE(open.isVisible());
+    });
+    menu.TrackPopupMenu(50, 50, *frame);
+    QApplication::processEvents();
+    EXPECT_EQ(taken(), Events());
+    whenOpen([](QWidget& open) {
+        QTest::keyClick(&open, Qt::Key_Down);
+        QTest::keyClick(&open, Qt::Key_Return);
+    });
+    menu.TrackPopupMenu(50, 50, *frame);
+    EXPECT_EQ(taken(), Events());
+    QApplication::processEvents();
+    EXPECT_EQ(taken(), Events({"command 7003"}));
+    const QList<QAction*> columns = outerWidget(*frame)->findChild<QMenuBar*>()->actions();
+    ASSERT_EQ(columns.size(), 2);
+    const QList<QAction*> file = columns.front()->menu()->actions();
+    ASSERT_EQ(file.size(), 2);
+    EXPECT_EQ(file.front()->text(), "Save && go"); // the person reads "Save & go"
+    file.back()->trigger();
+    QApplication::processEvents();
+    EXPECT_EQ(taken(), Events({"command 999"}));
+    file.front()->trigger();
+    frame->DestroyWindow(); // a command for a window that has gone is lost
+    frame = nullptr;
+    QApplication::processEvents();
+    EXPECT_EQ(taken(), Events({"frame deleted"}));
 }
 
 } // namespace

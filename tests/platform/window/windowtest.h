@@ -7,7 +7,6 @@
 #include <QApplication>
 #include <QTest>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -27,10 +26,9 @@ using Events = std::vector<std::string>;
 // Adds a line for each event to the list that the test owns, and so outlives the window.
 template <class Base> class Recorder : public Base {
 public:
-    explicit Recorder(Events& events) : events_(events) {}
+    explicit Recorder(Events& list) : events(list) {}
 
     std::function<void(CDC&)> paint = [](CDC&) {};
-    std::function<void(std::uint32_t)> command;
 
     void onPaint() override {
         CPaintDC context(*this);
@@ -38,17 +36,8 @@ public:
         note("paint", box.left, box.top, box.right, box.bottom);
         paint(context);
     }
-    void onCreate() override { note("create"); }
     void onSize(int, int width, int height) override { note("size", width, height); }
-    void onCommand(std::uint32_t id) override {
-        note("command", id);
-        if (command)
-            command(id);
-    }
-    void onTimer(std::uint32_t id) override {
-        note("timer", id);
-        this->KillTimer(id);
-    }
+    void onCommand(std::uint32_t id) override { note("command", id); }
     void onLeftButtonDown(unsigned flags, int x, int y) override {
         note("left", flags, x, y);
         this->SetCapture();
@@ -60,24 +49,21 @@ public:
     void onMouseMove(unsigned flags, int x, int y) override { note("move", flags, x, y); }
     void onMouseLeave() override { note("leave"); }
     void onCaptureChanged() override { note("capture over"); }
-    void onKeyDown(std::uint32_t key, std::uint32_t repeat, std::uint32_t flags) override {
-        note("key", key, repeat, flags);
+    void onKeyDown(std::uint32_t key, std::uint32_t, std::uint32_t flags) override {
+        note("key", key, flags);
     }
-    void onChar(std::uint32_t letter, std::uint32_t repeat, std::uint32_t) override {
-        note("char", letter, repeat);
-    }
+    void onChar(std::uint32_t letter, std::uint32_t, std::uint32_t) override { note("char", letter); }
     void onVScroll(int code, int position) override { note("vertical", code, position); }
     void onHScroll(int code, int position) override { note("horizontal", code, position); }
 
 protected:
-    template <class... Numbers> void note(const char* name, Numbers... numbers) {
-        std::string line = name;
+    template <class... Numbers> void note(std::string line, Numbers... numbers) {
         ((line += ' ' + std::to_string(numbers)), ...);
-        events_.push_back(line);
+        events.push_back(line);
     }
 
 private:
-    Events& events_;
+    Events& events;
 };
 
 class RecordedFrame : public Recorder<CFrameWnd> {
@@ -92,12 +78,13 @@ protected:
     void SetUp() override;
     void TearDown() override;
 
-    // What was noted since the last call.
-    Events taken();
+    RecordedFrame* openFrame(CWnd* parent); // deletes itself
+    Events taken();                         // what was noted since the last call
     COLORREF pixel(int x, int y) const { return surfacePixel(pane, x, y); }
     void paintPane(std::function<void(CDC&)> paint); // the whole pane, erased first
 
+    const CBrush background{grey};
     Events events;
-    RecordedFrame* frame = nullptr; // deletes itself; a test that ends it sets this to null
+    RecordedFrame* frame = nullptr; // a test that ends it sets this to null
     Recorder<CWnd> pane{events};
 };
