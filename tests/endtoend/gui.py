@@ -227,7 +227,7 @@ def solving(display, work):
     while problems:
         wait("the problems", lambda: len(tool.buttons()) == min(len(problems), 7))
         tool.solve_first()
-        steps += ["--solve", "1:%d" % len(problems[0]["solutions"])]
+        steps += ["--solve", "%s:%d" % (problems[0]["id"], len(problems[0]["solutions"]))]
         shutil.rmtree(place.directory / "copy", ignore_errors=True)
         copy = shutil.copytree(before, place.directory / "copy")
         problems = place.check(*steps, "--save", database=copy)["problems"]
