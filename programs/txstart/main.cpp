@@ -1,5 +1,6 @@
 // txstart: the start-up program, which chooses the database and starts its inspection.
 #include <QApplication>
+#include <QIcon>
 #include <cstdio>
 
 #include "choices.h"
@@ -26,6 +27,8 @@ std::string carryOut(const Options& options) {
 
 int showWindow(int argc, char** argv) {
     QApplication application(argc, argv);
+    QApplication::setDesktopFileName(QStringLiteral("org.txinspect.TxInspect"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("txinspect")));
     StartWindow window;
     window.show();
     return QApplication::exec();
