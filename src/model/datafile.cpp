@@ -34,7 +34,7 @@ void TSXdatafile::clearkey(int i) {
 }
 
 void TSXdatafile::addentry(const char* text) {
-    if (keycount >= maxrecords)
+    if (keycount >= maxrecords || unread)
         return;
     ++keycount;
     const auto size = static_cast<std::size_t>(keycount) + 1;

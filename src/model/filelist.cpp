@@ -129,6 +129,9 @@ int TSXdbslist::newfile() {
                                   format.extension)
                           .view()))
         ++number;
-    addfile(makers[0](database, *this, name));
+    auto made = makers[0](database, *this, name);
+    if (made->unread) // whether its name is free can't be known
+        return -1;
+    addfile(std::move(made));
     return count;
 }

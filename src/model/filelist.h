@@ -49,7 +49,7 @@ class TSXdbslist : public TSXfilelist {
 public:
     explicit TSXdbslist(TSXdatabase& owner) : TSXfilelist(owner, 0) {}
     // Makes a new empty file with the lowest number DBSF001, DBSF002 … that neither the list nor the disk
-    // knows. Its position, or -1 if the list is full.
+    // knows. Its position, or -1 if the list is full or the disk does not tell.
     int newfile();
 };
 

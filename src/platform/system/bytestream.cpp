@@ -123,7 +123,9 @@ bool ByteStream::open(const char* path, OpenMode mode, Links links) {
     buffer_.clear();
     bufferStart_ = 0;
     newPath_.clear();
-    const std::string resolved = resolvePath(path);
+    std::string resolved;
+    if (!findPath(path, resolved))
+        return false;
     return mode == OpenMode::write && isMissing(resolved) ? openNew(resolved) : openExisting(resolved, links);
 }
 
@@ -341,7 +343,9 @@ int failedWrites() {
 bool removeFile(const char* path) {
     if (injectedFault(DiskOperation::remove))
         return false;
-    const std::string resolved = resolvePath(path);
+    std::string resolved;
+    if (!findPath(path, resolved))
+        return false;
     if (unlink(resolved.c_str()) == 0)
         return true;
     setLastErrorFromErrno(errno, resolved);

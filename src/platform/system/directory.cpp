@@ -13,7 +13,9 @@
 int CreateDirectoryA(const char* path) {
     if (injectedFault(DiskOperation::makeDirectory))
         return 0;
-    const std::string resolved = resolvePath(path);
+    std::string resolved;
+    if (!findPath(path, resolved))
+        return 0;
     if (mkdir(resolved.c_str(), 0777) == 0)
         return 1;
     setLastErrorFromErrno(errno, resolved);
@@ -23,7 +25,10 @@ int CreateDirectoryA(const char* path) {
 // The entry "." is looked up by the very rule by which a directory is entered, and the process stays where it
 // is.
 bool canEnterDirectory(const char* path) {
-    const std::string inside = resolvePath(path) + "/.";
+    std::string inside;
+    if (!findPath(path, inside))
+        return false;
+    inside += "/.";
     struct stat state = {};
     if (stat(inside.c_str(), &state) == 0)
         return true;
@@ -37,7 +42,9 @@ std::string GetCurrentDirectoryA() {
 }
 
 int SetCurrentDirectoryA(const char* path) {
-    const std::string resolved = resolvePath(path);
+    std::string resolved;
+    if (!findPath(path, resolved))
+        return 0;
     if (chdir(resolved.c_str()) == 0)
         return 1;
     setLastErrorFromErrno(errno, resolved);

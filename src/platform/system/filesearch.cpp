@@ -65,7 +65,9 @@ FindHandle FindFirstFileA(const char* pattern, WIN32_FIND_DATAA& data, std::vect
     const std::string_view suffix = whole.substr(star + 1);
 
     auto search = std::make_unique<FileSearch>();
-    search->directory = last == 0 ? "./" : resolvePath(whole.substr(0, last));
+    search->directory = "./";
+    if (last > 0 && !findPath(whole.substr(0, last), search->directory))
+        return nullptr;
     std::vector<std::string> names;
     const bool readable = readNames(search->directory, names);
     for (const std::string& name : names)

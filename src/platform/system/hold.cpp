@@ -41,7 +41,9 @@ void shareAsDirectory(int file, const std::string& directory) {
 HANDLE CreateFileA(const char* path) {
     if (injectedFault(DiskOperation::open))
         return INVALID_HANDLE_VALUE;
-    const std::string resolved = resolvePath(path);
+    std::string resolved;
+    if (!findPath(path, resolved))
+        return INVALID_HANDLE_VALUE;
     const bool made = isMissing(resolved);
     const int file = openPlainFile(resolved, O_WRONLY, true);
     if (file < 0)

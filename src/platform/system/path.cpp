@@ -63,31 +63,59 @@ constexpr std::int64_t settlingTime = 2000000000;
 // By device and number of the directory. Not inside of a function: look-ups are made up to the very end of
 // the process, by what was made before the first one.
 std::map<std::pair<dev_t, ino_t>, Listing> kept;
-const std::vector<std::string> none;
 
 // The names of a directory for look-ups. They are read once and kept while they are certainly current, since
 // each file of a directory full of names in other letters looks its own name up. The moment is that of the
 // last status change, because programs that copy trees set the modification time back.
-const std::vector<std::string>& namesForLookup(const std::string& directory) {
+// None where the directory can't be read, and GetLastError then tells why.
+const std::vector<std::string>* namesForLookup(const std::string& directory) {
     timespec now = {};
     clock_gettime(CLOCK_REALTIME, &now);
     struct stat state = {};
-    if (stat(directory.c_str(), &state) != 0)
-        return none;
+    if (stat(directory.c_str(), &state) != 0) {
+        setLastErrorFromErrno(errno, directory);
+        return nullptr;
+    }
 
     Listing& listing = kept[{state.st_dev, state.st_ino}];
     const std::int64_t changed = nanoseconds(state.st_ctim);
     if (listing.changed != changed) {
-        const bool complete = readNames(directory, listing.names);
-        const bool settled = changed + settlingTime < nanoseconds(now);
-        listing.changed = complete && settled ? changed : -1;
+        listing.changed = -1;
+        if (!readNames(directory, listing.names))
+            return nullptr;
+        if (changed + settlingTime < nanoseconds(now))
+            listing.changed = changed;
     }
-    return listing.names;
+    return &listing.names;
 }
 
-bool entryExists(const std::string& path) {
+enum class Presence { there, absent, unknown };
+
+Presence presenceOf(const std::string& path) {
     struct stat state = {};
-    return lstat(path.c_str(), &state) == 0;
+    if (lstat(path.c_str(), &state) == 0)
+        return Presence::there;
+    if (errno == ENOENT || errno == ENOTDIR)
+        return Presence::absent;
+    setLastErrorFromErrno(errno, path);
+    return Presence::unknown;
+}
+
+// Finds a component in the directory found so far, which ends with its separator or is empty. What does not
+// exist keeps its name. False where that can't be known.
+bool findComponent(const std::string& directory, std::string& component, bool& exists) {
+    const Presence presence = presenceOf(directory + component);
+    exists = presence == Presence::there;
+    if (presence != Presence::absent)
+        return exists;
+    const std::vector<std::string>* names = namesForLookup(directory.empty() ? "." : directory);
+    if (names == nullptr)
+        return isAbsence(GetLastError());
+    if (const std::string* entry = findName(*names, component)) {
+        component = *entry;
+        exists = true;
+    }
+    return true;
 }
 
 } // namespace
@@ -124,33 +152,38 @@ const std::string* findName(const std::vector<std::string>& names, std::string_v
     return first == entry ? nullptr : &*first;
 }
 
-std::string resolvePath(std::string_view path) {
+bool findPath(std::string_view path, std::string& found) {
     std::string given(path);
     std::replace(given.begin(), given.end(), '\\', '/');
-    if (entryExists(given))
-        return given;
-
-    std::string found;
+    found = given;
+    if (presenceOf(given) == Presence::there)
+        return true;
+    found.clear();
     for (std::size_t at = 0; at < given.size();) {
         const std::size_t start = std::min(given.find_first_not_of('/', at), given.size());
         const std::size_t end = std::min(given.find('/', start), given.size());
         found.append(given, at, start - at);
-        const std::string component = given.substr(start, end - start);
-        if (entryExists(found + component)) {
-            found += component;
-        } else {
-            const std::string* entry = findName(namesForLookup(found.empty() ? "." : found), component);
-            if (entry == nullptr)
-                return found + given.substr(start);
-            found += *entry;
-        }
+        std::string component = given.substr(start, end - start);
+        bool exists = false;
+        const bool known = findComponent(found, component, exists);
+        found += component;
         at = end;
+        if (!known || !exists) {
+            found.append(given, at);
+            return known;
+        }
     }
+    return true;
+}
+
+std::string resolvePath(std::string_view path) {
+    std::string found;
+    findPath(path, found);
     return found;
 }
 
 bool pathExists(std::string_view path) {
-    return entryExists(resolvePath(path));
+    return presenceOf(resolvePath(path)) == Presence::there;
 }
 
 std::vector<std::string> directoryEntries(const std::string& directory) {

@@ -11,7 +11,11 @@
 // name that was given, in the directory found so far.
 std::string resolvePath(std::string_view path);
 
-// Whether an entry of any kind stands under that name, ignoring case.
+// The same, and false where a directory on the way could not be looked into, so that what the path names is
+// unknown; GetLastError then tells why.
+bool findPath(std::string_view path, std::string& found);
+
+// Whether an entry of any kind stands under that name, ignoring case, as far as can be known.
 bool pathExists(std::string_view path);
 
 // The names in a directory in the platform's order: ascending, ASCII small letters counted as capitals, names
