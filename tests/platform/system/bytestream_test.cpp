@@ -229,24 +229,6 @@ TEST_F(ByteStreamTest, OnlyPlainFilesOpenAndNothingElseIsTouched) {
     EXPECT_EQ(listTree(directory.path()), tree);
 }
 
-TEST_F(ByteStreamTest, PermissionsAreRespected) {
-    fs::permissions(directory.path(), fs::perms(0755));
-    writeFile(directory / "closed", "");
-    fs::permissions(directory / "closed", fs::perms(0));
-    const int status = inChild([&] {
-        if ((geteuid() == 0 && setuid(65534) != 0) || !fs::exists(directory / "closed"))
-            return notPossibleHere;
-        for (const OpenMode mode : modes)
-            if (errorOf(open("closed", mode)) != ERROR_ACCESS_DENIED)
-                return 1;
-        const bool isOwner = access(directory.path().c_str(), W_OK) == 0;
-        return !isOwner && open("new", OpenMode::write) ? 2 : 0;
-    });
-    if (status == notPossibleHere)
-        GTEST_SKIP() << "no user here whom permissions stop";
-    EXPECT_EQ(status, 0);
-}
-
 // Where a file can't be had without a name it is made at open, and taken away again when its content can't be
 // written.
 TEST_F(ByteStreamTest, WithoutProcANewFileIsMadeAtOpen) {
