@@ -4,9 +4,9 @@ _txcheck() {
     _init_completion -n : || return
     local kinds="empty duplicate blank orphan missing corrupt side"
     case $prev in
-    --log) _filedir -d; return ;;
+    --log | --home) _filedir -d; return ;;
     --undo | --restore) _filedir; return ;;
-    -e | --entry | --change-key | --solve) return ;;
+    -e | --entry | --database | --change-key | --solve) return ;;
     --solve-all)
         [[ $cur == *:* ]] || COMPREPLY=($(compgen -S :1 -W "$kinds" -- "$cur"))
         __ltrim_colon_completions "$cur"
@@ -14,7 +14,7 @@ _txcheck() {
         ;;
     esac
     if [[ $cur == -* ]]; then
-        COMPREPLY=($(compgen -W "--all --entry --solve --solve-all --preen --change-key --yes --save --plan --undo
+        COMPREPLY=($(compgen -W "--database --home --all --entry --solve --solve-all --preen --change-key --yes --save --plan --undo
             --no-undo --undo-list --restore --log --no-lock --json --quiet --progress --no-progress --version --help" -- "$cur"))
     else
         _filedir -d
