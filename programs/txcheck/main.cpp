@@ -2,6 +2,7 @@
 #include <iostream>
 
 #include "choice.h"
+#include "explanation.h"
 #include "jsonreport.h"
 #include "options.h"
 #include "platform/system/standardstreams.h"
@@ -27,6 +28,8 @@ int main(int argc, char** argv) {
         session.database.showallkeys();
     if (options->json)
         writeJson(std::cout, session, *options);
+    else if (session.explained != 0)
+        writeExplanation(std::cout, *session.database.getproblem(session.explained), session.explained);
     else if (!options->quiet || session.status() != statusClean)
         writeText(std::cout, session, *options);
     std::cout.flush();

@@ -46,6 +46,12 @@ constexpr Value values[] = {
     {"--database", &Options::database, "NAME", "The database of that name in the home directory"},
     {"--home", &Options::home, "DIR", "The home directory, in place of that of the settings"},
     {"-e,--entry", &Options::entry, "KEY", "List every record that uses KEY"},
+    {"--explain", &Options::explain, "WHAT",
+     "Tell of the problem in that row, or with that id, which keys, files and records it is about, and what "
+     "each solution does"},
+    {"--known", &Options::known, "FILE",
+     "Take the problems whose ids stand in FILE as accepted: they are listed apart and don't count"},
+    {"--write-known", &Options::writeKnown, "FILE", "Write the ids of all problems to FILE, for --known"},
     {"--log", &Options::log, "DIR", "Write TXLOG.TXT into DIR"},
 };
 
@@ -197,6 +203,8 @@ void interpret(const CLI::App& app, const Words& words, Options& options) {
     if (!words.changeKey.empty())
         options.changeKey = readChangeKey(words.changeKey);
     const bool changes = !options.solve.empty() || options.preen || options.changeKey || options.save;
+    if (options.explain && options.json)
+        refuse("--explain", "does not go with --json");
     if (options.noLock && changes)
         refuse("--no-lock", "goes with no repair and no --save: without the hold the database may be in use "
                             "elsewhere");

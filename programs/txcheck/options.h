@@ -33,6 +33,9 @@ struct Options {
     std::optional<ChangeKeyStep> changeKey;
     bool yes = false;
     bool save = false;
+    std::optional<std::string> explain;    // a row or an id
+    std::optional<std::string> known;      // a file
+    std::optional<std::string> writeKnown; // a file
     std::optional<std::string> log;
     bool noLock = false;
     bool quiet = false;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "explanation.h"
 #include "model/marker.h"
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
@@ -11,6 +12,7 @@
 #include "reporting/log.h"
 #include "reporting/report.h"
 #include "status.h"
+#include "textfile.h"
 #include "told.h"
 
 namespace {
@@ -26,7 +28,7 @@ std::string inOneLine(std::string text) {
 
 } // namespace
 
-Session::Session(const Options& given) : database(""), steps(database, given), options(given) {
+Session::Session(const Options& given) : database(""), steps(database, given, known), options(given) {
     setReport([this](const char* text, const char* title, std::uint32_t flags) {
         return answer(text, title, flags);
     });
@@ -62,6 +64,8 @@ bool Session::open(const std::string& directory) {
     if (directory.size() >= decltype(database.directory)::capacity())
         return refuse("The path of the database directory is too long: it has at most " +
                       std::to_string(decltype(database.directory)::capacity() - 1) + " bytes");
+    if (const std::string failure = options.known ? known.read(*options.known) : ""; !failure.empty())
+        return refuse(failure);
     if (!readable(directory))
         return false;
     if (!isDatabase(directory.c_str()))
@@ -114,6 +118,17 @@ void Session::run() {
     tellUnread();
     steps.run([this] { return save(); });
     tellUnread();
+    for (const std::string& id : known.goneFrom(database))
+        tell("Warning: " + *options.known + ": there is no such problem (any more): " + id);
+    if (options.explain && (explained = rowToExplain(database, *options.explain)) == 0)
+        refuse("--explain " + *options.explain + ": there is no such problem");
+    if (options.writeKnown)
+        write(*options.writeKnown, knownText(database));
+}
+
+void Session::write(const std::string& path, const std::string& text) {
+    if (const std::string failure = writeTextFile(path, text, database.directory); !failure.empty())
+        refuse(failure);
 }
 
 bool Session::save() {
@@ -131,7 +146,7 @@ bool Session::save() {
 int Session::status() const {
     if (steps.failed || database.unreadcount() > 0)
         return statusFailed;
-    if (database.problemcount > 0 || database.ismodified() == 1)
+    if (known.unknownIn(database) > 0 || database.ismodified() == 1)
         return statusLeft;
     return steps.found ? statusSolved : statusClean;
 }

@@ -5,6 +5,7 @@
 #include <set>
 #include <string>
 
+#include "known.h"
 #include "model/database.h"
 #include "options.h"
 #include "platform/system/hold.h"
@@ -26,7 +27,9 @@ public:
     int status() const;
 
     TSXdatabase database;
+    KnownProblems known;
     Steps steps;
+    int explained = 0;  // the row that is to be explained; 0: none
     bool saved = false; // a save was asked for, and nothing is left unsaved
 
 private:
@@ -35,6 +38,7 @@ private:
     int answer(const char* text, const char* title, std::uint32_t flags);
     void tellUnread();
     bool save();
+    void write(const std::string& path, const std::string& text);
     bool refuse(const std::string& text);
 
     const Options& options;

@@ -19,7 +19,7 @@ SolvedStep record(const TSXproblem& problem, int row, std::string id, int number
 
 } // namespace
 
-Steps::Known Steps::known(const TSXproblem& problem) {
+Steps::Identity Steps::identityOf(const TSXproblem& problem) {
     return {problem.kind, problem.subkind, problem.name.c_str()};
 }
 
@@ -30,9 +30,9 @@ bool Steps::refuse(const std::string& text) {
 }
 
 void Steps::noteLoaded() {
-    found = database.problemcount > 0;
+    found = known.unknownIn(database) > 0;
     for (int row = 1; row <= database.problemcount && !options.solve.empty(); ++row)
-        loaded.push_back({known(*database.getproblem(row)), database.getproblem(row)->id()});
+        loaded.push_back({identityOf(*database.getproblem(row)), database.getproblem(row)->id()});
 }
 
 std::vector<Steps::Step> Steps::listSteps(const std::function<bool()>& save) {
@@ -63,12 +63,12 @@ void Steps::run(const std::function<bool()>& save) {
 
 void Steps::analyse() {
     database.analyse();
-    found = found || database.problemcount > 0;
+    found = found || known.unknownIn(database) > 0;
 }
 
-int Steps::rowOf(const Known& wanted) const {
+int Steps::rowOf(const Identity& wanted) const {
     for (int row = 1; row <= database.problemcount; ++row)
-        if (known(*database.getproblem(row)) == wanted)
+        if (identityOf(*database.getproblem(row)) == wanted)
             return row;
     return 0;
 }
@@ -105,7 +105,7 @@ bool Steps::solve(const SolveStep& step) {
 }
 
 bool Steps::passGone(const Loaded& gone, const SolveStep& step) {
-    const Known& was = gone.problem;
+    const Identity& was = gone.problem;
     const TSXproblem problem(database, was.kind, was.subkind, was.name.c_str());
     solved.push_back(record(problem, step.row, gone.id, step.number, resultGone));
     return true;
@@ -130,11 +130,11 @@ bool Steps::solveRow(int row, int number, const std::string& given) {
 // is taken once, so that this ends whatever the database holds.
 bool Steps::solveEach(const std::function<int(const TSXproblem&)>& choose, const std::string& given,
                       bool goOn) {
-    std::set<Known> taken;
+    std::set<Identity> taken;
     for (int row = 1; row <= database.problemcount;) {
         const TSXproblem& problem = *database.getproblem(row);
         const int number = choose(problem);
-        if (number == 0 || !taken.insert(known(problem)).second)
+        if (number == 0 || !taken.insert(identityOf(problem)).second)
             ++row;
         else if (solveRow(row, number, given))
             row = 1;
@@ -159,7 +159,8 @@ bool Steps::preen() {
         int number = problem.solutioncount();
         while (number > 0 && problem.solutioncost(number) != Cost::safe)
             --number;
-        return database.directorymissing() && problem.kind != missingdirectory ? 0 : number;
+        const bool onlyDirectories = database.directorymissing() && problem.kind != missingdirectory;
+        return onlyDirectories || known.has(problem) ? 0 : number;
     };
     return solveEach(safe, "--preen", true);
 }

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "known.h"
 #include "model/database.h"
 #include "options.h"
 
@@ -22,25 +23,26 @@ struct SolvedStep {
 
 class Steps {
 public:
-    Steps(TSXdatabase& inspected, const Options& given) : database(inspected), options(given) {}
+    Steps(TSXdatabase& inspected, const Options& given, const KnownProblems& accepted)
+        : database(inspected), options(given), known(accepted) {}
 
     // Takes the steps, behind a load; the save, which is given, is the last. A step that fails ends the work,
     // and those that are left out are told.
     void run(const std::function<bool()>& save);
 
     std::vector<SolvedStep> solved;
-    bool found = false;  // any analysis found a problem
+    bool found = false;  // any analysis found a problem that is not accepted
     bool failed = false; // something that was to be done could not be done
 
 private:
     // What makes a problem the same in another analysis; pointers to problems don't outlive one.
-    struct Known {
+    struct Identity {
         std::int32_t kind, subkind;
         std::string name;
-        auto operator<=>(const Known& other) const = default;
+        auto operator<=>(const Identity& other) const = default;
     };
     struct Loaded {
-        Known problem;
+        Identity problem;
         std::string id;
     };
     struct Step {
@@ -48,11 +50,11 @@ private:
         std::function<bool()> take;
     };
 
-    static Known known(const TSXproblem& problem);
+    static Identity identityOf(const TSXproblem& problem);
     void noteLoaded();
     std::vector<Step> listSteps(const std::function<bool()>& save);
     void analyse();
-    int rowOf(const Known& wanted) const;
+    int rowOf(const Identity& wanted) const;
     int rowOf(const std::string& id) const;
     int rowAtLoad(const SolveStep& step) const;
     bool solve(const SolveStep& step);
@@ -66,5 +68,6 @@ private:
 
     TSXdatabase& database;
     const Options& options;
+    const KnownProblems& known;
     std::vector<Loaded> loaded; // the rows after the load, from 0; only where a step speaks of one
 };

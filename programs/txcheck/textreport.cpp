@@ -42,15 +42,18 @@ std::string shownKey(std::string_view key) {
     return key.empty() ? "(no key)" : printable(key);
 }
 
-std::string summary(const TSXdatabase& database, const char* state) {
+std::string summary(const Session& session, const char* state) {
     std::map<std::string_view, int> counts;
-    for (int row = 1; row <= database.problemcount; ++row)
-        ++counts[countings[database.getproblem(row)->kind].one];
+    for (int row = 1; row <= session.database.problemcount; ++row) {
+        const TSXproblem& problem = *session.database.getproblem(row);
+        counts[countings[problem.kind].one] += session.known.has(problem) ? 0 : 1;
+    }
     std::string text;
     for (int kind = corruptdatafile; kind >= emptyfiles; --kind)
         if (const int count = counts[countings[kind].one]; count > 0)
             text += (text.empty() ? ": " : ", ") + counted(count, countings[kind].one, countings[kind].many);
-    return counted(database.problemcount, countings[0].one, countings[0].many) + state + text + ".";
+    return counted(session.known.unknownIn(session.database), countings[0].one, countings[0].many) + state +
+           text + ".";
 }
 
 void writeSolved(Page& page, const Session& session) {
@@ -89,15 +92,20 @@ void writeProblem(Page& page, const TSXproblem& problem, int row) {
                               notes[static_cast<int>(problem.solutioncost(n))]);
 }
 
-void writeProblems(Page& page, const TSXdatabase& database) {
-    if (database.problemcount == 0) {
-        page.heading("Problems");
-        page.line("  ", "none");
+void writeProblems(Page& page, const Session& session, bool accepted) {
+    const TSXdatabase& database = session.database;
+    const int unknown = session.known.unknownIn(database);
+    const int count = accepted ? database.problemcount - unknown : unknown;
+    if (accepted && count == 0)
         return;
-    }
-    page.heading("Problems, each with its id and its solutions for --solve WHAT:N");
+    page.heading(accepted    ? "Known problems, which are accepted as they are"
+                 : count > 0 ? "Problems, each with its id and its solutions for --solve WHAT:N"
+                             : "Problems");
+    if (count == 0)
+        page.line("  ", "none");
     for (int row = 1; row <= database.problemcount; ++row)
-        writeProblem(page, *database.getproblem(row), row);
+        if (session.known.has(*database.getproblem(row)) == accepted)
+            writeProblem(page, *database.getproblem(row), row);
 }
 
 void writeTypes(Page& page, const TSXdatabase& database) {
@@ -158,10 +166,12 @@ void writeTold(Page& page) {
 }
 
 std::string problemsLeft(const Session& session, bool failed) {
-    if (session.database.problemcount > 0)
-        return summary(session.database, session.steps.solved.empty() ? "" : " left");
+    if (session.known.unknownIn(session.database) > 0)
+        return summary(session, session.steps.solved.empty() ? "" : " left");
     if (session.steps.found)
         return "No problem is left.";
+    if (session.database.problemcount > 0)
+        return "Nothing is wrong but what is known.";
     return failed ? "No problem was found in what could be read." : "Nothing is wrong.";
 }
 
@@ -170,7 +180,7 @@ void writeConclusion(Page& page, const Session& session, const Options& options)
     const bool failed = session.status() == statusFailed;
     page.heading("Result");
     page.line("  ", problemsLeft(session, failed),
-              database.problemcount > 0 ? Colour::red : (failed ? Colour::none : Colour::green));
+              session.known.unknownIn(database) > 0 ? Colour::red : (failed ? Colour::none : Colour::green));
     if (failed)
         page.line("  ", "Not everything could be read or done: see the messages above.", Colour::red);
     if (session.saved)
@@ -190,7 +200,8 @@ void writeText(std::ostream& out, const Session& session, const Options& options
     page.line("Database Check- ", printable(database.directory.view()), Colour::bold);
     writeSolved(page, session);
     writeChanges(page, session);
-    writeProblems(page, database);
+    writeProblems(page, session, false);
+    writeProblems(page, session, true);
     writeTypes(page, database);
     writeKeys(page, database, options.all);
     if (options.entry)

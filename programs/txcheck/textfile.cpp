@@ -1,0 +1,46 @@
+#include "textfile.h"
+
+#include <filesystem>
+
+#include "platform/system/bytestream.h"
+#include "platform/system/errors.h"
+
+namespace {
+
+std::string failure(const std::string& path, const char* what) {
+    return path + ": " + what + ": " + errorText(GetLastError());
+}
+
+bool isBelow(const std::filesystem::path& path, const std::filesystem::path& directory) {
+    std::error_code error;
+    const auto whole = std::filesystem::weakly_canonical(path, error);
+    const auto above = std::filesystem::weakly_canonical(directory, error) / "";
+    return error || whole.string().starts_with(above.string());
+}
+
+} // namespace
+
+std::string readTextFile(const std::string& path, std::string& content) {
+    constexpr std::size_t piece = 65536;
+    ByteStream stream;
+    if (!stream.open(path.c_str(), OpenMode::read))
+        return failure(path, "The file can't be opened");
+    std::size_t count = 0;
+    do {
+        content.resize(content.size() + piece);
+        count = stream.read(content.data() + content.size() - piece, piece);
+        content.resize(content.size() - piece + count);
+    } while (count > 0);
+    SetLastError(stream.readFailure());
+    return stream.readFailure() == 0 ? std::string() : failure(path, "The file can't be read");
+}
+
+std::string writeTextFile(const std::string& path, std::string_view content, const char* databaseDirectory) {
+    if (isBelow(path, databaseDirectory))
+        return path + ": The file is not written, since it would stand in the database. Give another place";
+    ByteStream stream;
+    if (!stream.open(path.c_str(), OpenMode::write))
+        return failure(path, "The file can't be made");
+    const bool written = stream.write(content.data(), content.size()) == content.size();
+    return stream.close() && written ? std::string() : failure(path, "The file can't be written");
+}
