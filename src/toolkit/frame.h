@@ -37,7 +37,7 @@ public:
     // To be changed before the window is made.
     std::int32_t hasStatusBar = 1;             // anything else: no status bar
     std::int32_t hasBorder = 1;                // 0: no border
-    std::unique_ptr<CStatusBarCtrl> statusBar; // from the creation of the window on; stays empty
+    std::unique_ptr<CStatusBarCtrl> statusBar; // from the creation of the window on
 
 private:
     void onCreate() override;

@@ -4,9 +4,11 @@
 #include <string>
 
 #include "model/database.h"
+#include "model/datafile.h"
 #include "model/problem.h"
 #include "platform/window/dc.h"
 #include "platform/window/msgbox.h"
+#include "platform/window/statusbarctrl.h"
 #include "resources/resources.h"
 #include "views/current.h"
 #include "views/entriespane.h"
@@ -61,6 +63,14 @@ void drawGrooves(CDC& dc, int right, int bottom) {
     dc.SelectStockObject(BLACK_PEN);
 }
 
+int changedFiles(const TSXdatabase& model) {
+    int count = 0;
+    for (const auto& list : model.lists)
+        for (std::size_t i = 1; i < list->files.size(); ++i)
+            count += list->files[i]->anydirty();
+    return count;
+}
+
 } // namespace
 
 TSXmainframe::TSXmainframe() = default;
@@ -81,6 +91,7 @@ void TSXmainframe::frameCreated() {
     entriesPane = makePane<TSXentriespane>(*this);
     problemPane = makePane<TSXproblempane>(*this);
     updateScrollRanges();
+    showStatus();
 }
 
 void TSXmainframe::updateScrollRanges() {
@@ -127,7 +138,7 @@ void TSXmainframe::frameCommand(std::uint32_t id) {
         rebuildDatabase();
         break;
     case saveCommand:
-        database->saveall();
+        save();
         break;
     case editCommand:
         openEntryWindow();
@@ -145,8 +156,31 @@ int TSXmainframe::canClose() {
         MessageBoxA(this, "Database has been changed. Do you want to save these changes on disk?", "Warning",
                     MB_YESNOCANCEL | MB_ICONEXCLAMATION);
     if (answer == IDYES)
-        database->saveall();
+        return save() ? 1 : 0; // what could not be saved must not go with the window
     return answer == IDCANCEL ? 0 : 1;
+}
+
+bool TSXmainframe::save() {
+    database->saveall();
+    unsavedFiles = changedFiles(*database);
+    showStatus();
+    return unsavedFiles == 0;
+}
+
+// What the person should know although no message box says it, or says it any more.
+void TSXmainframe::showStatus() {
+    const int unread = database->unreadcount();
+    std::string line;
+    const auto add = [&line](const char* what, int count) {
+        if (count > 0)
+            line += (line.empty() ? "" : "; ") + (what + std::to_string(count));
+    };
+    add("Could not be read: ", unread);
+    add("Left out: ", static_cast<int>(database->unread.size()) - unread);
+    if (!line.empty())
+        line += " (see TXLOG.TXT)";
+    add("Files not saved: ", unsavedFiles);
+    statusBar->SetText(line.c_str());
 }
 
 void TSXmainframe::showAllEntries() {
@@ -173,6 +207,7 @@ void TSXmainframe::rebuildDatabase() {
     closeEntryWindows(); // each shows a key of the index, which the analysis makes anew
     database->analyse();
     updateScrollRanges();
+    showStatus();
     InvalidateRect(true);
     entriesPane->InvalidateRect(true);
     typesPane->InvalidateRect(true);

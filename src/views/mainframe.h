@@ -48,6 +48,10 @@ public:
 private:
     void updateScrollRanges();
     void showAllEntries();
+    bool save(); // false when something is left unsaved, which has been reported
+    void showStatus();
     void solveProblem(std::uint32_t command);
     void closeEntryWindows();
+
+    std::int32_t unsavedFiles = 0; // that the last save left with a change
 };

@@ -11,6 +11,8 @@ QPalette::ColorRole roleOf(SystemColour colour) {
     switch (colour) {
     case COLOR_BTNSHADOW:
         return QPalette::Dark;
+    case COLOR_BTNTEXT:
+        return QPalette::ButtonText;
     case COLOR_BTNHIGHLIGHT:
         return QPalette::Light;
     case COLOR_3DDKSHADOW:

@@ -14,6 +14,7 @@ constexpr COLORREF RGB(int red, int green, int blue) {
 enum SystemColour : int {
     COLOR_BTNFACE = 15,
     COLOR_BTNSHADOW = 16,
+    COLOR_BTNTEXT = 18,
     COLOR_BTNHIGHLIGHT = 20,
     COLOR_3DDKSHADOW = 21,
     COLOR_3DLIGHT = 22,

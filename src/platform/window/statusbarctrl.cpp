@@ -2,7 +2,9 @@
 
 #include <QSizeGrip>
 
+#include "platform/window/internal/conversion.h"
 #include "platform/window/internal/host.h"
+#include "platform/window/windowdc.h"
 
 bool CStatusBarCtrl::Create(CWnd& frame) {
     if (!CWnd::Create({GetSysColor(COLOR_BTNFACE), nullptr}, RECT{0, 0, 1, 1}, frame))
@@ -10,6 +12,22 @@ bool CStatusBarCtrl::Create(CWnd& frame) {
     auto* const grip = new QSizeGrip(host()->client()); // goes with it
     grip->show();
     return true;
+}
+
+void CStatusBarCtrl::SetText(const char* line) {
+    if (text == line || host() == nullptr)
+        return;
+    text = line;
+    host()->setAccessibleName(unicodeOf(text));
+    host()->setToolTip(unicodeOf(text).toHtmlEscaped());
+    InvalidateRect(true);
+}
+
+void CStatusBarCtrl::onPaint() {
+    CPaintDC context(*this);
+    context.SetBkMode(TRANSPARENT);
+    context.SetTextColor(GetSysColor(COLOR_BTNTEXT));
+    context.TextOutA(4, 1, text.c_str());
 }
 
 void CStatusBarCtrl::onSize(int /*type*/, int width, int height) {
