@@ -1,4 +1,6 @@
 #include "desktoptest.h"
+#include "platform/system/faults.h"
+#include "platform/window/statusbarctrl.h"
 #include "model/problem.h"
 
 TEST_F(DesktopTest, MainWindowHasItsTitleSizePanesAndGrooves) {
@@ -50,6 +52,31 @@ TEST_F(DesktopTest, LeavingAsksOnlyWhenSomethingIsUnsaved) {
         EXPECT_EQ(::database->ismodified(), row.modified) << row.answer;
     }
     EXPECT_EQ(reports, Texts(3, "Database has been changed. Do you want to save these changes on disk?"));
+}
+
+TEST_F(DesktopTest, WhatWasNotReadOrNotSavedIsToldAndKeepsTheWindowOpen) {
+    const auto status = [this] { return outerWidget(*main->statusBar)->accessibleName(); };
+    EXPECT_EQ(status(), "");
+    ::database->createkeys();
+    answer = IDYES;
+    diskFaultHook = [](DiskOperation) { return true; };
+    EXPECT_EQ(main->canClose(), 0);
+    EXPECT_EQ(::database->ismodified(), 1);
+    EXPECT_EQ(status(), "Files not saved: 1");
+    EXPECT_GE(reports.size(), 2U) << "the failure is told beside the question";
+    diskFaultHook = nullptr;
+    command(101);
+    EXPECT_EQ(status(), "");
+    ::database->addunread({"seq/X.DEF", "no reason", Unread::whole});
+    ::database->addunread({"seq/Y.DEF", "the same as X", Unread::told});
+    command(102);
+    EXPECT_EQ(status(), "Could not be read: 1; Left out: 1 (see TXLOG.TXT)");
+    main->selectedProblem = 1;
+    while (::database->getproblem(main->selectedProblem)->kind != duplicatekeys)
+        ++main->selectedProblem;
+    command(renameduplicatescommand);
+    EXPECT_NE(reports.back().find("seq/X.DEF"), std::string::npos) << reports.back();
+    EXPECT_EQ(::database->ismodified(), 0);
 }
 
 TEST_F(DesktopTest, AKeyHasOneWindowAndThereAreFiftyAtMost) {
