@@ -24,8 +24,6 @@ int main(int argc, char** argv) {
     if (!session.open(*directory))
         return statusFailed;
     session.run();
-    if (options->all)
-        session.database.showallkeys();
     if (options->json)
         writeJson(std::cout, session, *options);
     else if (session.explained != 0)

@@ -52,6 +52,7 @@ constexpr Value values[] = {
     {"--known", &Options::known, "FILE",
      "Take the problems whose ids stand in FILE as accepted: they are listed apart and don't count"},
     {"--write-known", &Options::writeKnown, "FILE", "Write the ids of all problems to FILE, for --known"},
+    {"--report", &Options::report, "FILE", "Write the report as an HTML page to FILE too"},
     {"--log", &Options::log, "DIR", "Write TXLOG.TXT into DIR"},
 };
 

@@ -36,6 +36,7 @@ struct Options {
     std::optional<std::string> explain;    // a row or an id
     std::optional<std::string> known;      // a file
     std::optional<std::string> writeKnown; // a file
+    std::optional<std::string> report;     // an HTML file
     std::optional<std::string> log;
     bool noLock = false;
     bool quiet = false;

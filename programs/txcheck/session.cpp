@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "explanation.h"
+#include "htmlreport.h"
 #include "model/marker.h"
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
@@ -124,6 +125,10 @@ void Session::run() {
         refuse("--explain " + *options.explain + ": there is no such problem");
     if (options.writeKnown)
         write(*options.writeKnown, knownText(database));
+    if (options.all)
+        database.showallkeys();
+    if (options.report)
+        write(*options.report, htmlReport(*this, options));
 }
 
 void Session::write(const std::string& path, const std::string& text) {

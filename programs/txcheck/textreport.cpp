@@ -1,6 +1,5 @@
 #include "textreport.h"
 
-#include <map>
 #include <string_view>
 
 #include "model/datafile.h"
@@ -8,30 +7,14 @@
 #include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
+#include "outcome.h"
 #include "page.h"
 #include "reporting/printable.h"
-#include "status.h"
 #include "told.h"
 
 namespace {
 
 using Colour = Page::Colour;
-
-// How a summary counts the problems of a kind, by kind; both sorts of corrupted files are one.
-struct Counting {
-    const char* one;
-    const char* many;
-};
-constexpr Counting countings[] = {
-    {"problem", "problems"},
-    {"class with empty files", "classes with empty files"},
-    {"type with duplicate keys", "types with duplicate keys"},
-    {"set of entries without keys", "sets of entries without keys"},
-    {"set of keys without entries", "sets of keys without entries"},
-    {"missing directory", "missing directories"},
-    {"corrupted file", "corrupted files"},
-    {"corrupted file", "corrupted files"},
-};
 
 std::string rightAligned(long number, std::size_t columnCount) {
     std::string text = std::to_string(number);
@@ -40,20 +23,6 @@ std::string rightAligned(long number, std::size_t columnCount) {
 
 std::string shownKey(std::string_view key) {
     return key.empty() ? "(no key)" : printable(key);
-}
-
-std::string summary(const Session& session, const char* state) {
-    std::map<std::string_view, int> counts;
-    for (int row = 1; row <= session.database.problemcount; ++row) {
-        const TSXproblem& problem = *session.database.getproblem(row);
-        counts[countings[problem.kind].one] += session.known.has(problem) ? 0 : 1;
-    }
-    std::string text;
-    for (int kind = corruptdatafile; kind >= emptyfiles; --kind)
-        if (const int count = counts[countings[kind].one]; count > 0)
-            text += (text.empty() ? ": " : ", ") + counted(count, countings[kind].one, countings[kind].many);
-    return counted(session.known.unknownIn(session.database), countings[0].one, countings[0].many) + state +
-           text + ".";
 }
 
 void writeSolved(Page& page, const Session& session) {
@@ -165,31 +134,11 @@ void writeTold(Page& page) {
         page.line("  ", text, Colour::yellow);
 }
 
-std::string problemsLeft(const Session& session, bool failed) {
-    if (session.known.unknownIn(session.database) > 0)
-        return summary(session, session.steps.solved.empty() ? "" : " left");
-    if (session.steps.found)
-        return "No problem is left.";
-    if (session.database.problemcount > 0)
-        return "Nothing is wrong but what is known.";
-    return failed ? "No problem was found in what could be read." : "Nothing is wrong.";
-}
-
 void writeConclusion(Page& page, const Session& session, const Options& options) {
-    const TSXdatabase& database = session.database;
-    const bool failed = session.status() == statusFailed;
+    constexpr Colour colours[] = {Colour::none, Colour::green, Colour::red};
     page.heading("Result");
-    page.line("  ", problemsLeft(session, failed),
-              session.known.unknownIn(database) > 0 ? Colour::red : (failed ? Colour::none : Colour::green));
-    if (failed)
-        page.line("  ", "Not everything could be read or done: see the messages above.", Colour::red);
-    if (session.saved)
-        page.line("  ", "All changed keys are on the disk.");
-    else if (database.ismodified() == 1)
-        page.line("  ",
-                  options.save ? "Changed keys are not saved."
-                               : "Changed keys are not saved: give --save to write them to disk.",
-                  Colour::red);
+    for (const Sentence& sentence : outcome(session, options))
+        page.line("  ", sentence.text, colours[sentence.mood]);
 }
 
 } // namespace

@@ -26,4 +26,10 @@ for name, options in [("document.json", ["--json"]), ("report.txt", [])]:
     expected = (golden / name).read_text()
     failed = failed or found != expected
     sys.stdout.writelines(difflib.unified_diff(expected.splitlines(True), found.splitlines(True), name, "found"))
+with tempfile.TemporaryDirectory() as work:  # nothing of a name becomes markup
+    subprocess.run([programs / "txsample", "db"], cwd=work, check=True, stdout=subprocess.DEVNULL)
+    pathlib.Path(work, "db/seq/<img src=x>&\u202e.CNF").touch()
+    subprocess.run([programs / "txcheck", "--report", "page.html", "db"], cwd=work, stdout=subprocess.DEVNULL)
+    page = pathlib.Path(work, "page.html").read_text()
+    failed = failed or "<bdi>The file &#39;db/seq/&lt;img src=x&gt;&amp;\\xE2\\x80\\xAE.CNF" not in page or "<img" in page
 sys.exit(failed)
