@@ -58,6 +58,13 @@ private:
     std::map<std::pair<int, std::string>, int, IgnoringCase> numbers;
 };
 
+// Whether a record that could be read uses the key: of the others it is not known what key they have.
+bool isread(const TSXkeyentry& entry) {
+    const auto records = entry.records();
+    return std::any_of(records.begin(), records.end(),
+                       [](const Occurrence& use) { return !use.file->isunread(use.record); });
+}
+
 void renamerecord(TSXdatabase& database, TSXdatafile& file, int record, int type, const std::string& key) {
     file.setkey(record, key.c_str());
     database.keytree.findoradd(key).addoccurrence(type, file, record);
@@ -135,7 +142,7 @@ void TSXdatabase::adddatabaseentries() {
     auto& list = static_cast<TSXdbslist&>(*lists[0]);
     TSXdatafile* current = nullptr;
     for (std::size_t i = 1; i < keyarray.size(); ++i) {
-        if (!keyarray[i]->isorphan())
+        if (!keyarray[i]->isorphan() || !isread(*keyarray[i]))
             continue;
         if (current == nullptr || current->keycount >= maxadded) {
             const int position = list.newfile();
