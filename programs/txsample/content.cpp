@@ -1,5 +1,6 @@
 #include "content.h"
 
+#include <algorithm>
 #include <array>
 
 #include "model/datafile.h"
@@ -13,6 +14,7 @@ enum Purpose : std::uint64_t { keyshape = 1, keywords, valuewords, recordinteger
 constexpr std::array collections = {"S-",  "K",   "VL-",     "CI ",      "ENV-", "FD",
                                     "WW ", "BK-", "Strain ", "isolate ", "REF-", "Lab. "};
 constexpr std::array forms = {"", "", "", "/A", "-2", "T", ".1", " (ref)", "/17", "_b"};
+constexpr const char* commonbeginning = "Collection of the west ward - ";
 constexpr std::array words = {"blood",  "stool", "urine", "river",  "ward", "broth", "soil",  "swab",
                               "cheese", "calf",  "plate", "repeat", "west", "clone", "typed", "frozen"};
 constexpr std::array fieldnames = {"Species", "Source", "Isolated", "Received by", "Box", "Remarks"};
@@ -58,16 +60,24 @@ std::string Content::lengthened(std::string text, std::int64_t number, std::size
     return text;
 }
 
+// The collection and the number of a key.
+std::string Content::beginning(std::int64_t number, bool styled) const {
+    const std::uint64_t shape = mix(keyshape, number);
+    const bool ordered = styled && style_ == KeyStyle::ordered;
+    std::string digits = std::to_string(number);
+    const std::size_t width = ordered ? 8 : ((shape & 1) != 0 ? 5 : 0);
+    digits.insert(0, width - std::min(width, digits.size()), '0');
+    const std::string text = (ordered ? collections[0] : pick(collections, shape >> 8)) + digits;
+    return styled && style_ == KeyStyle::prefixed ? commonbeginning + text : text;
+}
+
 std::string Content::key(std::int64_t number, std::size_t length) const {
     const std::uint64_t shape = mix(keyshape, number);
-    std::string digits = std::to_string(number);
-    if ((shape & 1) != 0 && digits.size() < 5)
-        digits.insert(0, 5 - digits.size(), '0');
-    const std::string text = pick(collections, shape >> 8) + digits + pick(forms, shape >> 16);
+    const std::string text = beginning(number, length == 0) + pick(forms, shape >> 16);
     if (length == 0 && (shape >> 24) % 32 == 0)
         length = maxkeylength;
     if (length == 0 && (shape >> 24) % 2 == 0)
-        length = 24 + (shape >> 32) % 32;
+        length = std::max<std::size_t>(24 + (shape >> 32) % 32, text.size());
     return length == 0 ? text : lengthened(text, number, length);
 }
 

@@ -6,13 +6,17 @@
 #include <cstdint>
 #include <string>
 
+// How the keys of a sample are ordered: each behind the one before, in no order, or in no order behind 30
+// bytes that all have in common.
+enum class KeyStyle { ordered, shuffled, prefixed };
+
 class Content {
 public:
-    explicit Content(std::uint32_t seed) : seed_(seed) {}
+    Content(std::uint32_t seed, KeyStyle style) : seed_(seed), style_(style) {}
 
     // The key with that number, from 1: like a laboratory's strain number, of ASCII, at most 60 bytes; with a
-    // length other than 0, made up to that length with more words. Keys of different numbers differ, also
-    // ignoring case.
+    // length other than 0, made up to that length with more words, whatever the style. Keys of different
+    // numbers differ, also ignoring case.
     std::string key(std::int64_t number, std::size_t length = 0) const;
     // A value of at most 200 bytes, sometimes an empty one.
     std::string fieldvalue(std::int64_t number, int field) const;
@@ -20,9 +24,11 @@ public:
 
 private:
     std::uint64_t mix(std::uint64_t purpose, std::int64_t number) const;
+    std::string beginning(std::int64_t number, bool styled) const;
     std::string lengthened(std::string text, std::int64_t number, std::size_t length) const;
 
     std::uint32_t seed_;
+    KeyStyle style_;
 };
 
 // The name of a field, from 0.

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <iostream>
+#include <map>
+#include <string>
 
 #include "damage.h"
 
@@ -23,6 +25,13 @@ void addNumbers(CLI::App& app, SampleOptions& options) {
     app.add_option("--seed", options.seed, "Another number gives other keys and values")
         ->type_name("N")
         ->capture_default_str();
+    const std::map<std::string, KeyStyle> styles = {
+        {"ordered", KeyStyle::ordered}, {"shuffled", KeyStyle::shuffled}, {"prefixed", KeyStyle::prefixed}};
+    app.add_option(
+           "--keys", options.keys,
+           "Order of the keys: ordered, shuffled (default), or prefixed: shuffled, with 30 bytes in common")
+        ->type_name("STYLE")
+        ->transform(CLI::CheckedTransformer(styles));
 }
 
 void addDamages(CLI::App& app, SampleOptions& options) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "content.h"
+
 struct SampleOptions {
     std::string directory; // made if missing; has to be empty
     int files = 3;         // .DBS files
@@ -16,6 +18,7 @@ struct SampleOptions {
     int records = 40;      // in each experiment file; a gel2d file always has one
     int fields = 3;        // of an entry
     std::uint32_t seed = 1;
+    KeyStyle keys = KeyStyle::shuffled;
     std::vector<std::string> damages; // names of the table in damage.h
     std::string home;                 // with name: where to write the database settings file, made if missing
     std::string name;

@@ -68,7 +68,8 @@ bool hasrecordchunk(const DataFile& data) {
 } // namespace
 
 SampleTree::SampleTree(std::string root, const SampleOptions& wanted)
-    : options(wanted), content(wanted.seed), root_(std::move(root)), failedbefore_(failedWrites()) {}
+    : options(wanted), content(wanted.seed, wanted.keys), root_(std::move(root)),
+      failedbefore_(failedWrites()) {}
 
 void SampleTree::check(const std::error_code& error, const char* tried, const std::string& path) {
     if (error && !failed())

@@ -57,7 +57,8 @@ int TSXdbsfile::readentries(TSXbinfile& file) {
     for (std::size_t i = 1; i < keys.size(); ++i) {
         readkey(file, i);
         passstrings(file, fieldcount);
-        logLine(Text<100>().format("%s%s", fileclasses[classid].recordindent, keys[i].data()));
+        if (logEnabled == 1)
+            logLine(Text<100>().format("%s%s", fileclasses[classid].recordindent, keys[i].data()));
     }
     return 1;
 }

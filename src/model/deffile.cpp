@@ -56,5 +56,6 @@ void TSXdeffile::readrecord(TSXbinfile& file, std::size_t i) {
         std::int32_t discarded;
         file.readint(discarded);
     }
-    logLine(Text<100>().format("%s%s | %d", format.recordindent, keys[i].data(), keytypes[i]));
+    if (logEnabled == 1)
+        logLine(Text<100>().format("%s%s | %d", format.recordindent, keys[i].data(), keytypes[i]));
 }

@@ -2,7 +2,6 @@
 
 #include <cstring>
 #include <string>
-#include <unordered_set>
 
 #include "files/finder.h"
 #include "model/database.h"
@@ -83,11 +82,14 @@ bool TSXfilelist::islisted(const TSXfinder& match, const char* fullpath) {
 TSXfilelist::~TSXfilelist() = default;
 
 void TSXfilelist::addfile(std::unique_ptr<TSXdatafile> file) {
+    names.insert(smallLetters(file->name.view()));
     files.push_back(std::move(file));
     ++count;
 }
 
 void TSXfilelist::removeat(int position) {
+    names.erase(smallLetters(files[static_cast<std::size_t>(position)]->name.view()));
+    lowestnumber = 1;
     files.erase(files.begin() + position);
     --count;
 }
@@ -115,19 +117,20 @@ void TSXfilelist::reportempty(int fileclass) {
 int TSXdbslist::newfile() {
     if (count >= maxfiles)
         return -1;
-    std::unordered_set<std::string> taken;
-    for (std::size_t i = 1; i < files.size(); ++i)
-        taken.insert(smallLetters(files[i]->name.view()));
     const FileClass& format = fileclasses[0];
     Text<20> name;
-    int number = 1;
+    const auto islisted = [&](int number) {
+        return names.count(smallLetters(name.format("DBSF%03d", number).view())) != 0;
+    };
+    while (islisted(lowestnumber))
+        ++lowestnumber;
+    int number = lowestnumber;
     // A file of that name may stand on the disk without being in the list: beyond its limit, or as a
     // directory.
-    while (taken.count(smallLetters(name.format("DBSF%03d", number).view())) != 0 ||
-           pathExists(Text<700>()
-                          .format("%s/%s/%s.%s", database.directory.c_str(), format.directory, name.c_str(),
-                                  format.extension)
-                          .view()))
+    while (islisted(number) || pathExists(Text<700>()
+                                              .format("%s/%s/%s.%s", database.directory.c_str(),
+                                                      format.directory, name.c_str(), format.extension)
+                                              .view()))
         ++number;
     auto made = makers[0](database, *this, name);
     if (made->unread) // whether its name is free can't be known

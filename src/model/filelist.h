@@ -6,6 +6,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "platform/system/bytestream.h"
@@ -35,14 +36,17 @@ public:
 
     bool missing = false; // the class's directory was not there when it was scanned
 
-protected:
-    void addfile(std::unique_ptr<TSXdatafile> file);
-
 private:
     void takematch(const TSXfinder& match, int fileclass);
     bool islisted(const TSXfinder& match, const char* fullpath);
 
     std::map<FileIdentity, std::string> listed; // the path under which each file is read
+
+protected:
+    void addfile(std::unique_ptr<TSXdatafile> file);
+
+    std::unordered_set<std::string> names; // of the files, in small letters
+    int lowestnumber = 1;                  // files of all numbers below are in the list
 };
 
 class TSXdbslist : public TSXfilelist {

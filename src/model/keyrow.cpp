@@ -25,6 +25,10 @@ std::uint64_t pieceof(const char* text) {
     return piece;
 }
 
+bool before(const KeyRow::Record& a, const KeyRow::Record& b) {
+    return std::tie(a.piece, a.file, a.record) < std::tie(b.piece, b.file, b.record);
+}
+
 } // namespace
 
 // First all keys count as equal. Piece by piece those that are equal so far are sorted and told apart.
@@ -61,9 +65,8 @@ bool KeyRow::tellapart(std::size_t depth) {
             ++end;
         if (end - begin > 1 && begin->length >= depth) {
             found = true;
-            std::sort(begin, end, [](const Record& a, const Record& b) {
-                return std::tie(a.piece, a.file, a.record) < std::tie(b.piece, b.file, b.record);
-            });
+            if (!std::is_sorted(begin, end, before))
+                std::sort(begin, end, before);
             begin->repeats = false;
             for (auto record = begin + 1; record != end; ++record)
                 record->repeats = record->piece == (record - 1)->piece;

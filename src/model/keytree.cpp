@@ -116,7 +116,8 @@ void TSXkeytree::build() {
         Occurrence* const first = occurrence;
         for (; record != next; ++record)
             *occurrence++ = {row.files[record->file], record->record, record->type};
-        std::ranges::stable_sort(first, occurrence, {}, &Occurrence::type);
+        if (!std::ranges::is_sorted(first, occurrence, {}, &Occurrence::type))
+            std::ranges::stable_sort(first, occurrence, {}, &Occurrence::type);
         new (entry) TSXkeyentry(database, key, {first, occurrence});
     }
     root = balanced(entries, keys);

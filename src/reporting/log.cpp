@@ -1,10 +1,12 @@
 #include "reporting/log.h"
 
+#include <cstring>
 #include <string>
 
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
 #include "platform/system/messagebox.h"
+#include "platform/system/path.h"
 #include "reporting/report.h"
 
 int logEnabled = 0;
@@ -27,16 +29,19 @@ constexpr const char* trailer = "\n"
 int lostLines = 0;
 std::uint32_t lossReason = ERROR_SUCCESS; // of the first
 
-bool writeText(const std::string& text, OpenMode mode) {
+std::string foundPath; // the log file under the name that it has on the disk
+
+bool writeHead() {
     ByteStream stream;
-    if (!stream.open(logPath, mode, Links::refused))
+    if (!stream.open(logPath, OpenMode::write, Links::refused))
         return false;
-    const bool written = stream.write(text.data(), text.size()) == text.size();
+    const std::size_t size = std::strlen(head);
+    const bool written = stream.write(head, size) == size;
     return stream.close() && written;
 }
 
 void append(const std::string& text) {
-    if (writeText(text, OpenMode::append))
+    if (appendToFile(foundPath, text))
         return;
     if (lostLines++ == 0)
         lossReason = GetLastError();
@@ -56,8 +61,10 @@ int startLog(int enabled, const char* directory) {
     if (logEnabled != 1)
         return 1;
     logPath.format("%s\\TXLOG.TXT", directory);
-    if (writeText(head, OpenMode::write))
+    if (writeHead()) {
+        foundPath = resolvePath(logPath.view());
         return 1;
+    }
     logEnabled = 0;
     report((std::string("Could not create log file in ") + directory).c_str(), "Error", MB_OK | MB_ICONHAND);
     return 0;

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t bufferSize = 4096;
+constexpr std::size_t bufferSize = 65536;          // most files are read in one or two pieces
 constexpr std::int64_t largestContent = INT32_MAX; // of a new file, whose offsets are 32-bit numbers
 
 int failures = 0;
@@ -199,18 +199,18 @@ std::size_t ByteStream::buffered() const {
     return offset >= 0 && offset < size ? static_cast<std::size_t>(size - offset) : 0;
 }
 
-// Reads the piece of the file at the position. The buffer stays as it is when nothing comes.
+// Reads the piece of the file at the position.
 bool ByteStream::fill() {
-    char piece[bufferSize];
-    const ssize_t size = readPiece(file_, piece, sizeof piece, position_);
+    buffer_.resize(bufferSize);
+    const ssize_t size = readPiece(file_, buffer_.data(), buffer_.size(), position_);
+    buffer_.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    bufferStart_ = position_;
     if (size < 0)
         return failRead();
     if (size == 0) {
         atEnd_ = true;
         return false;
     }
-    buffer_.assign(piece, static_cast<std::size_t>(size));
-    bufferStart_ = position_;
     return true;
 }
 
@@ -338,6 +338,29 @@ bool ByteStream::skip(std::int64_t count) {
 
 int failedWrites() {
     return failures;
+}
+
+bool appendToFile(const std::string& path, std::string_view bytes) {
+    if (injectedFault(DiskOperation::open))
+        return false;
+    constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    const int file = retryInterrupted([&] { return open(path.c_str(), flags, 0666); });
+    if (file < 0) {
+        setLastErrorFromErrno(errno, path);
+        return false;
+    }
+    bool good = !injectedFault(DiskOperation::write);
+    if (good) {
+        const ssize_t size = retryInterrupted([&] { return write(file, bytes.data(), bytes.size()); });
+        good = size == static_cast<ssize_t>(bytes.size());
+        if (!good)
+            setLastErrorFromErrno(size < 0 ? errno : ENOSPC, path);
+    }
+    const bool closed = close(file) == 0 || errno == EINTR;
+    if (!closed)
+        setLastErrorFromErrno(errno, path);
+    failures += good && closed ? 0 : 1;
+    return good && closed;
 }
 
 bool removeFile(const char* path) {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 enum class OpenMode {
     read,   // an existing file
@@ -83,6 +84,11 @@ private:
 
 // How many writes of the process have failed, a failed close or flush counted as one.
 int failedWrites();
+
+// Appends bytes to a plain file, which is made where it is missing, in one piece: an open, a write and a
+// close, and nothing else, since a log does this for each of its lines. The path is taken as it stands, and a
+// link at its end is refused. False on failure.
+bool appendToFile(const std::string& path, std::string_view bytes);
 
 // Deletes a plain file or takes away a link. False on failure; a directory is refused.
 bool removeFile(const char* path);

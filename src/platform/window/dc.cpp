@@ -22,7 +22,7 @@ QRect rectangleOf(int left, int top, int right, int bottom) {
 } // namespace
 
 void DrawingState::fill(const QRect& logical, COLORREF colour) {
-    if (!canvas || logical.isEmpty())
+    if (!canvas || logical.isEmpty() || outOfSight(logical))
         return;
     const QRect device = canvas->toDevice(logical);
     canvas->fill(device, colour, clip);
@@ -36,11 +36,14 @@ const TextFace& DrawingState::currentFace() {
     return *face;
 }
 
-void DrawingState::text(int x, int y, const QString& string, const QRegion& textClip) {
-    if (!canvas || string.isEmpty() || textClip.isEmpty())
+void DrawingState::text(int x, int y, const char* bytes, const QRegion& textClip) {
+    if (!canvas || *bytes == '\0' || textClip.isEmpty())
         return;
     const TextFace& shape = currentFace();
-    const int width = shape.width(string);
+    // Level text lies within the lines of its cell, whatever it is: most rows of a long list need no more.
+    if (shape.escapement == 0 && (y > clipBox.bottom() + 1 || y + shape.height + 1 < clipBox.top()))
+        return;
+    const int width = shape.width(bytes);
     const int left = alignment == TA_RIGHT ? -width : (alignment == TA_CENTER ? -width / 2 : 0);
     const QTransform turn = QTransform::fromTranslate(canvas->toDevice(x, y).x(), canvas->toDevice(x, y).y())
                                 .rotate(-shape.escapement / 10.0);
@@ -56,7 +59,7 @@ void DrawingState::text(int x, int y, const QString& string, const QRegion& text
         painter.fillRect(cell, QColor(rgbOf(backgroundColour)));
     painter.setFont(shape.font);
     painter.setPen(QColor(rgbOf(textColour)));
-    painter.drawText(QPoint(left, shape.ascent), string);
+    painter.drawText(QPoint(left, shape.ascent), unicodeOf(bytes));
     if (drawn)
         drawn(touched);
 }
@@ -190,24 +193,24 @@ void CDC::SetTextAlign(unsigned alignment) {
 }
 
 void CDC::TextOutA(int x, int y, const char* text) {
-    state_->text(x, y, unicodeOf(text), state_->clip);
+    state_->text(x, y, text, state_->clip);
 }
 
 void CDC::ExtTextOutA(int x, int y, const RECT& rectangle, const char* text) {
     const QRect area = rectangleOf(rectangle.left, rectangle.top, rectangle.right, rectangle.bottom);
-    if (!state_->canvas || area.isEmpty())
+    if (!state_->canvas || area.isEmpty() || state_->outOfSight(area))
         return;
     const QRegion textClip = state_->clip & state_->canvas->toDevice(area);
-    if (textClip.isEmpty()) // most rows of a long list lie out of sight
+    if (textClip.isEmpty())
         return;
     state_->fill(area, state_->backgroundColour);
-    state_->text(x, y, unicodeOf(text), textClip);
+    state_->text(x, y, text, textClip);
 }
 
 SIZE CDC::GetTextExtentPoint32A(const char* text) const {
     const TextFace& face = state_->currentFace();
     const auto logical = [this](int device) { return static_cast<int>(std::ceil(device / state_->scale)); };
-    return {logical(face.width(unicodeOf(text))), logical(face.height)};
+    return {logical(face.width(text)), logical(face.height)};
 }
 
 void CDC::BitBlt(int x, int y, int width, int height, const CDC& source, int sourceX, int sourceY) {

@@ -33,6 +33,7 @@ struct DrawingState {
     POINT position; // where the next line starts
 
     void fill(const QRect& logical, COLORREF colour);
-    void text(int x, int y, const QString& string, const QRegion& textClip);
+    void text(int x, int y, const char* bytes, const QRegion& textClip);
+    bool outOfSight(const QRect& logical) const { return !clipBox.intersects(logical); }
     const TextFace& currentFace();
 };

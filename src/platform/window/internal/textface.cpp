@@ -8,10 +8,12 @@
 #include <vector>
 
 #include "platform/window/drawingobjects.h"
+#include "platform/window/internal/conversion.h"
 
 namespace {
 
 constexpr int boldWeight = 700;
+constexpr qsizetype mostWidths = 65536;
 
 struct KeptFace {
     LOGFONT description;
@@ -49,13 +51,20 @@ TextFace makeFace(const LOGFONT& description, double scale) {
     font.setHintingPreference(QFont::PreferFullHinting);
     font.setStyleStrategy(QFont::NoSubpixelAntialias);
     const QFontMetrics metrics(font);
-    return {font, metrics.ascent(), metrics.ascent() + metrics.descent(), description.escapement};
+    return {font, metrics.ascent(), metrics.ascent() + metrics.descent(), description.escapement, {}};
 }
 
 } // namespace
 
-int TextFace::width(const QString& text) const {
-    return QFontMetrics(font).horizontalAdvance(text);
+int TextFace::width(std::string_view bytes) const {
+    const auto size = static_cast<qsizetype>(bytes.size());
+    const auto known = widths.constFind(QByteArray::fromRawData(bytes.data(), size));
+    if (known != widths.constEnd())
+        return *known;
+    if (widths.size() >= mostWidths)
+        widths.clear();
+    return *widths.insert(QByteArray(bytes.data(), size),
+                          QFontMetrics(font).horizontalAdvance(unicodeOf(bytes)));
 }
 
 const TextFace& textFaceFor(const LOGFONT& description, double scale) {

@@ -1,8 +1,10 @@
 // A font as it is drawn at one scale: hinted to whole device pixels, in shades of grey and never in colours.
 #pragma once
 
+#include <QByteArray>
 #include <QFont>
-#include <QString>
+#include <QHash>
+#include <string_view>
 
 struct LOGFONT;
 
@@ -12,7 +14,10 @@ struct TextFace {
     int height = 0; // of the cell
     int escapement = 0;
 
-    int width(const QString& text) const; // device pixels
+    int width(std::string_view bytes) const; // device pixels
+
+    mutable QHash<QByteArray, int>
+        widths; // of texts that were measured, since most are measured again and again
 };
 
 // The faces made are kept as long as the window system is up.
