@@ -25,7 +25,7 @@ std::optional<std::string> chooseDirectory(const Options& options) {
     if (settings.homeDirectory.empty() || settings.currentDatabase.empty())
         return refuse(std::string(notStartedText) +
                       ", or give the database directory, or --home and --database, on the command line");
-    if (readDatabaseFile(settings) == 0)
+    if (!readDatabaseFile(settings))
         return refuse(databaseFilePath(settings) + ": " + noValidDatabaseText +
                       ", the settings file can't be read (" + errorText(GetLastError()) + ")");
     if (settings.databaseDirectory.empty())

@@ -73,9 +73,9 @@ bool Session::open(const std::string& directory) {
         return refuse(noDatabaseText(directory.c_str()));
     if (!options.noLock && !hold(directory))
         return false;
-    if (hasConnectedDatabase(directory.c_str()) == 1)
+    if (hasConnectedDatabase(directory.c_str()))
         tell(std::string("Warning: ") + connectedDatabaseText + " It goes on");
-    if (options.log && startLog(1, options.log->c_str()) == 0)
+    if (options.log && !startLog(1, options.log->c_str()))
         return false;
     database.directory = directory.c_str();
     return true;

@@ -198,7 +198,7 @@ void SampleTree::writesettings() {
     settings.homeDirectory = options.home.c_str();
     settings.currentDatabase = options.name.c_str();
     settings.databaseDirectory = root_.c_str();
-    if (!failed() && writeDatabaseFile(settings) == 0)
+    if (!failed() && !writeDatabaseFile(settings))
         result.failure =
             "can't write the settings of '" + options.name + "' in '" + options.home + "': " + lasterror();
 }

@@ -45,7 +45,7 @@ std::string absoluteDirectory(const std::string& directory, std::string& reason)
 }
 
 std::string writeStore(const DatabaseSettings& settings) {
-    return writeSettingsStore(settings) == 1 ? std::string() : "The settings can't be written";
+    return writeSettingsStore(settings) ? std::string() : "The settings can't be written";
 }
 
 } // namespace
@@ -87,7 +87,7 @@ std::string chooseDatabase(const std::string& home, const std::string& name) {
     if (home.empty())
         return "No home directory is chosen yet";
     DatabaseSettings settings = settingsOf(home, name);
-    if (name.empty() || readDatabaseFile(settings) == 0)
+    if (name.empty() || !readDatabaseFile(settings))
         return "There is no database " + quoted(name) + " in the home directory " + quoted(home) + ": " +
                quoted(databaseFilePath(settings)) + " can't be read. " + errorText(GetLastError());
     return writeStore(settings);
@@ -105,7 +105,7 @@ std::string addDatabase(const std::string& home, const std::string& name, const 
     settings.databaseDirectory = absoluteDirectory(directory, reason).c_str();
     if (!reason.empty())
         return reason;
-    if (writeDatabaseFile(settings) == 1)
+    if (writeDatabaseFile(settings))
         return {};
     return "The settings of the database can't be written in " + quoted(home) + ". " +
            errorText(GetLastError());

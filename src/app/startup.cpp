@@ -38,10 +38,10 @@ void findRootDirectory() {
 
 void findDatabase() {
     DatabaseSettings settings;
-    if (readSettingsStore(settings) == 0)
+    if (!readSettingsStore(settings))
         leave(notStartedText, MB_ICONEXCLAMATION);
     findRootDirectory();
-    if (readDatabaseFile(settings) == 0)
+    if (!readDatabaseFile(settings))
         leave(noValidDatabaseText, MB_ICONHAND);
     homeDirectory = settings.homeDirectory;
     currentDatabase = settings.currentDatabase;
@@ -71,7 +71,7 @@ void takeHold() {
 }
 
 void warnOfConnectedDatabase() {
-    if (hasConnectedDatabase(databaseDirectory) == 1 &&
+    if (hasConnectedDatabase(databaseDirectory) &&
         report(connectedDatabaseText, "Warning", MB_OKCANCEL | MB_ICONINFORMATION) != IDOK)
         std::exit(-1);
 }
@@ -90,7 +90,7 @@ TSXapp::TSXapp() {
     takeHold();
     warnOfConnectedDatabase();
     initDrawing({192, 192, 192});
-    if (startLog(1, homeDirectory) == 0)
+    if (!startLog(1, homeDirectory))
         std::exit(0);
 }
 

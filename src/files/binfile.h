@@ -11,6 +11,7 @@
 #include "platform/system/text.h"
 
 constexpr int tagBufferSize = 5;
+constexpr int headercapacity = 100; // with which the counted string at the start of a file is read
 
 // Unless a line says otherwise an operation returns 1 on success and 0 on failure.
 class TSXbinfile : public CObject {

@@ -54,25 +54,25 @@ std::string databaseFilePath(const DatabaseSettings& settings) {
     return std::string(settings.homeDirectory) + "/" + settings.currentDatabase.c_str() + ".dbs";
 }
 
-int readDatabaseFile(DatabaseSettings& settings) {
+bool readDatabaseFile(DatabaseSettings& settings) {
     ByteStream stream;
     if (!stream.open(databaseFilePath(settings).c_str(), OpenMode::read))
-        return 0;
+        return false;
     DatabaseSettings found = settings;
     readSections(stream, found);
     if (stream.readFailure() != 0) // half of a settings file could name another directory
-        return 0;
+        return false;
     settings = found;
-    return 1;
+    return true;
 }
 
-int writeDatabaseFile(const DatabaseSettings& settings) {
+bool writeDatabaseFile(const DatabaseSettings& settings) {
     const std::int32_t* const c = settings.backgroundColour;
     std::string text = std::string("[DIR]\n") + settings.databaseDirectory.c_str() + "\n[BACKCOL]\n";
     text += Text<60>().format("%d %d %d\n", c[0], c[1], c[2]);
     ByteStream stream;
     if (!stream.open(databaseFilePath(settings).c_str(), OpenMode::write))
-        return 0;
+        return false;
     const bool written = stream.write(text.data(), text.size()) == text.size();
-    return stream.close() && written ? 1 : 0;
+    return stream.close() && written;
 }

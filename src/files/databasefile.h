@@ -19,11 +19,11 @@ struct DatabaseSettings {
 
 std::string databaseFilePath(const DatabaseSettings& settings);
 
-// Reads the settings file of that database. 1, or 0 if it can't be opened or read;
+// Reads the settings file of that database. False if it can't be opened or read;
 // GetLastError then tells why.
-int readDatabaseFile(DatabaseSettings& settings);
+bool readDatabaseFile(DatabaseSettings& settings);
 
-// Makes or replaces the settings file of that database with its directory and its colour. 1, or 0 if it can't
+// Makes or replaces the settings file of that database with its directory and its colour. False if it can't
 // be written; GetLastError then tells why. The directory has to fit into a line: at most 598 bytes, no line
 // end.
-int writeDatabaseFile(const DatabaseSettings& settings);
+bool writeDatabaseFile(const DatabaseSettings& settings);

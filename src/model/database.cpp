@@ -22,12 +22,8 @@ void TSXdatabase::readlists(const char* directorytext) {
     directory = directorytext;
     clearproblems();
     types[0] = std::make_unique<TSXexptype>(0, "Database");
-    lists.push_back(std::make_unique<TSXdbslist>(*this));
-    lists.push_back(std::make_unique<TSXgellist>(*this));
-    lists.push_back(std::make_unique<TSXcharlist>(*this));
-    lists.push_back(std::make_unique<TSXseqlist>(*this));
-    lists.push_back(std::make_unique<TSXpairlist>(*this));
-    lists.push_back(std::make_unique<TSXgel2dlist>(*this));
+    for (const FileClass& format : fileclasses)
+        lists.push_back(format.makelist(*this));
     lastlist = static_cast<std::int32_t>(lists.size()) - 1;
 }
 

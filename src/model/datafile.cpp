@@ -11,8 +11,6 @@
 #include "reporting/log.h"
 #include "reporting/report.h"
 
-constexpr int headercapacity = 100;
-
 TSXdatafile::TSXdatafile(TSXdatabase& owner, TSXfilelist& holder, const char* basename,
                          std::int32_t fileclass)
     : database(owner), list(holder), name(basename), classid(fileclass) {
@@ -82,22 +80,22 @@ int TSXdatafile::removefile() {
 
 void TSXdatafile::writewhole() {}
 
-int TSXdatafile::openwithheader(TSXbinfile& file) {
+TSXdatafile::Opening TSXdatafile::openwithheader(TSXbinfile& file) {
     if (file.openread(path) != 1) {
         if (!isAbsence(GetLastError())) // a file that has gone, or is only to be made, lacks nothing
             noteunread(GetLastError());
-        return 0;
+        return Opening::failed;
     }
     identity = file.identity();
     std::string header;
     file.readstring(header, headercapacity);
     if (header == fileclasses[classid].header)
-        return 1;
+        return Opening::good;
     if (const char* line = fileclasses[classid].headerline; *line != '\0')
         logLine(line);
     notereading(file);
     file.close();
-    return -1;
+    return Opening::wrongheader;
 }
 
 void TSXdatafile::noteunread(std::uint32_t number) {
@@ -127,13 +125,13 @@ void TSXdatafile::readchunks(TSXbinfile& file) {
         result = file.readtag(tag);
         if (result != 1)
             break;
-        const int taken = readchunk(file, tag);
-        if (taken == -1) {
+        const Chunk chunk = readchunk(file, tag);
+        if (chunk == Chunk::refused) {
             notereading(file);
             file.close();
             return;
         }
-        if (taken == 0)
+        if (chunk == Chunk::toleave)
             result = file.skipchunk();
     } while (result != -1 && file.iseof() == 0);
     notereading(file);
@@ -142,12 +140,12 @@ void TSXdatafile::readchunks(TSXbinfile& file) {
     valid = result == -1 ? 0 : 1;
 }
 
-int TSXdatafile::readcount(TSXbinfile& file) {
+bool TSXdatafile::readcount(TSXbinfile& file) {
     std::int32_t count = 0;
     file.readint(count);
     const bool usable = count >= 1 && count <= maxrecords;
     maketable(usable ? count : 0);
-    return usable ? 1 : -1;
+    return usable;
 }
 
 Reading TSXdatafile::readkeyfield(TSXbinfile& file, std::string& text) {

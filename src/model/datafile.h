@@ -70,15 +70,18 @@ public:
     FileIdentity identity;              // of the file that was read; none where none was opened
 
 protected:
-    // Opens the file and tests its header: 1; 0 not opened; -1 wrong header, and the file is closed again.
-    int openwithheader(TSXbinfile& file);
+    enum class Opening : std::uint8_t { good, failed, wrongheader };
+    // Opens the file and checks its header, and closes it again where that is wrong.
+    Opening openwithheader(TSXbinfile& file);
     // Walks the chunks of an open file, closes it and sets the flags. A reader takes the body of each chunk.
     void readchunks(TSXbinfile& file);
-    // Takes what the class knows of the chunk. 1: read on behind what was taken; 0: leave the chunk by its
-    // end; -1: the file is refused.
-    virtual int readchunk(TSXbinfile& file, const char* tag) = 0;
-    // Reads a record count and makes the table: 1; -1 if it is not from 1 to 1000, and the table is empty.
-    int readcount(TSXbinfile& file);
+    // What follows a chunk: the next tag stands behind what was taken; or the chunk is left by its end; or
+    // nothing, the file is refused.
+    enum class Chunk : std::uint8_t { taken, toleave, refused };
+    // Takes what the class knows of the chunk.
+    virtual Chunk readchunk(TSXbinfile& file, const char* tag) = 0;
+    // Reads a record count and makes the table; false if it is not from 1 to 1000, and the table is empty.
+    bool readcount(TSXbinfile& file);
     Reading readkeyfield(TSXbinfile& file, std::string& text); // a key or a type; "???" where it is not good
     void maketable(std::int32_t count);
     // Puts the file on the list of what is unread where the disk has failed, else each record that could not

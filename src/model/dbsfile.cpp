@@ -29,38 +29,38 @@ void passstrings(TSXbinfile& file, std::int32_t count) {
 TSXdbsfile::TSXdbsfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename)
     : TSXdatafile(owner, holder, basename, 0) {
     TSXbinfile file;
-    const int opened = openwithheader(file);
-    if (opened == 0)
+    const Opening opened = openwithheader(file);
+    if (opened == Opening::failed)
         valid = 1;
-    if (opened == 1)
+    if (opened == Opening::good)
         readchunks(file);
 }
 
-int TSXdbsfile::readchunk(TSXbinfile& file, const char* tag) {
+TSXdbsfile::Chunk TSXdbsfile::readchunk(TSXbinfile& file, const char* tag) {
     if (std::strcmp(tag, "FLD") == 0)
         return readfields(file);
     if (std::strcmp(tag, fileclasses[classid].recordtag) == 0)
         return readentries(file);
-    return 0;
+    return Chunk::toleave;
 }
 
-int TSXdbsfile::readfields(TSXbinfile& file) {
+TSXdbsfile::Chunk TSXdbsfile::readfields(TSXbinfile& file) {
     fieldcount = 0;
     file.readint(fieldcount);
     passstrings(file, fieldcount);
-    return 1;
+    return Chunk::taken;
 }
 
-int TSXdbsfile::readentries(TSXbinfile& file) {
-    if (readcount(file) == -1)
-        return -1;
+TSXdbsfile::Chunk TSXdbsfile::readentries(TSXbinfile& file) {
+    if (!readcount(file))
+        return Chunk::refused;
     for (std::size_t i = 1; i < keys.size(); ++i) {
         readkey(file, i);
         passstrings(file, fieldcount);
         if (logEnabled == 1)
             logLine(Text<100>().format("%s%s", fileclasses[classid].recordindent, keys[i].data()));
     }
-    return 1;
+    return Chunk::taken;
 }
 
 void TSXdbsfile::writewhole() {

@@ -12,11 +12,11 @@ public:
     void writewhole() override;
 
 protected:
-    int readchunk(TSXbinfile& file, const char* tag) override;
+    Chunk readchunk(TSXbinfile& file, const char* tag) override;
 
 private:
-    int readfields(TSXbinfile& file);
-    int readentries(TSXbinfile& file);
+    Chunk readfields(TSXbinfile& file);
+    Chunk readentries(TSXbinfile& file);
 
     std::int32_t fieldcount = 0; // of each entry
 };

@@ -9,19 +9,19 @@
 TSXdeffile::TSXdeffile(TSXdatabase& owner, TSXfilelist& holder, const char* basename, int fileclass)
     : TSXdatafile(owner, holder, basename, fileclass), format(fileclasses[fileclass]) {
     TSXbinfile file;
-    if (openwithheader(file) == 1)
+    if (openwithheader(file) == Opening::good)
         readchunks(file);
 }
 
-int TSXdeffile::readchunk(TSXbinfile& file, const char* tag) {
+TSXdeffile::Chunk TSXdeffile::readchunk(TSXbinfile& file, const char* tag) {
     const bool typechunk = *format.typetag != '\0';
     if (typechunk && std::strcmp(tag, format.typetag) == 0) {
         typeid_ = readtype(file, typereading);
-        return 1;
+        return Chunk::taken;
     }
     if (std::strcmp(tag, format.recordtag) != 0)
-        return 0;
-    return typechunk ? readrecords(file) : readsinglerecord(file);
+        return Chunk::toleave;
+    return format.counted ? readrecords(file) : readsinglerecord(file);
 }
 
 std::int32_t TSXdeffile::readtype(TSXbinfile& file, Reading& reading) {
@@ -30,20 +30,20 @@ std::int32_t TSXdeffile::readtype(TSXbinfile& file, Reading& reading) {
     return database.addexptype(classid, typetext.c_str());
 }
 
-int TSXdeffile::readrecords(TSXbinfile& file) {
-    if (readcount(file) == -1)
-        return -1;
+TSXdeffile::Chunk TSXdeffile::readrecords(TSXbinfile& file) {
+    if (!readcount(file))
+        return Chunk::refused;
     for (std::size_t i = 1; i < keys.size(); ++i)
         readrecord(file, i);
-    return 1;
+    return Chunk::taken;
 }
 
 // The one class without a count: its chunk is left by its end, since there is more behind the record.
-int TSXdeffile::readsinglerecord(TSXbinfile& file) {
+TSXdeffile::Chunk TSXdeffile::readsinglerecord(TSXbinfile& file) {
     maketable(1);
     readrecord(file, 1);
     typeid_ = keytypes[1];
-    return 0;
+    return Chunk::toleave;
 }
 
 void TSXdeffile::readrecord(TSXbinfile& file, std::size_t i) {

@@ -10,44 +10,27 @@ class TSXdeffile : public TSXdatafile {
 protected:
     // Reads the file of that base name in the directory of its class.
     TSXdeffile(TSXdatabase& owner, TSXfilelist& holder, const char* basename, int fileclass);
-    int readchunk(TSXbinfile& file, const char* tag) override;
+    Chunk readchunk(TSXbinfile& file, const char* tag) override;
 
 private:
     std::int32_t readtype(TSXbinfile& file, Reading& reading);
-    int readrecords(TSXbinfile& file);
-    int readsinglerecord(TSXbinfile& file);
+    Chunk readrecords(TSXbinfile& file);
+    Chunk readsinglerecord(TSXbinfile& file);
     void readrecord(TSXbinfile& file, std::size_t i);
 
     const FileClass& format;
     Reading typereading = Reading::good; // of the file's own type
 };
 
-class TSXgelfile : public TSXdeffile {
+// The file of a class, whose constructor reads it.
+template <int fileclass> class TSXexperimentfile : public TSXdeffile {
 public:
-    TSXgelfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename)
-        : TSXdeffile(owner, holder, basename, 1) {}
+    TSXexperimentfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename)
+        : TSXdeffile(owner, holder, basename, fileclass) {}
 };
 
-class TSXcharfile : public TSXdeffile {
-public:
-    TSXcharfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename)
-        : TSXdeffile(owner, holder, basename, 2) {}
-};
-
-class TSXseqfile : public TSXdeffile {
-public:
-    TSXseqfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename)
-        : TSXdeffile(owner, holder, basename, 3) {}
-};
-
-class TSXpairfile : public TSXdeffile {
-public:
-    TSXpairfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename)
-        : TSXdeffile(owner, holder, basename, 4) {}
-};
-
-class TSXgel2dfile : public TSXdeffile {
-public:
-    TSXgel2dfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename)
-        : TSXdeffile(owner, holder, basename, 5) {}
-};
+using TSXgelfile = TSXexperimentfile<1>;
+using TSXcharfile = TSXexperimentfile<2>;
+using TSXseqfile = TSXexperimentfile<3>;
+using TSXpairfile = TSXexperimentfile<4>;
+using TSXgel2dfile = TSXexperimentfile<5>;

@@ -2,7 +2,23 @@
 
 #include <algorithm>
 
+#include "model/dbsfile.h"
+#include "model/deffile.h"
+#include "model/filelist.h"
 #include "platform/system/letters.h"
+
+namespace {
+
+template <class List> std::unique_ptr<TSXfilelist> makelist(TSXdatabase& database) {
+    return std::make_unique<List>(database);
+}
+
+template <class File>
+std::unique_ptr<TSXdatafile> makefile(TSXdatabase& database, TSXfilelist& list, const char* basename) {
+    return std::make_unique<File>(database, list, basename);
+}
+
+} // namespace
 
 const FileClass fileclasses[fileclasscount] = {
     {.directory = "DBASE",
@@ -14,11 +30,14 @@ const FileClass fileclasses[fileclasscount] = {
      .foundlabel = "dbase",
      .recordindent = "  ",
      .headerline = "",
+     .counted = true,
      .recordtypes = false,
      .recordintegers = 0,
      .emptylabel = "",
      .damagelabel = "database",
-     .sideheader = ""},
+     .sideheader = "",
+     .makelist = makelist<TSXdbslist>,
+     .makefile = makefile<TSXdbsfile>},
     {.directory = "fprint",
      .extension = "DEF",
      .header = "GEL-DEF-v1.0",
@@ -28,11 +47,14 @@ const FileClass fileclasses[fileclasscount] = {
      .foundlabel = "gel",
      .recordindent = "  ",
      .headerline = "",
+     .counted = true,
      .recordtypes = true,
      .recordintegers = 1,
      .emptylabel = "gel",
      .damagelabel = "gel",
-     .sideheader = "GELTYPE-CNF-v1.0"},
+     .sideheader = "GELTYPE-CNF-v1.0",
+     .makelist = makelist<TSXgellist>,
+     .makefile = makefile<TSXgelfile>},
     {.directory = "char",
      .extension = "DEF",
      .header = "PHEN-DEF-v1.0",
@@ -42,11 +64,14 @@ const FileClass fileclasses[fileclasscount] = {
      .foundlabel = "character",
      .recordindent = "  ",
      .headerline = "",
+     .counted = true,
      .recordtypes = false,
      .recordintegers = 1,
      .emptylabel = "character",
      .damagelabel = "character",
-     .sideheader = "PHENTYPE-CNF-v1.0"},
+     .sideheader = "PHENTYPE-CNF-v1.0",
+     .makelist = makelist<TSXcharlist>,
+     .makefile = makefile<TSXcharfile>},
     {.directory = "seq",
      .extension = "DEF",
      .header = "SEQ-DEF-v1.0",
@@ -56,11 +81,14 @@ const FileClass fileclasses[fileclasscount] = {
      .foundlabel = "seq",
      .recordindent = " ",
      .headerline = "",
+     .counted = true,
      .recordtypes = false,
      .recordintegers = 1,
      .emptylabel = "seq",
      .damagelabel = "sequence",
-     .sideheader = "SEQTYPE-CNF-v1.0"},
+     .sideheader = "SEQTYPE-CNF-v1.0",
+     .makelist = makelist<TSXseqlist>,
+     .makefile = makefile<TSXseqfile>},
     {.directory = "matrix",
      .extension = "DEF",
      .header = "PAIRSIMDEF-v1.0",
@@ -70,11 +98,14 @@ const FileClass fileclasses[fileclasscount] = {
      .foundlabel = "pair",
      .recordindent = "  ",
      .headerline = "Invalid file",
+     .counted = true,
      .recordtypes = false,
      .recordintegers = 3,
      .emptylabel = "pair",
      .damagelabel = "similarity",
-     .sideheader = "PAIRSIMTYPE-CNF-v1.0"},
+     .sideheader = "PAIRSIMTYPE-CNF-v1.0",
+     .makelist = makelist<TSXpairlist>,
+     .makefile = makefile<TSXpairfile>},
     {.directory = "gel2d",
      .extension = "DEF",
      .header = "GEL2D-DEF-v1.0",
@@ -84,11 +115,14 @@ const FileClass fileclasses[fileclasscount] = {
      .foundlabel = "gel2d",
      .recordindent = " ",
      .headerline = "",
+     .counted = false,
      .recordtypes = true,
      .recordintegers = 1,
      .emptylabel = "gel2d",
      .damagelabel = "",
-     .sideheader = "GEL2DTYPE-CNF-v1.0"},
+     .sideheader = "GEL2DTYPE-CNF-v1.0",
+     .makelist = makelist<TSXgel2dlist>,
+     .makefile = makefile<TSXgel2dfile>},
 };
 
 const std::vector<const char*> treedirectories = {"dbase", "fprint", "images",  "char",

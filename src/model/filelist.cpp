@@ -5,8 +5,7 @@
 
 #include "files/finder.h"
 #include "model/database.h"
-#include "model/dbsfile.h"
-#include "model/deffile.h"
+#include "model/datafile.h"
 #include "model/fileclass.h"
 #include "model/problem.h"
 #include "platform/system/letters.h"
@@ -14,16 +13,6 @@
 #include "reporting/log.h"
 
 namespace {
-
-template <class File>
-std::unique_ptr<TSXdatafile> make(TSXdatabase& database, TSXfilelist& list, const char* basename) {
-    return std::make_unique<File>(database, list, basename);
-}
-
-using Maker = std::unique_ptr<TSXdatafile> (*)(TSXdatabase&, TSXfilelist&, const char*);
-
-constexpr Maker makers[fileclasscount] = {make<TSXdbsfile>, make<TSXgelfile>,  make<TSXcharfile>,
-                                          make<TSXseqfile>, make<TSXpairfile>, make<TSXgel2dfile>};
 
 std::string smallLetters(std::string_view text) {
     std::string result;
@@ -61,7 +50,7 @@ void TSXfilelist::takematch(const TSXfinder& match, int fileclass) {
     }
     std::string basename = match.entryname.c_str();
     basename.resize(basename.size() - std::strlen(format.extension) - 1);
-    addfile(makers[fileclass](database, *this, basename.c_str()));
+    addfile(format.makefile(database, *this, basename.c_str()));
     if (match.entryfailure != 0)
         files.back()->noteunread(match.entryfailure);
     if (database.fileread)
@@ -132,7 +121,7 @@ int TSXdbslist::newfile() {
                                                       format.directory, name.c_str(), format.extension)
                                               .view()))
         ++number;
-    auto made = makers[0](database, *this, name);
+    auto made = format.makefile(database, *this, name);
     if (made->unread) // whether its name is free can't be known
         return -1;
     addfile(std::move(made));

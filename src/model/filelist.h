@@ -57,27 +57,13 @@ public:
     int newfile();
 };
 
-class TSXgellist : public TSXfilelist {
+template <int fileclass> class TSXexperimentlist : public TSXfilelist {
 public:
-    explicit TSXgellist(TSXdatabase& owner) : TSXfilelist(owner, 1) {}
+    explicit TSXexperimentlist(TSXdatabase& owner) : TSXfilelist(owner, fileclass) {}
 };
 
-class TSXcharlist : public TSXfilelist {
-public:
-    explicit TSXcharlist(TSXdatabase& owner) : TSXfilelist(owner, 2) {}
-};
-
-class TSXseqlist : public TSXfilelist {
-public:
-    explicit TSXseqlist(TSXdatabase& owner) : TSXfilelist(owner, 3) {}
-};
-
-class TSXpairlist : public TSXfilelist {
-public:
-    explicit TSXpairlist(TSXdatabase& owner) : TSXfilelist(owner, 4) {}
-};
-
-class TSXgel2dlist : public TSXfilelist {
-public:
-    explicit TSXgel2dlist(TSXdatabase& owner) : TSXfilelist(owner, 5) {}
-};
+using TSXgellist = TSXexperimentlist<1>;
+using TSXcharlist = TSXexperimentlist<2>;
+using TSXseqlist = TSXexperimentlist<3>;
+using TSXpairlist = TSXexperimentlist<4>;
+using TSXgel2dlist = TSXexperimentlist<5>;

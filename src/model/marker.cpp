@@ -76,6 +76,6 @@ std::string lockFailureText() {
     return text.substr(0, lineEnd) + ")";
 }
 
-int hasConnectedDatabase(const char* databaseDirectory) {
-    return hasPlainFile(std::string(databaseDirectory) + "\\*.xdb") ? 1 : 0;
+bool hasConnectedDatabase(const char* databaseDirectory) {
+    return hasPlainFile(std::string(databaseDirectory) + "\\*.xdb");
 }

@@ -22,7 +22,7 @@ std::string lockFailureText();
 // another program holds it, which says all.
 std::string lockAdvice(const char* databaseDirectory);
 
-// 1 if a connected database, a plain file *.xdb, lies in the directory, else 0.
-int hasConnectedDatabase(const char* databaseDirectory);
+// Whether a connected database, a plain file *.xdb, lies in the directory.
+bool hasConnectedDatabase(const char* databaseDirectory);
 
 extern const char* const connectedDatabaseText; // the warning about it, which ends in a question

@@ -15,7 +15,6 @@
 namespace {
 
 constexpr const char* rawheaders[] = {"TX-COMP-v1.0", "TX-BUNDLE-v01.0", "TX-LIB-v1.0"};
-constexpr int headercapacity = 100;
 
 bool israw(const char* header) {
     for (const char* raw : rawheaders)

@@ -56,18 +56,18 @@ void reportLoss() {
 
 } // namespace
 
-int startLog(int enabled, const char* directory) {
+bool startLog(int enabled, const char* directory) {
     logEnabled = enabled;
     if (logEnabled != 1)
-        return 1;
+        return true;
     logPath.format("%s\\TXLOG.TXT", directory);
     if (writeHead()) {
         foundPath = resolvePath(logPath.view());
-        return 1;
+        return true;
     }
     logEnabled = 0;
     report((std::string("Could not create log file in ") + directory).c_str(), "Error", MB_OK | MB_ICONHAND);
-    return 0;
+    return false;
 }
 
 void endLog() {

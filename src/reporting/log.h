@@ -7,10 +7,10 @@
 extern int logEnabled;     // 1: lines are written; any other value: everything here does nothing
 extern Text<2000> logPath; // the log file of this run
 
-// Switches the log on (1) or off, and when on makes TXLOG.TXT in the directory. Returns 1; 0 when the file
+// Switches the log on (1) or off, and when on makes TXLOG.TXT in the directory. False when the file
 // can't be made or is a link, whose file is not the log's to empty, which has then been reported, and the
 // program is expected to leave.
-int startLog(int enabled, const char* directory);
+bool startLog(int enabled, const char* directory);
 
 // Writes the trailer, and reports it if lines were lost.
 void endLog();

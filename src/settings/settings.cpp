@@ -20,10 +20,10 @@ std::string storePath() {
 
 } // namespace
 
-int readSettingsStore(DatabaseSettings& settings) {
+bool readSettingsStore(DatabaseSettings& settings) {
     HKEY key;
     if (RegOpenKeyExA(storePath().c_str(), key) != 0)
-        return 0;
+        return false;
     std::string home;
     std::string current;
     const int homeResult = RegQueryValueExA(key, homeValue, home);
@@ -31,16 +31,16 @@ int readSettingsStore(DatabaseSettings& settings) {
     RegCloseKey(key);
     settings.homeDirectory = home.c_str();
     settings.currentDatabase = current.c_str();
-    return homeResult == 0 && currentResult == 0 ? 1 : 0;
+    return homeResult == 0 && currentResult == 0;
 }
 
-int writeSettingsStore(const DatabaseSettings& settings) {
+bool writeSettingsStore(const DatabaseSettings& settings) {
     HKEY key;
     RegCreateKeyExA(storePath().c_str(), key);
-    int result = 1;
+    bool result = true;
     const auto write = [&](const char* name, const char* value) {
         if (*value != '\0' && RegSetValueExA(key, name, value) != 0)
-            result = 0;
+            result = false;
     };
     write(homeValue, settings.homeDirectory);
     write(currentValue, settings.currentDatabase);

@@ -4,12 +4,12 @@
 
 #include "files/databasefile.h"
 
-// Reads the home directory and the current database from the settings store. 1, or 0 if either is missing.
-int readSettingsStore(DatabaseSettings& settings);
+// Reads the home directory and the current database from the settings store. False if either is missing.
+bool readSettingsStore(DatabaseSettings& settings);
 
-// Writes these two to the settings store; an empty one is left as it stands there. 1, or 0 if the store can't
+// Writes these two to the settings store; an empty one is left as it stands there. False if the store can't
 // be written.
-int writeSettingsStore(const DatabaseSettings& settings);
+bool writeSettingsStore(const DatabaseSettings& settings);
 
 extern const char* const notStartedText;      // the settings store lacks a value
 extern const char* const noValidDatabaseText; // the settings file can't be opened
