@@ -18,6 +18,7 @@ namespace {
 constexpr const char* solveOption = "--solve";
 constexpr const char* solveAllOption = "--solve-all";
 constexpr const char* changeKeyOption = "--change-key";
+constexpr const char* renameOption = "--rename";
 
 struct Flag {
     const char* names;
@@ -61,6 +62,7 @@ struct Words {
     std::vector<std::string> solve;
     std::vector<std::string> solveAll;
     std::vector<std::string> changeKey;
+    std::vector<std::string> rename;
     bool progress = false;
     bool noProgress = false;
 };
@@ -138,6 +140,15 @@ ChangeKeyStep readChangeKey(const std::vector<std::string>& words) {
     return step;
 }
 
+RenameStep readRename(const std::vector<std::string>& words) {
+    if (words.size() > 2)
+        refuse(renameOption, "can be given only once");
+    RenameStep step{readKey(renameOption, words[0]), readNewKey(renameOption, words[1])};
+    if (step.key.empty() || step.newKey.empty())
+        refuse(renameOption, "KEY and NEW are not empty");
+    return step;
+}
+
 // The help in lines of 80 columns.
 class NarrowHelp : public CLI::Formatter {
     std::string make_option(const CLI::Option* option, bool positional) const override {
@@ -175,6 +186,11 @@ void describe(CLI::App& app, Options& options, Words& words) {
         ->type_name("KEY TYPE N NEW")
         ->type_size(4) // all four are taken as they stand, also where they look like options
         ->allow_extra_args(false);
+    app.add_option(renameOption, words.rename,
+                   "Give every record that uses KEY the key NEW; refused where NEW is in use")
+        ->type_name("KEY NEW")
+        ->type_size(2)
+        ->allow_extra_args(false);
     for (const Flag& flag : flags)
         app.add_flag(flag.names, options.*flag.given, flag.help);
     app.add_flag("--progress", words.progress, "Tell the progress; default: only on a terminal");
@@ -203,7 +219,10 @@ void interpret(const CLI::App& app, const Words& words, Options& options) {
         options.entry = readKey("--entry", *options.entry);
     if (!words.changeKey.empty())
         options.changeKey = readChangeKey(words.changeKey);
-    const bool changes = !options.solve.empty() || options.preen || options.changeKey || options.save;
+    if (!words.rename.empty())
+        options.rename = readRename(words.rename);
+    const bool changes =
+        !options.solve.empty() || options.preen || options.changeKey || options.rename || options.save;
     if (options.explain && options.json)
         refuse("--explain", "does not go with --json");
     if (options.noLock && changes)

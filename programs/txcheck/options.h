@@ -22,6 +22,12 @@ struct ChangeKeyStep {
     std::string newKey;
 };
 
+// All records that use a key get a new one.
+struct RenameStep {
+    std::string key;
+    std::string newKey;
+};
+
 struct Options {
     std::optional<std::string> directory; // none: the current database of the settings
     std::optional<std::string> home;      // in place of that of the settings
@@ -31,8 +37,10 @@ struct Options {
     std::vector<SolveStep> solve; // in the order given
     bool preen = false;
     std::optional<ChangeKeyStep> changeKey;
+    std::optional<RenameStep> rename;
     bool yes = false;
     bool save = false;
+    bool plan = false;                     // nothing is written
     std::optional<std::string> explain;    // a row or an id
     std::optional<std::string> known;      // a file
     std::optional<std::string> writeKnown; // a file

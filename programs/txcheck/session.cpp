@@ -1,13 +1,11 @@
 #include "session.h"
 
-#include <algorithm>
+#include <sstream>
 
 #include "explanation.h"
 #include "htmlreport.h"
 #include "model/marker.h"
 #include "platform/system/bytestream.h"
-#include "platform/system/errors.h"
-#include "platform/system/filesearch.h"
 #include "platform/system/messagebox.h"
 #include "progress.h"
 #include "reporting/log.h"
@@ -15,19 +13,6 @@
 #include "status.h"
 #include "textfile.h"
 #include "told.h"
-
-namespace {
-
-// A text of several lines, as a message box shows it.
-std::string inOneLine(std::string text) {
-    for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at)) {
-        const std::size_t end = std::min(text.find_first_not_of('\n', at), text.size());
-        text.replace(at, end - at, end - at == 1 ? ". " : " ");
-    }
-    return text;
-}
-
-} // namespace
 
 Session::Session(const Options& given) : database(""), steps(database, given, known), options(given) {
     setReport([this](const char* text, const char* title, std::uint32_t flags) {
@@ -38,8 +23,6 @@ Session::Session(const Options& given) : database(""), steps(database, given, kn
 Session::~Session() {
     endLog();
     setReport({});
-    if (marker != INVALID_HANDLE_VALUE)
-        CloseHandle(marker);
 }
 
 bool Session::refuse(const std::string& text) {
@@ -49,29 +32,24 @@ bool Session::refuse(const std::string& text) {
 }
 
 int Session::answer(const char* text, const char* title, std::uint32_t flags) {
-    const std::string message = std::string(title) + ": " + text;
-    if ((flags & MB_TYPEMASK) == MB_YESNO) {
-        tell(message + (options.yes ? " Yes" : " No (--yes would say Yes)"));
-        return options.yes ? IDYES : IDNO;
-    }
-    tell(message);
-    steps.failed = true;
-    return IDOK;
+    std::istringstream lines(std::string(title) + ": " + text);
+    std::string first;
+    std::getline(lines, first);
+    const bool asked = (flags & MB_TYPEMASK) == MB_YESNO;
+    tell(first + (!asked ? "" : options.yes ? " Yes" : " No (--yes would say Yes)"));
+    for (std::string line; std::getline(lines, line);)
+        tell("  " + line);
+    if (!asked)
+        steps.failed = true;
+    return !asked ? IDOK : (options.yes ? IDYES : IDNO);
 }
 
 bool Session::open(const std::string& directory) {
-    if (directory.empty())
-        return refuse("The path of the database directory is empty");
-    if (directory.size() >= decltype(database.directory)::capacity())
-        return refuse("The path of the database directory is too long: it has at most " +
-                      std::to_string(decltype(database.directory)::capacity() - 1) + " bytes");
     if (const std::string failure = options.known ? known.read(*options.known) : ""; !failure.empty())
         return refuse(failure);
-    if (!readable(directory))
-        return false;
-    if (!isDatabase(directory.c_str()))
-        return refuse(noDatabaseText(directory.c_str()));
-    if (!options.noLock && !hold(directory))
+    if (!hold.take(directory, options.noLock ? Hold::Marker::left
+                              : options.plan ? Hold::Marker::present
+                                             : Hold::Marker::made))
         return false;
     if (hasConnectedDatabase(directory.c_str()))
         tell(std::string("Warning: ") + connectedDatabaseText + " It goes on");
@@ -79,27 +57,6 @@ bool Session::open(const std::string& directory) {
         return false;
     database.directory = directory.c_str();
     return true;
-}
-
-bool Session::hold(const std::string& directory) {
-    marker = openMarker(directory.c_str());
-    if (marker != INVALID_HANDLE_VALUE)
-        return true;
-    const std::string advice = lockAdvice(directory.c_str());
-    return refuse(directory + "/open_db.txf: " + inOneLine(lockFailureText() + advice));
-}
-
-// What lies below a directory that can't be read is unknown as a whole; no marker is made there.
-bool Session::readable(const std::string& directory) {
-    WIN32_FIND_DATAA match;
-    std::vector<std::string> passedOver;
-    FindHandle search = FindFirstFileA((directory + "/*").c_str(), match, passedOver);
-    FindClose(search);
-    const std::uint32_t error = search == nullptr ? GetLastError() : ERROR_FILE_NOT_FOUND;
-    if (error == ERROR_FILE_NOT_FOUND)
-        return true;
-    return refuse(directory + ": Unable to read the database directory (Error code " + std::to_string(error) +
-                  ": " + errorText(error) + "). Give one that is there and that you may read");
 }
 
 // What an analysis can't read may come and go with each; every thing is told once.

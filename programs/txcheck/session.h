@@ -5,10 +5,10 @@
 #include <set>
 #include <string>
 
+#include "hold.h"
 #include "known.h"
 #include "model/database.h"
 #include "options.h"
-#include "platform/system/hold.h"
 #include "steps.h"
 
 class Session {
@@ -33,8 +33,6 @@ public:
     bool saved = false; // a save was asked for, and nothing is left unsaved
 
 private:
-    bool hold(const std::string& directory);
-    bool readable(const std::string& directory);
     int answer(const char* text, const char* title, std::uint32_t flags);
     void tellUnread();
     bool save();
@@ -42,6 +40,6 @@ private:
     bool refuse(const std::string& text);
 
     const Options& options;
-    HANDLE marker = INVALID_HANDLE_VALUE;
+    Hold hold;
     std::set<std::string> toldUnread;
 };

@@ -43,7 +43,9 @@ std::vector<Steps::Step> Steps::listSteps(const std::function<bool()>& save) {
         steps.push_back({"--preen", [&] { return preen(); }});
     if (options.changeKey)
         steps.push_back({"--change-key", [&] { return changeKey(*options.changeKey); }});
-    if (options.save)
+    if (options.rename)
+        steps.push_back({"--rename", [&] { return rename(*options.rename); }});
+    if (options.save || options.plan)
         steps.push_back({"--save", save});
     return steps;
 }
@@ -172,7 +174,18 @@ bool Steps::changeKey(const ChangeKeyStep& step) {
         return refuse("--change-key: the key '" + step.key + "' is used " + std::to_string(uses) +
                       " times in experiment type " + std::to_string(step.type) + "; there is no occurrence " +
                       std::to_string(step.n));
-    const int result = database.changekey(*entry, step.type, step.n, step.newKey.c_str());
+    return finishChange(database.changekey(*entry, step.type, step.n, step.newKey.c_str()));
+}
+
+bool Steps::rename(const RenameStep& step) {
+    const TSXkeyentry* entry = database.keytree.find(step.key);
+    if (entry == nullptr || entry->records().empty())
+        return refuse("--rename: no record uses the key '" + step.key + "'");
+    return finishChange(database.renamekey(*entry, step.newKey.c_str()));
+}
+
+// Behind a change of keys that was made, 1, was none, 0, or was refused, -1.
+bool Steps::finishChange(int result) {
     if (result == 1)
         analyse();
     failed = failed || result == -1;

@@ -64,6 +64,8 @@ private:
     bool solveEach(const std::function<int(const TSXproblem&)>& choose, const std::string& given, bool goOn);
     bool preen();
     bool changeKey(const ChangeKeyStep& step);
+    bool rename(const RenameStep& step);
+    bool finishChange(int result);
     bool refuse(const std::string& text);
 
     TSXdatabase& database;

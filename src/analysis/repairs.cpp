@@ -70,6 +70,28 @@ void renamerecord(TSXdatabase& database, TSXdatafile& file, int record, int type
     database.keytree.findoradd(key).addoccurrence(type, file, record);
 }
 
+// Whether a new key is too long, which has been reported then.
+bool istoolong(std::string_view key) {
+    if (key.size() <= maxkeylength)
+        return false;
+    report(Text<100>().format("The new key is too long: a key has at most %d bytes. Nothing was changed",
+                              maxkeylength),
+           "Error", MB_OK | MB_ICONEXCLAMATION);
+    return true;
+}
+
+// Why the records of a key can't all get another one; empty where they can.
+std::string obstacletorenaming(const TSXdatabase& database, const TSXkeyentry& entry, const char* text) {
+    const TSXkeyentry* target = database.keytree.find(text);
+    if (target != nullptr && !target->records().empty())
+        return std::string("The key '") + text + "' is in use already. Nothing was changed";
+    const auto unread = [](const Occurrence& used) { return used.file->isunread(used.record); };
+    if (database.picturecomplete() && std::none_of(entry.records().begin(), entry.records().end(), unread))
+        return {};
+    return "A key can't be renamed while records that may use it are unread. Make them readable, or restore "
+           "them, and start again. Nothing was changed";
+}
+
 } // namespace
 
 void TSXdatabase::uniquekey(std::string& text, int type) {
@@ -183,12 +205,8 @@ int TSXdatabase::deletefile(const char* fullpath) {
 int TSXdatabase::changekey(TSXkeyentry& entry, int type, int n, const char* text) {
     if (equalIgnoringCase(text, entry.key))
         return 0;
-    if (std::string_view(text).size() > maxkeylength) {
-        report(Text<100>().format("The new key is too long: a key has at most %d bytes. Nothing was changed",
-                                  maxkeylength),
-               "Error", MB_OK | MB_ICONEXCLAMATION);
+    if (istoolong(text))
         return -1;
-    }
     const Occurrence moved = entry.occurrence(type, n);
     if (moved.file == nullptr)
         return -1;
@@ -200,6 +218,20 @@ int TSXdatabase::changekey(TSXkeyentry& entry, int type, int n, const char* text
     entry.removeoccurrence(type, n);
     target.addoccurrence(type, *moved.file, moved.record);
     moved.file->setkey(moved.record, text);
+    return 1;
+}
+
+int TSXdatabase::renamekey(const TSXkeyentry& entry, const char* text) {
+    if (equalIgnoringCase(text, entry.key))
+        return 0;
+    if (istoolong(text))
+        return -1;
+    if (const std::string obstacle = obstacletorenaming(*this, entry, text); !obstacle.empty()) {
+        report(obstacle.c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
+        return -1;
+    }
+    for (const Occurrence& used : entry.records())
+        used.file->setkey(used.record, text);
     return 1;
 }
 

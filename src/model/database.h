@@ -91,6 +91,9 @@ public:
     // nothing to do, the text is the entry's key; -1 refused, by the person, for its length or because there
     // is no such occurrence.
     int changekey(TSXkeyentry& entry, int type, int n, const char* text);
+    // Gives all records that use the entry another key. 1 done; 0 nothing to do, the text is the entry's key;
+    // -1 refused, since the text is in use or too long, or records that may use the key are unread.
+    int renamekey(const TSXkeyentry& entry, const char* text);
 
     int ismodified() const; // 1 if any record differs from the disk, else 0
     void saveall();         // writes every changed key to disk, and asks the system to put it there

@@ -14,9 +14,9 @@ const char* const connectedDatabaseText =
     "external "
     "database. Please use the external database tools for this. Do you continue running this inspect tool?";
 
-namespace {
+const char* const markerName = "open_db.txf";
 
-constexpr const char* markerName = "open_db.txf";
+namespace {
 
 bool hasPlainFile(const std::string& pattern) {
     TSXfinder finder;

@@ -12,6 +12,8 @@ bool isDatabase(const char* directory);
 // What to tell the person where it doesn't.
 std::string noDatabaseText(const char* directory);
 
+extern const char* const markerName; // of the marker file
+
 // Takes exclusive hold of the marker file open_db.txf in the database directory and makes it if it is
 // missing. INVALID_HANDLE_VALUE on failure; lockFailureText then says why.
 HANDLE openMarker(const char* databaseDirectory);
