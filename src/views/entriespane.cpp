@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "model/database.h"
+#include "model/exptype.h"
 #include "model/keyentry.h"
 #include "platform/window/dc.h"
 #include "views/current.h"
@@ -82,4 +83,30 @@ void TSXentriespane::mouseDown(int kind, int /*x*/, int y) {
             owner.openEntryWindow();
     }
     UpdateWindow();
+}
+
+int TSXentriespane::rowCount() const {
+    return database->visiblecount;
+}
+
+std::string TSXentriespane::rowText(int row) const {
+    const TSXkeyentry& key = *database->getvisiblekey(row);
+    std::string text(key.key);
+    for (int t = 0; t <= database->lasttype; ++t)
+        if (t == 0 || key.occurrences(t) > 0)
+            text += std::string(", ") + database->gettype(t)->name.c_str() + " " +
+                    std::to_string(key.occurrences(t));
+    return text;
+}
+
+int TSXentriespane::selectedRow() const {
+    return owner.selectedKey;
+}
+
+void TSXentriespane::selectRow(int row) {
+    owner.selectedKey = row;
+}
+
+void TSXentriespane::openRow() {
+    owner.openEntryWindow();
 }

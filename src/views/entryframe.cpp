@@ -7,6 +7,7 @@
 #include "model/datafile.h"
 #include "model/keyentry.h"
 #include "platform/window/dc.h"
+#include "platform/window/encoding.h"
 #include "platform/window/msgbox.h"
 #include "resources/resources.h"
 #include "toolkit/promptdialog.h"
@@ -19,6 +20,14 @@ namespace {
 
 constexpr int namesWidth = 147;
 constexpr int gridX = 150;
+
+// What is typed is written as the database already holds that text: a key in the other encoding would look
+// the same and be another.
+std::string asStored(const TSXdatabase& database, const char* typed) {
+    std::string other = inOtherEncoding(typed);
+    const TSXkeytree& index = database.keytree;
+    return index.find(typed) == nullptr && index.find(other) != nullptr ? other : typed;
+}
 
 } // namespace
 
@@ -39,6 +48,7 @@ void TSXentryframe::createEntryWindow() {
 void TSXentryframe::frameCreated() {
     gridPane = makePane<TSXentrygridpane>(*this);
     typeNamesPane = makePane<TSXentrytypespane>(*this);
+    gridPane->SetTabStop(*gridPane);
 }
 
 void TSXentryframe::frameSized(int /*type*/, int /*width*/, int /*height*/) {
@@ -93,5 +103,5 @@ void TSXentryframe::changeKeyCommand() {
     std::strncpy(text, key.key.data(), limit);
     // Where the window has gone meanwhile the answer is 0, and nothing of it may be touched.
     if (promptForText(*this, "Change key", "Enter new key", text, limit) == 1)
-        mainWindow.changeKey(key, selectedType, selectedOccurrence, text);
+        mainWindow.changeKey(key, selectedType, selectedOccurrence, asStored(database, text).c_str());
 }

@@ -32,6 +32,8 @@ public:
     void frameCommand(std::uint32_t id) override;
     void frameSized(int type, int width, int height) override;
 
+    void changeKeyCommand(); // asks for another key of the selected record
+
     TSXdatabase& database;
     TSXmainframe& mainWindow;
     std::int32_t selectedType = 0;
@@ -39,7 +41,4 @@ public:
     TSXkeyentry& key;
     std::unique_ptr<TSXentrygridpane> gridPane;
     std::unique_ptr<TSXentrytypespane> typeNamesPane;
-
-private:
-    void changeKeyCommand();
 };

@@ -2,6 +2,7 @@
 
 #include "model/database.h"
 #include "model/datafile.h"
+#include "model/exptype.h"
 #include "model/keyentry.h"
 #include "platform/window/dc.h"
 #include "views/entryframe.h"
@@ -51,10 +52,13 @@ void TSXentrygridpane::paintRow(CDC& dc, int type, int top, int width) {
     fillRow(dc, cell.right, top, width, colour);
 }
 
-void TSXentrygridpane::paintOccurrence(CDC& dc, int type, int n, const RECT& cell) {
+std::string TSXentrygridpane::cellText(int type, int n) const {
     const Occurrence shown = owner.key.occurrence(type, n);
-    paintCell(dc, cell.left + 5, cell,
-              Text<700>().format("%s,%d", shown.file->name.c_str(), static_cast<int>(shown.record)));
+    return shown.file->name.c_str() + ("," + std::to_string(shown.record));
+}
+
+void TSXentrygridpane::paintOccurrence(CDC& dc, int type, int n, const RECT& cell) {
+    paintCell(dc, cell.left + 5, cell, cellText(type, n).c_str());
     if (type != owner.selectedType || n != owner.selectedOccurrence)
         return;
     dc.SelectStockObject(BLACK_PEN);
@@ -85,4 +89,41 @@ void TSXentrygridpane::afterVerticalScroll(int newPosition, int oldPosition) {
     names.vPos = vPos;
     names.ScrollWindow(0, (oldPosition - newPosition) * vStep);
     names.UpdateWindow();
+}
+
+int TSXentrygridpane::rowCount() const {
+    return owner.database.lasttype + 1;
+}
+
+std::string TSXentrygridpane::rowText(int row) const {
+    std::string text = owner.database.gettype(row - 1)->name.c_str();
+    const int count = owner.key.occurrences(row - 1);
+    for (int n = 1; n <= count; ++n)
+        text += (n == 1 ? ": " : "; ") + cellText(row - 1, n);
+    return text;
+}
+
+int TSXentrygridpane::selectedRow() const {
+    return owner.selectedType + 1;
+}
+
+void TSXentrygridpane::selectRow(int row) {
+    owner.selectedType = row - 1;
+    owner.limitSelection();
+}
+
+void TSXentrygridpane::openRow() {
+    owner.changeKeyCommand();
+}
+
+void TSXentrygridpane::onKeyDown(std::uint32_t key, std::uint32_t repeat, std::uint32_t flags) {
+    if (key != VK_LEFT && key != VK_RIGHT)
+        return TSXrowpane::onKeyDown(key, repeat, flags);
+    owner.selectedOccurrence += key == VK_LEFT ? -1 : 1;
+    owner.limitSelection();
+    const int left = cellWidth * (owner.selectedOccurrence - 1);
+    if (left < hStep * hPos || left + cellWidth > hStep * hPos + GetClientRect().right)
+        horizontalScroll(SB_THUMBTRACK, left / hStep);
+    InvalidateRect(false);
+    RowSelected();
 }

@@ -2,11 +2,11 @@
 // uses the key, with the file and the number of the record.
 #pragma once
 
-#include "toolkit/scrollpane.h"
+#include "toolkit/rowpane.h"
 
 class TSXentryframe;
 
-class TSXentrygridpane : public TSXscrollpane {
+class TSXentrygridpane : public TSXrowpane {
 public:
     explicit TSXentrygridpane(TSXentryframe& frame) : owner(frame) {}
 
@@ -17,9 +17,18 @@ public:
     void mouseDown(int kind, int x, int y) override;
     void afterVerticalScroll(int newPosition, int oldPosition) override; // moves the names too
 
+    std::string rowsName() const override { return "Records of the key"; }
+    int rowCount() const override;
+    std::string rowText(int row) const override;
+    int selectedRow() const override;
+    void selectRow(int row) override;
+    void openRow() override; // gives the selected record another key
+    void onKeyDown(std::uint32_t key, std::uint32_t repeat, std::uint32_t flags) override;
+
     TSXentryframe& owner;
 
 private:
     void paintRow(CDC& dc, int type, int top, int width);
+    std::string cellText(int type, int n) const;
     void paintOccurrence(CDC& dc, int type, int n, const RECT& cell);
 };

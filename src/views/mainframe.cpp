@@ -90,6 +90,9 @@ void TSXmainframe::frameCreated() {
     typesPane = makePane<TSXtypespane>(*this);
     entriesPane = makePane<TSXentriespane>(*this);
     problemPane = makePane<TSXproblempane>(*this);
+    for (TSXrowpane* pane :
+         std::initializer_list<TSXrowpane*>{problemPane.get(), typesPane.get(), entriesPane.get()})
+        pane->SetTabStop(*pane);
     updateScrollRanges();
     showStatus();
 }

@@ -99,3 +99,24 @@ void TSXproblempane::openMenu(int row) {
     // The window may have gone while the menu was open: nothing of the pane is touched from here on.
     paintSolveButton(popupDC, left, top, false);
 }
+
+int TSXproblempane::rowCount() const {
+    return database->problemcount;
+}
+
+std::string TSXproblempane::rowText(int row) const {
+    return database->getproblem(row)->message.c_str();
+}
+
+int TSXproblempane::selectedRow() const {
+    return owner.selectedProblem;
+}
+
+void TSXproblempane::selectRow(int row) {
+    owner.selectedProblem = row;
+}
+
+void TSXproblempane::openRow() {
+    if (database->getproblem(owner.selectedProblem) != nullptr)
+        openMenu(owner.selectedProblem);
+}

@@ -4,17 +4,24 @@
 
 #include <cstdint>
 
-#include "toolkit/scrollpane.h"
+#include "toolkit/rowpane.h"
 
 class TSXmainframe;
 
-class TSXproblempane : public TSXscrollpane {
+class TSXproblempane : public TSXrowpane {
 public:
     explicit TSXproblempane(TSXmainframe& frame) : owner(frame) {}
 
     void updateScrollRange(); // after each change of the list or the pane's size
     void paintPane(CDC& dc) override;
     void mouseDown(int kind, int x, int y) override;
+
+    std::string rowsName() const override { return "Problem list"; }
+    int rowCount() const override;
+    std::string rowText(int row) const override;
+    int selectedRow() const override;
+    void selectRow(int row) override;
+    void openRow() override; // the menu of its solutions
 
     TSXmainframe& owner;
 

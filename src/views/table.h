@@ -7,10 +7,11 @@
 #include "platform/window/geometry.h"
 #include "platform/window/wnd.h"
 #include "toolkit/drawing.h"
+#include "toolkit/rowpane.h"
 
 class CDC;
 
-constexpr int rowHeight = 20;
+constexpr int rowHeight = TSXrowpane::rowHeight;
 
 // Makes a pane and its window; the frame lays it out afterwards.
 template <class Pane, class Frame> std::unique_ptr<Pane> makePane(Frame& owner) {

@@ -68,3 +68,13 @@ void TSXtypespane::paintRow(CDC& dc, int type, int top, int width) {
     paintCount(dc, filesRight, entriesRight, top, shown.entrycount);
     fillRow(dc, entriesRight, top, width, colour);
 }
+
+int TSXtypespane::rowCount() const {
+    return database->lasttype + 1;
+}
+
+std::string TSXtypespane::rowText(int row) const {
+    const TSXexptype& type = *database->gettype(row - 1);
+    return std::string(type.name.c_str()) + ", files " + std::to_string(type.filecount) + ", entries " +
+           std::to_string(type.entrycount);
+}

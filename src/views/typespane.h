@@ -2,19 +2,26 @@
 // and the counts of its files and records. It does not react to the mouse.
 #pragma once
 
-#include "toolkit/scrollpane.h"
+#include "toolkit/rowpane.h"
 
 class TSXmainframe;
 
-class TSXtypespane : public TSXscrollpane {
+class TSXtypespane : public TSXrowpane {
 public:
     explicit TSXtypespane(TSXmainframe& frame) : owner(frame) {}
 
     void updateScrollRange(); // after each change of the types or the pane's size
     void paintPane(CDC& dc) override;
 
+    std::string rowsName() const override { return "Data types"; }
+    int rowCount() const override;
+    std::string rowText(int row) const override;
+    int selectedRow() const override { return keyboardRow; }
+    void selectRow(int row) override { keyboardRow = row; }
+
     TSXmainframe& owner;
 
 private:
+    std::int32_t keyboardRow = 1; // what is read; the row that is marked stays the first
     void paintRow(CDC& dc, int type, int top, int width);
 };

@@ -76,7 +76,7 @@ TEST_F(DesktopTest, ARecordMovesToTheKeyThatIsTyped) {
     TSXentryframe& window = openEntry("Alpha");
     TSXentryframe& target = openEntry("Gamma");
     click(*window.gridPane, 250, 30);
-    const std::string tooLong(61, 'x');
+    const std::string longest(60, 'x'), tooLong = longest + 'x';
     answer = IDNO;
     for (const char* refused : {"ALPHA", tooLong.c_str(), "Gamma"}) {
         answers.dialog = typed(refused);
@@ -91,16 +91,21 @@ TEST_F(DesktopTest, ARecordMovesToTheKeyThatIsTyped) {
     EXPECT_TRUE(outlined(*window.gridPane, 1, 2));
     settle();
     EXPECT_TRUE(hasInk(*target.gridPane, {102, 21, 198, 39}, black)) << "the other window shows it too";
-    answers.dialog = typed("Delta");
+    ::database->findoraddkey("K\xE4se");
+    answers.dialog = typed("K\xC3\xA4se"); // looks as the key that is there
     window.frameCommand(201);
+    EXPECT_EQ(::database->keytree.find("K\xE4se")->occurrences(1), 1);
+    answers.dialog = typed(longest.c_str());
     window.frameCommand(201);
+    EXPECT_EQ(::database->keytree.find(longest)->occurrences(1), 1);
     settle();
-    EXPECT_EQ(::database->getvisiblekey(::database->visiblecount)->key, "Delta");
+    EXPECT_EQ(::database->getvisiblekey(::database->visiblecount)->key, longest);
     EXPECT_EQ(beeps, 0);
     window.frameCommand(201); // nothing is left at the selection
     EXPECT_EQ(beeps, 1);
     EXPECT_FALSE(outlined(*window.gridPane, 1, 1));
-    EXPECT_TRUE(hasInk(*main->entriesPane, {2, 20 * rowOf("Delta") - 20, 200, 20 * rowOf("Delta")}, black));
+    EXPECT_TRUE(hasInk(*main->entriesPane,
+                       {2, 20 * rowOf(longest.c_str()) - 20, 200, 20 * rowOf(longest.c_str())}, black));
 }
 
 TEST_F(DesktopTest, APromptIsDismissedWhenItsWindowGoes) {

@@ -1,7 +1,7 @@
 #include "desktoptest.h"
+#include "model/problem.h"
 #include "platform/system/faults.h"
 #include "platform/window/statusbarctrl.h"
-#include "model/problem.h"
 
 TEST_F(DesktopTest, MainWindowHasItsTitleSizePanesAndGrooves) {
     EXPECT_EQ(outerWidget(*main)->windowTitle(), "Database Check- Strains");

@@ -1,3 +1,6 @@
+#include <QAccessible>
+#include <QMenuBar>
+
 #include "desktoptest.h"
 #include "model/problem.h"
 #include "platform/window/menu.h"
@@ -121,4 +124,50 @@ TEST_F(DesktopTest, KeysShowWhatIsOutOfOrderInRed) {
     doubleClick(pane, 10, 85); // below the last row
     EXPECT_EQ(main->selectedKey, 4);
     EXPECT_EQ(openWindows(), 0);
+}
+
+TEST_F(DesktopTest, EverythingIsReachedByKeysAndReadAloud) {
+    QWidget* const window = outerWidget(*main);
+    const auto press = [&](std::initializer_list<Qt::Key> keys) {
+        for (const Qt::Key key : keys)
+            QTest::keyClick(window->focusWidget(), key);
+        settle();
+    };
+    const auto focus = [&] {
+        QAccessibleInterface* const pane = QAccessible::queryAccessibleInterface(window->focusWidget());
+        QAccessibleInterface* const row = pane->focusChild();
+        return pane->text(QAccessible::Name) + "|" + (row == nullptr ? "" : row->text(QAccessible::Name)) +
+               "|" + QString::number(pane->childCount());
+    };
+    const int problems = ::database->problemcount;
+    window->activateWindow();
+    std::vector<std::uint32_t> commands;
+    answers.popupMenu = [&](const CMenu& menu) { return commands.push_back(menu.items()[0].id), 0U; };
+    press({Qt::Key_End, Qt::Key_Down, Qt::Key_Up, Qt::Key_Return});
+    EXPECT_EQ(main->selectedProblem, problems - 1);
+    EXPECT_EQ(commands.size(), 1U);
+    EXPECT_EQ(focus(), QString("Problem list|%1|%2")
+                           .arg(::database->getproblem(problems - 1)->message.c_str())
+                           .arg(problems));
+    press({Qt::Key_Tab, Qt::Key_Down});
+    EXPECT_EQ(focus(), "Data types|Gels, files 1, entries 5|3");
+    EXPECT_EQ(main->selectedType, 0);
+    press({Qt::Key_Tab, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_Down});
+    EXPECT_EQ(focus(), "Entries|Alpha, Database 2, Gels 3|3");
+    press({Qt::Key_Return});
+    ASSERT_EQ(openWindows(), 1);
+    TSXentryframe* const entry = *std::find_if(main->entryWindows.begin(), main->entryWindows.end(),
+                                               [](auto* each) { return each != nullptr; });
+    QTest::keyClick(outerWidget(*entry)->focusWidget(), Qt::Key_Down);
+    QTest::keyClick(outerWidget(*entry)->focusWidget(), Qt::Key_Right);
+    EXPECT_EQ(std::pair(entry->selectedType, entry->selectedOccurrence), std::pair(1, 2));
+    QAccessibleInterface* const grid = QAccessible::queryAccessibleInterface(clientWidget(*entry->gridPane));
+    EXPECT_EQ(grid->child(1)->text(QAccessible::Name), "Gels: GEL,1; GEL,3; GEL,4");
+    EXPECT_TRUE(grid->child(1)->state().selected);
+    int prompts = 0;
+    answers.dialog = [&](CDialog&) { return ++prompts, IDCANCEL; };
+    QTest::keyClick(outerWidget(*entry)->focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(prompts, 1);
+    QTest::keyClick(window, Qt::Key_F10);
+    EXPECT_NE(window->findChild<QMenuBar*>()->activeAction(), nullptr);
 }

@@ -9,6 +9,20 @@
 constexpr unsigned MK_SHIFT = 0x04;
 constexpr unsigned MK_CONTROL = 0x08;
 
+// Codes of keys; those of letters and digits are their ASCII codes.
+enum VirtualKey : std::uint32_t {
+    VK_RETURN = 13,
+    VK_SHIFT = 16,
+    VK_PRIOR = 33,
+    VK_NEXT = 34,
+    VK_END = 35,
+    VK_HOME = 36,
+    VK_LEFT = 37,
+    VK_UP = 38,
+    VK_RIGHT = 39,
+    VK_DOWN = 40,
+};
+
 enum SizeType : int { SIZE_RESTORED = 0, SIZE_MAXIMIZED = 2 };
 
 enum ScrollCode : int {
@@ -44,7 +58,8 @@ public:
     virtual void onMouseLeave() {}     // the mouse has left the client area, with no button held
     virtual void onCaptureChanged() {} // the capture that SetCapture took is over, for whatever reason
 
-    // Keys reach frames only. Codes are those of the platform; a key that is held repeats with flag 0x4000.
+    // Keys reach the window with the focus, and then its frame. Codes are those of the platform; a key that
+    // is held repeats with flag 0x4000.
     virtual void onKeyDown(std::uint32_t /*key*/, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) {}
     virtual void onChar(std::uint32_t /*unicode*/, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) {}
 

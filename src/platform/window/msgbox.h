@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "platform/system/messagebox.h"
+#include "platform/window/messages.h"
 
 class CWnd;
 
@@ -18,7 +19,6 @@ enum CursorNumber : int { IDC_ARROW = 32512, IDC_WAIT = 32514 };
 // The cursor over all windows of the program: the wait cursor until the arrow is set again.
 void SetCursor(CursorNumber cursor);
 
-enum VirtualKey : int { VK_SHIFT = 16 };
 // Negative while the key is down.
 int GetKeyState(VirtualKey key);
 

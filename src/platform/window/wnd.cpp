@@ -156,6 +156,16 @@ void CWnd::ReleaseCapture() {
         host_->endCapture();
 }
 
+void CWnd::SetTabStop(const RowSource& rows) {
+    if (host_ != nullptr)
+        host_->setTabStop(rows);
+}
+
+void CWnd::RowSelected() {
+    if (host_ != nullptr)
+        host_->rowSelected();
+}
+
 void CWnd::onPaint() {
     CPaintDC context(*this);
 }

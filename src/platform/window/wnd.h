@@ -7,6 +7,7 @@
 #include "platform/window/messages.h"
 #include "platform/window/scrollrange.h"
 
+class RowSource;
 class WindowHost;
 struct IconResource;
 
@@ -61,6 +62,11 @@ public:
     // deactivated or hidden.
     void SetCapture();
     void ReleaseCapture();
+
+    // Takes part in the keyboard: gets the focus by a click and by Tab, behind the window that called this
+    // before it in the same frame; the first has it from the start. The rows are read to the person.
+    void SetTabStop(const RowSource& rows);
+    void RowSelected(); // tells that another row is selected now
 
     void onPaint() override;
     void onClose() override;

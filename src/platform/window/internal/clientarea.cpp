@@ -56,6 +56,24 @@ void ClientArea::paintEvent(QPaintEvent* /*event*/) {
     painter.setCompositionMode(QPainter::CompositionMode_Source);
     painter.drawImage(QPointF(std::floor(begin.x() + 0.5), std::floor(begin.y() + 0.5)) - begin,
                       surface.image());
+    if (ring_ && hasFocus()) {
+        painter.resetTransform();
+        painter.setPen(QPen(Qt::black, 2, Qt::DashLine)); // on grey of any shade
+        painter.drawRect(rect().adjusted(1, 1, -1, -1));
+    }
+}
+
+// Who goes by the keyboard sees where he is; who clicks knows.
+void ClientArea::focusInEvent(QFocusEvent* event) {
+    if (event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason)
+        ring_ = true;
+    else if (event->reason() == Qt::MouseFocusReason)
+        ring_ = false;
+    update();
+}
+
+void ClientArea::focusOutEvent(QFocusEvent* /*event*/) {
+    update();
 }
 
 void ClientArea::mousePressEvent(QMouseEvent* event) {

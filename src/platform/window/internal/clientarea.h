@@ -10,6 +10,8 @@ class ClientArea : public QWidget {
 public:
     explicit ClientArea(WindowHost& host);
 
+    WindowHost& host() const { return host_; }
+
 protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
@@ -19,7 +21,10 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
     void timerEvent(QTimerEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
 
 private:
     WindowHost& host_;
+    bool ring_ = false; // around it while it has the focus: that came by a key
 };

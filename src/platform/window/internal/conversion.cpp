@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/window/encoding.h"
+
 namespace {
 
 // Windows-1252 from 0x80 to 0x9F; all else is Latin-1.
@@ -64,6 +66,14 @@ QByteArray bytesOf(const QString& text, TextEncoding encoding) {
             bytes.append(windows1252Of(letter.unicode()));
     }
     return bytes;
+}
+
+std::string inOtherEncoding(std::string_view bytes) {
+    const QString text = unicodeOf(bytes);
+    const TextEncoding other =
+        encodingOf(bytes) == TextEncoding::utf8 ? TextEncoding::windows1252 : TextEncoding::utf8;
+    std::string turned = bytesOf(text, other).toStdString();
+    return unicodeOf(turned) == text ? turned : std::string(bytes);
 }
 
 std::size_t cutBetweenCharacters(std::string_view bytes, std::size_t limit) {

@@ -18,6 +18,7 @@
 #include "platform/window/wnd.h"
 
 class QMenuBar;
+class RowSource;
 struct MenuResource;
 
 class WindowHost : public QWidget {
@@ -47,6 +48,10 @@ public:
     void paintAtOnce();         // the same, and on the screen when it returns
     QRegion takeUpdateRegion(); // erases what is to be erased; client pixels
     void scroll(int dx, int dy);
+
+    void setTabStop(const RowSource& rows);
+    void rowSelected();
+    const RowSource* rows() const { return wnd_ == nullptr ? nullptr : rows_; } // null without any
 
     void showBar(ScrollBarKind kind);
     bool hasBar(ScrollBarKind kind) const { return bars_[kind].widget != nullptr; }
@@ -92,4 +97,6 @@ private:
     QSize toldSize_;
     std::map<std::uint32_t, QBasicTimer> timers_;
     QPointer<QDialog> dialog_;
+    const RowSource* rows_ = nullptr;
+    QPointer<QWidget> lastTabStop_; // of a frame
 };

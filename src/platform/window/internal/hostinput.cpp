@@ -1,11 +1,15 @@
 // Keys, wheel and the capture of the mouse.
+#include <QAccessible>
 #include <QApplication>
+#include <QMenuBar>
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
 #include <iterator>
 
+#include "platform/window/internal/accessiblerows.h"
 #include "platform/window/internal/host.h"
+#include "platform/window/rowsource.h"
 
 namespace {
 
@@ -88,9 +92,34 @@ void WindowHost::closeEvent(QCloseEvent* event) {
         wnd_->onClose();
 }
 
+void WindowHost::setTabStop(const RowSource& rows) {
+    rows_ = &rows;
+    makeRowsAccessible();
+    auto& frame = dynamic_cast<WindowHost&>(*window());
+    client_->setFocusPolicy(Qt::StrongFocus);
+    if (frame.lastTabStop_)
+        QWidget::setTabOrder(frame.lastTabStop_, client_);
+    else
+        client_->setFocus();
+    frame.lastTabStop_ = client_;
+}
+
+void WindowHost::rowSelected() {
+    QAccessibleEvent event(client_, QAccessible::Focus);
+    event.setChild(rows_->selectedRow() - 1);
+    QAccessible::updateAccessibility(&event);
+}
+
 void WindowHost::keyPressEvent(QKeyEvent* event) {
+    if (!isWindow())
+        event->ignore();                                 // the frame's too
     if (dialog_ || event->modifiers() & Qt::AltModifier) // these are the menu's keys
         return;
+    if (event->key() == Qt::Key_F10 && menu_ != nullptr) {
+        menu_->setFocus(Qt::MenuBarFocusReason);
+        menu_->setActiveAction(menu_->actions().value(0));
+        return;
+    }
     const std::uint32_t flags = event->isAutoRepeat() ? heldBefore : 0;
     if (const std::uint32_t code = keyCodeOf(event->key()); code != 0 && wnd_ != nullptr)
         wnd_->onKeyDown(code, 1, flags);

@@ -1,0 +1,49 @@
+#include "toolkit/rowpane.h"
+
+#include <algorithm>
+
+RECT TSXrowpane::rowPlace(int row) const {
+    const int top = rowHeight * (row - 1) - vStep * vPos;
+    return {0, top, GetClientRect().right, top + rowHeight};
+}
+
+void TSXrowpane::onKeyDown(std::uint32_t key, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) {
+    const int page = std::max(GetClientRect().bottom / rowHeight - 1, 1);
+    switch (key) {
+    case VK_UP:
+        return goToRow(selectedRow() - 1);
+    case VK_DOWN:
+        return goToRow(selectedRow() + 1);
+    case VK_PRIOR:
+        return goToRow(selectedRow() - page);
+    case VK_NEXT:
+        return goToRow(selectedRow() + page);
+    case VK_HOME:
+        return goToRow(1);
+    case VK_END:
+        return goToRow(rowCount());
+    case VK_RETURN:
+        return openRow();
+    default:
+        break;
+    }
+}
+
+void TSXrowpane::goToRow(int row) {
+    if (rowCount() == 0)
+        return;
+    selectRow(std::clamp(row, 1, rowCount()));
+    showRow(selectedRow());
+    InvalidateRect(false);
+    UpdateWindow();
+    RowSelected();
+}
+
+void TSXrowpane::showRow(int row) {
+    const RECT place = rowPlace(row);
+    const int below = place.bottom - GetClientRect().bottom;
+    if (place.top < 0)
+        verticalScroll(SB_THUMBTRACK, rowHeight * (row - 1) / vStep);
+    else if (below > 0)
+        verticalScroll(SB_THUMBTRACK, vPos + (below + vStep - 1) / vStep);
+}
