@@ -12,11 +12,12 @@ _txsample() {
         COMPREPLY=($(compgen -P "$before" -W "$damages" -- "${cur##*,}"))
         return
         ;;
+    --keys) COMPREPLY=($(compgen -W "ordered shuffled prefixed" -- "$cur")); return ;;
     --files | --entries | --types | --experiments | --records | --fields | --seed | --name) return ;;
     esac
     if [[ $cur == -* ]]; then
-        COMPREPLY=($(compgen -W "--files --entries --types --experiments --records --fields --seed --damage --home --name
-            --version --help" -- "$cur"))
+        COMPREPLY=($(compgen -W "--files --entries --types --experiments --records --fields --keys --seed --damage --home
+            --name --version --help" -- "$cur"))
     else
         _filedir -d
     fi
