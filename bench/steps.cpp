@@ -46,7 +46,8 @@ int main(int argc, char** argv) {
     database.renameduplicates(0);
     const double rename = secondsSince(renameStart);
     const auto saveStart = Clock::now();
-    database.saveall();
+    if (database.saveall() == 0)
+        return 1;
     const double save = secondsSince(saveStart);
     std::printf("load %.4f\nanalysis %.4f\nrename %.4f\nsave %.4f\n", load, analysis, rename, save);
     return 0;

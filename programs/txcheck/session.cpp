@@ -5,7 +5,6 @@
 #include "explanation.h"
 #include "htmlreport.h"
 #include "model/marker.h"
-#include "platform/system/bytestream.h"
 #include "platform/system/messagebox.h"
 #include "progress.h"
 #include "reporting/log.h"
@@ -94,12 +93,7 @@ void Session::write(const std::string& path, const std::string& text) {
 }
 
 bool Session::save() {
-    const int failuresBefore = failedWrites();
-    database.saveall();
-    const bool unwritten = failedWrites() != failuresBefore;
-    if (unwritten)
-        refuse("Some changed keys could not be written; check the disk and run txcheck again");
-    saved = !unwritten && database.ismodified() == 0;
+    saved = database.saveall() == 1;
     if (!saved)
         steps.failed = true;
     return true;

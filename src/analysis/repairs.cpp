@@ -1,13 +1,11 @@
-// What each solution does to the data files, how one record gets another key, and how changes reach the disk.
-// The index that is used here is that of the last analysis.
+// What each solution does to the data files, and how one record gets another key. The index that is used here
+// is that of the last analysis.
 #include <algorithm>
 #include <map>
 
 #include "model/database.h"
 #include "model/datafile.h"
 #include "model/keyentry.h"
-#include "platform/system/bytestream.h"
-#include "platform/system/directory.h"
 #include "platform/system/letters.h"
 #include "platform/system/messagebox.h"
 #include "reporting/report.h"
@@ -16,10 +14,6 @@ namespace {
 
 constexpr std::size_t maxcandidatelength = maxkeylength - 1;
 constexpr std::string_view suffixmark = "/#";
-
-void reporterror(const char* form, const char* subject) {
-    report(Text<2400>().format(form, subject), "Error", MB_OK | MB_ICONEXCLAMATION);
-}
 
 // Finds keys that a type doesn't use, with the lowest number that is free. Numbers once found taken are not
 // tried again, so that many duplicates of one key cost no more than they are.
@@ -98,21 +92,6 @@ void TSXdatabase::uniquekey(std::string& text, int type) {
     text = FreeKeys(keytree, type).next(text);
 }
 
-void TSXdatabase::removeemptyfiles(int fileclass) {
-    if (fileclass < 0 || fileclass > lastlist)
-        return;
-    TSXfilelist& list = *lists[static_cast<std::size_t>(fileclass)];
-    for (int i = 1; i <= list.count;) {
-        TSXdatafile& file = *list.files[static_cast<std::size_t>(i)];
-        if (!file.isempty()) {
-            ++i;
-            continue;
-        }
-        file.removefile();
-        list.removeat(i);
-    }
-}
-
 void TSXdatabase::foreachduplicate(int type, const std::function<void(const TSXkeyentry&, int)>& operation) {
     if (type < 0 || type > lasttype)
         return;
@@ -176,32 +155,6 @@ void TSXdatabase::adddatabaseentries() {
     }
 }
 
-int TSXdatabase::createdirectory(const char* fullpath) {
-    if (CreateDirectoryA(fullpath) != 0)
-        return 1;
-    reporterror("Unable to create the directory '%s'", fullpath);
-    return 0;
-}
-
-int TSXdatabase::deletecorruptfile(int fileclass, int position) {
-    if (fileclass < 0 || fileclass > lastlist)
-        return 0;
-    TSXfilelist& list = *lists[static_cast<std::size_t>(fileclass)];
-    if (position < 1 || position > list.count)
-        return 0;
-    if (deletefile(list.files[static_cast<std::size_t>(position)]->path) == 0)
-        return 0;
-    list.removeat(position);
-    return 1;
-}
-
-int TSXdatabase::deletefile(const char* fullpath) {
-    if (removeFile(fullpath))
-        return 1;
-    reporterror("Unable to remove the file '%s'", fullpath);
-    return 0;
-}
-
 int TSXdatabase::changekey(TSXkeyentry& entry, int type, int n, const char* text) {
     if (equalIgnoringCase(text, entry.key))
         return 0;
@@ -233,19 +186,4 @@ int TSXdatabase::renamekey(const TSXkeyentry& entry, const char* text) {
     for (const Occurrence& used : entry.records())
         used.file->setkey(used.record, text);
     return 1;
-}
-
-int TSXdatabase::ismodified() const {
-    for (const auto& list : lists)
-        for (std::size_t i = 1; i < list->files.size(); ++i)
-            if (list->files[i]->anydirty() == 1)
-                return 1;
-    return 0;
-}
-
-void TSXdatabase::saveall() {
-    for (const auto& list : lists)
-        for (std::size_t i = 1; i < list->files.size(); ++i)
-            list->files[i]->writeback();
-    flushToDisk();
 }

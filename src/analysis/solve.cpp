@@ -21,7 +21,7 @@ template <class Repair> int done(Repair repair) {
 
 constexpr Operation operations[] = {
     {removeemptyfilescommand,
-     [](TSXdatabase& d, const TSXproblem& p) { return done([&] { d.removeemptyfiles(p.subkind); }); }},
+     [](TSXdatabase& d, const TSXproblem& p) { return d.removeemptyfiles(p.subkind); }},
     {removeduplicatescommand,
      [](TSXdatabase& d, const TSXproblem& p) { return done([&] { d.removeduplicates(p.subkind); }); }},
     {renameduplicatescommand,

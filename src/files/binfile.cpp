@@ -5,6 +5,7 @@
 #include <cstring>
 #include <limits>
 
+#include "platform/system/errors.h"
 #include "reporting/log.h"
 
 namespace {
@@ -52,7 +53,9 @@ int TSXbinfile::open(const char* path, OpenMode mode) {
         return -1;
     }
     if (!stream.open(path, mode)) {
+        const std::uint32_t reason = GetLastError();
         logLocalError(Text<1200>().format("TSXbinfile: Could not open file %s", path));
+        SetLastError(reason);
         return 0;
     }
     openflag = 1;
@@ -72,14 +75,26 @@ int TSXbinfile::openupdate(const char* path) {
     return open(path, OpenMode::update);
 }
 
-void TSXbinfile::close() {
+int TSXbinfile::opennew(const char* path) {
+    return open(path, OpenMode::create);
+}
+
+int TSXbinfile::close() {
     if (openflag == 0) {
         logLocalError("TSXbinfile: tried to close closed file");
-        return;
+        return 0;
     }
-    if (!stream.close())
-        logWithName("could not write all of ", filename);
     openflag = 0;
+    if (stream.close())
+        return 1;
+    const std::uint32_t reason = GetLastError();
+    logWithName("could not write all of ", filename);
+    SetLastError(reason);
+    return 0;
+}
+
+int TSXbinfile::sync() {
+    return stream.sync() ? 1 : 0;
 }
 
 int TSXbinfile::blockread(void* bytes, int count) {
@@ -102,6 +117,12 @@ int TSXbinfile::blockwrite(const void* bytes, int count) {
         return 0;
     const auto wanted = static_cast<std::size_t>(count);
     return stream.write(bytes, wanted) == wanted ? 1 : 0;
+}
+
+std::string TSXbinfile::bytesat(std::int64_t position, int count) {
+    std::string bytes(static_cast<std::size_t>(count), '\0');
+    bytes.resize(stream.seek(position) ? stream.read(bytes.data(), bytes.size()) : 0);
+    return bytes;
 }
 
 int TSXbinfile::seek(std::int64_t position) {
@@ -247,6 +268,10 @@ int TSXbinfile::writestring(const char* text) {
 
 // The whole field goes out in one write, so that a failure leaves it old or new.
 int TSXbinfile::writefield(const char* text, int capacity) {
+    return writebytes(fieldbytes(text, capacity));
+}
+
+std::string TSXbinfile::fieldbytes(const char* text, int capacity) {
     const auto length = static_cast<std::int32_t>(std::strlen(text));
     std::string bytes;
     append(bytes, length);
@@ -254,12 +279,14 @@ int TSXbinfile::writefield(const char* text, int capacity) {
     bytes += text;
     if (capacity > length)
         bytes.append(static_cast<std::size_t>(capacity - length), '\0');
-    return writebytes(bytes);
+    return bytes;
 }
 
 int TSXbinfile::writebytes(const std::string& bytes) {
     if (blockwrite(bytes.data(), static_cast<int>(bytes.size())) == 1)
         return 1;
+    const std::uint32_t reason = GetLastError();
     logWithName("could not write string to ", filename);
+    SetLastError(reason);
     return 0;
 }

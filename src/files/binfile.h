@@ -23,19 +23,24 @@ public:
     int openread(const char* path);   // an existing file
     int openwrite(const char* path);  // a new file, or an existing one emptied
     int openupdate(const char* path); // an existing file, to be changed in place
-    void close();
+    int
+    opennew(const char* path); // a new file, which appears at close, on the disk as a whole; replaces nothing
+    int close();               // 0 when not all that was written is in the file; GetLastError tells why
+    int sync();                // puts what was written in place on the disk itself
+    FileState state() { return stream.state(); }
 
     // All count bytes or failure; 0 bytes is a failure. Bytes of a short read stay in the buffer.
     int blockread(void* bytes, int count);
     int blockwrite(const void* bytes, int count);
 
+    // The bytes that stand at a position, fewer where the file ends or the disk gives nothing.
+    std::string bytesat(std::int64_t position, int count);
     int seek(std::int64_t position); // 0 on success, else not: the one operation whose 0 is success
     std::int32_t tell() const;       // -1 where the position is beyond what 32 bits hold
     int iseof() const;               // non-zero once a read has asked for more than there was
     // The error number of the first failure of the disk while reading, 0 if there was none: what is missing
     // then is not the file's fault.
     std::uint32_t readfailure() const { return stream.readFailure(); }
-    FileIdentity identity() { return stream.identity(); }
 
     // 1: a frame was read and the stream stands at the chunk's body; 0: end of file; -1: no frame stands
     // here.
@@ -55,6 +60,7 @@ public:
     int writeint(std::int32_t number);
     int writestring(const char* text);
     int writefield(const char* text, int capacity);
+    static std::string fieldbytes(const char* text, int capacity); // what writefield writes
 
 private:
     int open(const char* path, OpenMode mode);

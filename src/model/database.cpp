@@ -8,15 +8,20 @@
 #include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
+#include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
 #include "platform/system/letters.h"
 #include "platform/system/path.h"
+#include "platform/system/plan.h"
 #include "reporting/log.h"
 
 TSXdatabase::TSXdatabase(const char* datadirectory)
     : datapath(datadirectory), types(1), keytree(*this), keyarray(1), visiblekeys(1), problems(1) {}
 
-TSXdatabase::~TSXdatabase() = default;
+TSXdatabase::~TSXdatabase() {
+    if (planning)
+        forgetPlan();
+}
 
 void TSXdatabase::readlists(const char* directorytext) {
     directory = directorytext;
@@ -127,6 +132,16 @@ std::string TSXdatabase::diskname(std::string_view fullpath) const {
     while (!name.empty() && (name[0] == '/' || name.compare(0, 2, "./") == 0))
         name.erase(0, 1);
     return name.empty() ? "." : name;
+}
+
+void TSXdatabase::addchange(Change change) {
+    if (!planning && logEnabled == 1)
+        logLine(describe(change).c_str());
+    changes.push_back(std::move(change));
+}
+
+bool TSXdatabase::takeaway(const char* fullpath) const {
+    return planning ? planRemoval(fullpath) : removeFile(fullpath);
 }
 
 void TSXdatabase::addproblem(std::unique_ptr<TSXproblem> problem) {

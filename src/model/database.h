@@ -66,6 +66,9 @@ public:
     bool isunread(std::string_view fullpath) const; // whether that file or directory could not be read
     // The name of a path relative to the database's directory, as it is spelled on the disk; "." for itself.
     std::string diskname(std::string_view fullpath) const;
+    // Keeps a change that was made, or while planning would have been, and writes its line to the log.
+    void addchange(Change change);
+    bool takeaway(const char* fullpath) const; // removeFile, or while planning as if
 
     // Adds a problem for each damaged file with that extension in a directory relative to the database's.
     void scansidefiles(const char* relative, const char* extension, const char* header);
@@ -77,7 +80,7 @@ public:
 
     // Repairs. They leave the data files right; an analysis has to follow. Deleting and making happen at once
     // on disk, keys change in memory. Results: 1 success, 0 failure, which has been reported.
-    void removeemptyfiles(int fileclass);
+    int removeemptyfiles(int fileclass);
     void removeduplicates(int type);
     void renameduplicates(int type);
     void createkeys();
@@ -96,7 +99,9 @@ public:
     int renamekey(const TSXkeyentry& entry, const char* text);
 
     int ismodified() const; // 1 if any record differs from the disk, else 0
-    void saveall();         // writes every changed key to disk, and asks the system to put it there
+    // Brings every changed key to the disk. 1 if nothing is left unsaved; else 0: what could not be saved has
+    // been reported and stays changed. While planning nothing is written, and the result is what it would be.
+    int saveall();
 
     TextStore keytexts; // the keys of all data files, also those that were changed since
     Text<600> datapath;

@@ -1,15 +1,14 @@
 #include "model/datafile.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "files/binfile.h"
 #include "model/database.h"
 #include "model/fileclass.h"
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
-#include "platform/system/messagebox.h"
 #include "reporting/log.h"
-#include "reporting/report.h"
 
 TSXdatafile::TSXdatafile(TSXdatabase& owner, TSXfilelist& holder, const char* basename,
                          std::int32_t fileclass)
@@ -23,6 +22,9 @@ void TSXdatafile::setkey(int i, const char* text) {
     if (i < 1 || i > keycount || isunread(i))
         return;
     const auto record = static_cast<std::size_t>(i);
+    keysondisk.resize(keys.size());
+    if (keydirty[record] != 1)
+        keysondisk[record] = keys[record];
     keys[record] = database.keytexts.keep(text);
     keydirty[record] = 1;
 }
@@ -52,33 +54,9 @@ int TSXdatafile::anydirty() const {
     return std::find(keydirty.begin(), keydirty.end(), 1) != keydirty.end() ? 1 : 0;
 }
 
-void TSXdatafile::writeback() {
-    if (anydirty() == 0)
-        return;
-    if (ondisk == 0) {
-        writewhole();
-        return;
-    }
-    TSXbinfile file;
-    if (file.openupdate(path) != 1) {
-        report(Text<1100>().format("Could not write in file '%s'", path.c_str()), "Error",
-               MB_OK | MB_ICONEXCLAMATION);
-        return;
-    }
-    for (std::size_t i = 1; i < keys.size(); ++i) {
-        if (keydirty[i] != 1 || keypos[i] <= 0 || file.seek(keypos[i]) != 0)
-            continue;
-        file.writefield(keys[i].data(), keycapacity);
-        keydirty[i] = 0;
-    }
-    file.close();
-}
-
 int TSXdatafile::removefile() {
-    return removeFile(path) ? 0 : -1;
+    return database.takeaway(path) ? 0 : -1;
 }
-
-void TSXdatafile::writewhole() {}
 
 TSXdatafile::Opening TSXdatafile::openwithheader(TSXbinfile& file) {
     if (file.openread(path) != 1) {
@@ -86,7 +64,7 @@ TSXdatafile::Opening TSXdatafile::openwithheader(TSXbinfile& file) {
             noteunread(GetLastError());
         return Opening::failed;
     }
-    identity = file.identity();
+    onread = file.state();
     std::string header;
     file.readstring(header, headercapacity);
     if (header == fileclasses[classid].header)
@@ -162,6 +140,7 @@ void TSXdatafile::maketable(std::int32_t count) {
     keypos.assign(size, 0);
     keydirty.assign(size, 0);
     keyreading.assign(size, Reading::good);
+    keysondisk.clear();
 }
 
 void TSXdatafile::readkey(TSXbinfile& file, std::size_t i) {

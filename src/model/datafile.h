@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "model/change.h"
 #include "platform/system/bytestream.h"
 #include "platform/system/cobject.h"
 #include "platform/system/text.h"
@@ -28,6 +29,9 @@ enum class Reading : std::uint8_t {
     senseless
 }; // the file ends in it; its length makes no sense
 
+// Why the last write failed, and what to do.
+std::string unwritten();
+
 class TSXdatafile : public CObject {
 public:
     TSXdatafile(TSXdatabase& owner, TSXfilelist& holder, const char* basename, std::int32_t fileclass);
@@ -39,8 +43,14 @@ public:
     // Adds a record that is not on disk yet; with 1000 records nothing happens.
     void addentry(const char* text);
     int anydirty() const; // 1 if a record differs from the disk, else 0
-    // Brings the disk up to date. A file that can't be opened is reported, and its records stay changed.
+    // Brings the disk up to date. What can't be written is reported and stays changed.
     void writeback();
+    // The two halves of that; each answers with nothing, or with what to tell the person of what is left.
+    // Looks at the disk and adds the changes that can be made there, in their order.
+    std::string collectchanges(std::vector<Change>& group);
+    // Makes changes that were collected, whatever else has happened meanwhile, and puts them on the disk.
+    // Each that succeeds is kept by the database, and its record is no longer changed.
+    std::string makechanges(Change* first, const Change* last);
     bool isempty() const { return valid == 1 && keycount == 0; }
     // Whether record i could not be read, because the disk failed or its lengths lead nowhere. Such a record
     // keeps its place in the tables with "???"; it is neither changed nor written.
@@ -48,8 +58,12 @@ public:
     void
     noteunread(std::uint32_t number); // puts the whole file on the list of what is unread, with that error
     int removefile(); // deletes the file: 0 on success, -1 on failure; the object stays as it was
-    virtual void
-    writewhole(); // writes a file that is not on disk yet; only for classes that can be made anew
+    // Writes a file that is not on disk yet; only for classes that can be made anew. Nothing, or why it could
+    // not be done. endmaking follows, behind a sync of the directory.
+    virtual std::string writewhole();
+    // Lets the made file count, or takes it away again where its name could not be put on the disk itself,
+    // which the obstacle tells. Nothing, or what to tell the person.
+    std::string endmaking(Change& change, const std::string& obstacle);
 
     TSXdatabase& database;
     TSXfilelist& list;
@@ -59,15 +73,16 @@ public:
     std::int32_t typeid_ = 0; // the file's own experiment type
     // The records, from 1 to keycount; slot 0 holds nothing. A record never leaves the table.
     std::int32_t keycount = 0;
-    std::vector<std::string_view> keys; // kept by the database, each with a terminator; may be empty
-    std::vector<std::int32_t> keytypes; // experiment type of each record
-    std::vector<std::int32_t> keypos;   // offset of the key field; -1 for a record that is not on disk
-    std::vector<std::int32_t> keydirty; // 1 if the key differs from the disk
-    std::int32_t valid = 0;             // 1 if the file is usable
-    std::int32_t ondisk = 0;            // 1 if the file can be updated in place
-    std::vector<Reading> keyreading;    // of each record's key and type
-    bool unread = false;                // the disk gave no answer somewhere: nothing of the file counts
-    FileIdentity identity;              // of the file that was read; none where none was opened
+    std::vector<std::string_view> keys;       // kept by the database, each with a terminator; may be empty
+    std::vector<std::int32_t> keytypes;       // experiment type of each record
+    std::vector<std::int32_t> keypos;         // offset of the key field; -1 for a record that is not on disk
+    std::vector<std::int32_t> keydirty;       // 1 if the key differs from the disk
+    std::vector<std::string_view> keysondisk; // of each changed record the key as it was read
+    std::int32_t valid = 0;                   // 1 if the file is usable
+    std::int32_t ondisk = 0;                  // 1 if the file can be updated in place
+    std::vector<Reading> keyreading;          // of each record's key and type
+    bool unread = false;                      // the disk gave no answer somewhere: nothing of the file counts
+    FileState onread;                         // the file on the disk when it was read or last written
 
 protected:
     enum class Opening : std::uint8_t { good, failed, wrongheader };
@@ -88,4 +103,10 @@ protected:
     // be read.
     void notereading(const TSXbinfile& file);
     void readkey(TSXbinfile& file, std::size_t i); // of record i, which stands here
+
+private:
+    void collectkeys(TSXbinfile& file, std::vector<Change>& group, std::string& obstacle) const;
+    std::string opensame(TSXbinfile& file) const;
+    std::string whynotmade() const;
+    void settle(Change& change);
 };

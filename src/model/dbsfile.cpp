@@ -4,9 +4,7 @@
 
 #include "files/binfile.h"
 #include "model/fileclass.h"
-#include "platform/system/messagebox.h"
 #include "reporting/log.h"
-#include "reporting/report.h"
 
 namespace {
 
@@ -63,26 +61,29 @@ TSXdbsfile::Chunk TSXdbsfile::readentries(TSXbinfile& file) {
     return Chunk::taken;
 }
 
-void TSXdbsfile::writewhole() {
+std::string TSXdbsfile::writewhole() {
     TSXbinfile file;
-    if (file.openwrite(path) != 1) {
-        report(Text<1100>().format("Could not write to file '%s'", path.c_str()), "Error",
-               MB_OK | MB_ICONEXCLAMATION);
-        return;
-    }
+    if (file.opennew(path) != 1)
+        return unwritten();
     file.writestring(fileclasses[classid].header);
     file.writetag("FLD");
     file.writeint(0);
     file.endtag();
     file.writetag(fileclasses[classid].recordtag);
     file.writeint(keycount);
+    std::vector<std::int32_t> places(keys.size());
     for (std::size_t i = 1; i < keys.size(); ++i) {
-        keypos[i] = file.tell();
+        places[i] = file.tell();
         file.writefield(keys[i].data(), keycapacity);
-        keydirty[i] = 0;
     }
     file.endtag();
-    file.close();
+    if (file.close() == 0) // any write that failed keeps the file from appearing
+        return unwritten();
+    keypos = places;
+    keydirty.assign(keys.size(), 0);
+    keysondisk.clear();
+    onread = stateOf(path);
     valid = 1;
     ondisk = 1;
+    return {};
 }

@@ -8,8 +8,7 @@ public:
     // Reads DBASE/basename.DBS. A file that can't be opened is a new one: valid, not on disk, without
     // records.
     TSXdbsfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename);
-    // Writes the whole file with no fields. A file that can't be made is reported, and nothing changes.
-    void writewhole() override;
+    std::string writewhole() override; // with no fields
 
 protected:
     Chunk readchunk(TSXbinfile& file, const char* tag) override;

@@ -79,6 +79,13 @@ void TSXfilelist::addfile(std::unique_ptr<TSXdatafile> file) {
 void TSXfilelist::removeat(int position) {
     names.erase(smallLetters(files[static_cast<std::size_t>(position)]->name.view()));
     lowestnumber = 1;
+    const std::int32_t fileclass = files[static_cast<std::size_t>(position)]->classid;
+    for (int i = 1; i <= database.problemcount; ++i) {
+        TSXproblem& problem = *database.getproblem(i);
+        if (problem.kind != corruptdatafile || problem.subkind != fileclass || problem.fileindex < position)
+            continue;
+        problem.fileindex = problem.fileindex == position ? 0 : problem.fileindex - 1;
+    }
     files.erase(files.begin() + position);
     --count;
 }

@@ -27,7 +27,8 @@ public:
     void reportinvalid(int fileclass);
     // Adds one problem of kind 1 if any valid file has no record.
     void reportempty(int fileclass);
-    // Takes the file at that position, from 1 to count, out of the list; later ones move one place down.
+    // Takes the file at that position, from 1 to count, out of the list; later ones move one place down, and
+    // the problems of this class follow.
     void removeat(int position);
 
     TSXdatabase& database;

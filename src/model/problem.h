@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "platform/system/bytestream.h"
 #include "platform/system/cobject.h"
 #include "platform/system/text.h"
 
@@ -71,6 +72,7 @@ public:
     Text<2400> message; // made by the constructor
     TSXdatabase& database;
     std::int32_t fileindex = 0; // position in its file list; set for kind 6 only
+    FileState looked;           // of a side file when it was looked at
 
 private:
     void makemessage();

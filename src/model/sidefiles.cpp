@@ -48,15 +48,17 @@ bool haschunks(TSXbinfile& file) {
     return result != -1;
 }
 
-// What is wrong with a side file, in the words of the log; none if it is sound. failure gets the error number
-// of the disk, 0 if it did not fail.
-const char* finddamage(const char* path, const char* header, std::uint32_t& failure) {
+// What is wrong with a side file, in the words of the log; none if it is sound. state gets the file as it
+// stands, failure the error number of the disk, 0 if it did not fail.
+const char* finddamage(const char* path, const char* header, FileState& state, std::uint32_t& failure) {
     TSXbinfile file;
     failure = 0;
     if (file.openread(path) != 1) {
         failure = isAbsence(GetLastError()) ? 0 : GetLastError();
+        state = stateOf(path);
         return "could not open";
     }
+    state = file.state();
     const char* damage = nullptr;
     if (!hasheader(file, header))
         damage = "invalid header";
@@ -82,8 +84,9 @@ void TSXdatabase::scansidefiles(const char* relative, const char* extension, con
         Text<1200> path;
         path.format("%s/%s/%s", directory.c_str(), relative, finder.entryname.c_str());
         logLine(Text<1300>().format("   found file '%s'", path.c_str()));
+        FileState looked;
         std::uint32_t failure = 0;
-        const char* damage = finddamage(path, header, failure);
+        const char* damage = finddamage(path, header, looked, failure);
         if (failure == 0)
             failure = finder.entryfailure;
         if (failure != 0)
@@ -91,7 +94,9 @@ void TSXdatabase::scansidefiles(const char* relative, const char* extension, con
         if (damage == nullptr)
             continue;
         logLine(Text<60>().format("        ! corrupt: %s", damage));
-        addproblem(std::make_unique<TSXproblem>(*this, corruptsidefile, 0, path));
+        auto problem = std::make_unique<TSXproblem>(*this, corruptsidefile, 0, path);
+        problem->looked = looked;
+        addproblem(std::move(problem));
     }
     finder.findclose();
 }

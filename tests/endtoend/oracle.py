@@ -220,13 +220,13 @@ class DataFile:
         if self.ondisk:
             with open(place, "rb") as file:
                 data = bytearray(file.read())
+            changed = [record for record in changed if data[record.at + 4:record.at + 8] == struct.pack("<i", 61)]
             for record in changed:
                 data.extend(bytes(max(0, record.at - len(data))))
                 data[record.at:record.at + 69] = field(record.key)
         elif os.path.isdir(os.path.dirname(place)):
             data = dbs([record.key for record in self.records])
         else:
-            self.database.log.append(b"Local error: TSXbinfile: Could not open file " + self.path)
             return
         with open(place, "wb") as file:
             file.write(data)

@@ -34,6 +34,11 @@ def contents(root):
     return found
 
 
+def bytes_of(thing, member):
+    """The bytes of a text of the document."""
+    return bytes.fromhex(thing[member + "_hex"]) if member + "_hex" in thing else thing[member].encode()
+
+
 def load_programs():
     """The directory of the programs, which is the first word of the command line."""
     return pathlib.Path(sys.argv.pop(1)).resolve()
@@ -76,20 +81,49 @@ class ProgramTest(unittest.TestCase):
         log and every byte of the tree have to agree.  The document."""
         model = self.work + "/model"
         shutil.copytree(self.root, model, symlinks=True)
+        before = contents(self.root)
         self.expected = expected = oracle.Run(model, "db", options)
         done = self.run_program("txcheck", "--json", "--log", ".", "db", *options)
         self.assertEqual(done.returncode, expected.status(), done.stderr)
         found = json.loads(done.stdout)
-        del found["changes"]
+        changes = found.pop("changes")
         for thing in found["unread"]:
             for member in "reason", "reason_hex":
                 thing.pop(member, None)
         self.assertEqual(found, expected.document())
-        log = re.sub(rb"(?m)^(   (?:could not read|passed over) '.*?': ).*$", rb"\1", pathlib.Path(self.work, "TXLOG.TXT").read_bytes())
+        log = self.without_changes(pathlib.Path(self.work, "TXLOG.TXT").read_bytes(), changes, before)
+        log = re.sub(rb"(?m)^(   (?:could not read|passed over) '.*?': ).*$", rb"\1", log)
         self.assertEqual(log.split(b"\n"), expected.log().split(b"\n"))
         self.assert_tree(contents(model))
         shutil.rmtree(model)
         return found
+
+    def without_changes(self, log, changes, tree):
+        """Makes the changes of a document on the tree as it was, which has to give the tree as it is, and takes their lines
+        out of the log."""
+        now = contents(self.root)
+        for change in changes:
+            kind = next(iter(change))
+            name = bytes_of(change, kind)
+            line = b"*** %s '%s' ***\n" % (kind.title().encode(), name)
+            place = os.fsdecode(name)
+            if kind == "deleted":
+                del tree[place]
+            elif kind == "made":
+                self.assertNotIn(place, tree)
+                tree[place] = now.get(place)
+            else:
+                old, new, at = bytes_of(change, "old"), bytes_of(change, "new"), change["offset"]
+                line = b"*** Changed key '%s' to '%s' in '%s', record %d ***\n" % (old, new, name, change["record"])
+                while isinstance(tree[place], str):
+                    place = os.path.normpath(os.path.join(os.path.dirname(place), tree[place]))
+                data = tree[place]
+                self.assertEqual(data[at + 8:at + 8 + len(old)], old)
+                tree[place] = data[:at] + oracle.field(new) + data[at + 69:]
+            self.assertIn(line, log)
+            log = log.replace(line, b"", 1)
+        self.assertEqual([path for path in {*tree, *now} if tree.get(path, 0) != now.get(path, 0)], [])
+        return log
 
     def assert_tree(self, expected):
         found = contents(self.root)

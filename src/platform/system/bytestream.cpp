@@ -1,13 +1,17 @@
 #include "platform/system/bytestream.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstring>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/system/newfile.h"
 #include "platform/system/path.h"
+#include "platform/system/plan.h"
 #include "platform/system/posix.h"
 
 namespace {
@@ -26,6 +30,7 @@ int flagsOf(OpenMode mode) {
     case OpenMode::read:
         return O_RDONLY;
     case OpenMode::write:
+    case OpenMode::create:
         return O_WRONLY;
     case OpenMode::update:
         return O_RDWR;
@@ -87,23 +92,25 @@ void putBack(int file, const std::string& old, std::size_t done, std::int64_t po
     SetLastError(reason);
 }
 
-bool hasName(int file) {
-    struct stat state = {};
-    return fstat(file, &state) == 0 && state.st_nlink > 0;
+FileState stateFrom(const struct stat& state) {
+    return {{state.st_dev, state.st_ino},
+            state.st_size,
+            state.st_mtim.tv_sec * std::int64_t{1000000000} + state.st_mtim.tv_nsec};
 }
 
-std::string descriptorPath(int file) {
-    return "/proc/self/fd/" + std::to_string(file);
+// A call that answers 0 on success and sets errno.
+template <class Call> bool succeeds(DiskOperation operation, const Call& call) {
+    if (injectedFault(operation))
+        return false;
+    if (retryInterrupted(call) == 0)
+        return true;
+    setLastErrorFromErrno(errno, "");
+    return false;
 }
 
-// A file that stands in the directory but has no name there yet; -1 where it could not be given one later.
-int makeUnnamed(const std::string& directory) {
-    const int file =
-        retryInterrupted([&] { return open(directory.c_str(), O_TMPFILE | O_WRONLY | O_CLOEXEC, 0666); });
-    if (file < 0 || access(descriptorPath(file).c_str(), F_OK) == 0)
-        return file;
-    close(file);
-    return -1;
+// A write beyond the size that the process is allowed is then an error and not its death.
+void refuseOversizedWrites() {
+    [[maybe_unused]] static const auto before = std::signal(SIGXFSZ, SIG_IGN);
 }
 
 } // namespace
@@ -123,10 +130,26 @@ bool ByteStream::open(const char* path, OpenMode mode, Links links) {
     buffer_.clear();
     bufferStart_ = 0;
     newPath_.clear();
+    if (mode != OpenMode::read)
+        refuseOversizedWrites();
     std::string resolved;
     if (!findPath(path, resolved))
         return false;
-    return mode == OpenMode::write && isMissing(resolved) ? openNew(resolved) : openExisting(resolved, links);
+    const bool missing = countsAsGone(resolved) || (makesNew() && isMissing(resolved));
+    if (missing && !makesNew()) {
+        setLastErrorFromErrno(ENOENT, resolved);
+        return false;
+    }
+    if (mode == OpenMode::create && !missing) {
+        SetLastError(ERROR_ALREADY_EXISTS);
+        return false;
+    }
+    if (!makesNew() || !missing)
+        return openExisting(resolved, links);
+    file_ = makeNewFile(resolved, mode == OpenMode::create, newName_);
+    if (isOpen())
+        newPath_ = resolved;
+    return isOpen();
 }
 
 bool ByteStream::openExisting(const std::string& path, Links links) {
@@ -144,36 +167,23 @@ bool ByteStream::openExisting(const std::string& path, Links links) {
     return false;
 }
 
-bool ByteStream::openNew(const std::string& path) {
-    const bool canBeMade = !path.empty() && path.back() != '/';
-    file_ = canBeMade ? makeUnnamed(directoryOf(path)) : -1;
-    if (!isOpen())
-        file_ = retryInterrupted(
-            [&] { return ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC | O_NOCTTY, 0666); });
-    if (!isOpen()) {
-        setLastErrorFromErrno(errno, path);
-        return false;
-    }
-    newPath_ = path;
-    return true;
-}
-
 bool ByteStream::close() {
     if (!isOpen())
         return true;
-    bool good = mode_ != OpenMode::write || publish();
-    const bool made = !newPath_.empty() && hasName(file_);
+    bool good = !makesNew() || publish();
     // A file system of another machine may say only now that it is full.
-    if (::close(file_) != 0 && errno != EINTR) {
-        setLastErrorFromErrno(errno, "");
-        good = false;
-    }
-    file_ = -1;
+    const bool closed = succeeds(DiskOperation::close, [this] {
+        const int file = std::exchange(file_, -1);
+        return file < 0 || ::close(file) == 0 || errno == EINTR ? 0 : -1;
+    });
+    if (isOpen()) // by an injected fault
+        ::close(std::exchange(file_, -1));
+    good = good && closed;
     buffer_.clear();
     if (!good) {
         ++failures;
-        if (made)
-            unlink(newPath_.c_str());
+        if (!newPath_.empty() && !newName_.empty())
+            unlink(newName_.c_str());
     }
     return good;
 }
@@ -184,12 +194,25 @@ bool ByteStream::publish() {
         return false;
     if (writeAt(file_, buffer_.data(), buffer_.size(), 0) < buffer_.size())
         return false;
-    if (newPath_.empty() || hasName(file_))
-        return true;
-    if (linkat(AT_FDCWD, descriptorPath(file_).c_str(), AT_FDCWD, newPath_.c_str(), AT_SYMLINK_FOLLOW) == 0)
-        return true;
-    setLastErrorFromErrno(errno, newPath_);
-    return false;
+    if (mode_ == OpenMode::create && !putOnDisk())
+        return false;
+    return newPath_.empty() || nameNewFile(file_, newPath_, newName_);
+}
+
+// A name must never lead to less than the whole content, whenever the machine stops.
+bool ByteStream::putOnDisk() const {
+    std::string written;
+    if (!succeeds(DiskOperation::sync, [this] { return fsync(file_); }) ||
+        !readWhole(file_, written, buffer_.size() + 1, 0))
+        return false;
+    if (written != buffer_)
+        SetLastError(ERROR_IO_DEVICE);
+    return written == buffer_;
+}
+
+bool ByteStream::sync() {
+    buffer_.clear();
+    return succeeds(DiskOperation::sync, [this] { return fdatasync(file_); });
 }
 
 // The bytes of the buffer from the position on.
@@ -221,10 +244,10 @@ bool ByteStream::failRead() {
     return false;
 }
 
-FileIdentity ByteStream::identity() {
+FileState ByteStream::state() {
     struct stat state = {};
     if (isOpen() && fstat(file_, &state) == 0)
-        return {state.st_dev, state.st_ino};
+        return stateFrom(state);
     setLastErrorFromErrno(isOpen() ? errno : EBADF, "");
     failRead();
     return {};
@@ -251,7 +274,7 @@ std::size_t ByteStream::write(const void* bytes, std::size_t count) {
     std::size_t done = 0;
     if (count > 0 && isOpen() && mode_ != OpenMode::read && !injectedFault(DiskOperation::write)) {
         const char* from = static_cast<const char*>(bytes);
-        done = mode_ == OpenMode::write    ? holdBack(from, count)
+        done = makesNew()                  ? holdBack(from, count)
                : mode_ == OpenMode::update ? overwrite(from, count)
                                            : append(from, count);
     }
@@ -275,22 +298,34 @@ std::size_t ByteStream::holdBack(const char* bytes, std::size_t count) {
     return count;
 }
 
-// All or nothing: what stood there is read first, so that it can be put back.
+// What stands at the position, less where the file ends; from the buffer where it has that.
+bool ByteStream::standing(std::string& bytes, std::size_t count) const {
+    if (buffered() < count)
+        return readWhole(file_, bytes, count, position_);
+    bytes.assign(buffer_, static_cast<std::size_t>(position_ - bufferStart_), count);
+    return true;
+}
+
+// All or nothing: what stood there is known first, so that it can be put back.
 std::size_t ByteStream::overwrite(const char* bytes, std::size_t count) {
     std::string old;
     struct stat state = {};
-    if (!readWhole(file_, old, count, position_))
+    if (!standing(old, count))
         return 0;
-    if (fstat(file_, &state) != 0) {
+    if (old.size() < count && fstat(file_, &state) != 0) {
         setLastErrorFromErrno(errno, "");
         return 0;
     }
-    buffer_.clear();
     const std::size_t done = writeAt(file_, bytes, count, position_);
     if (done < count) {
+        buffer_.clear();
         putBack(file_, old, done, position_, state.st_size);
         return 0;
     }
+    if (buffered() >= count)
+        std::memcpy(buffer_.data() + (position_ - bufferStart_), bytes, count);
+    else
+        buffer_.clear();
     position_ += static_cast<std::int64_t>(count);
     return count;
 }
@@ -375,6 +410,22 @@ bool removeFile(const char* path) {
     return false;
 }
 
-void flushToDisk() {
-    sync();
+bool syncDirectoryOf(const char* path) {
+    const std::string directory = directoryOf(resolvePath(path));
+    const int file =
+        retryInterrupted([&] { return open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    if (file < 0) {
+        setLastErrorFromErrno(errno, directory);
+        return false;
+    }
+    // A file system that knows no such sync has nothing more to give.
+    const bool done =
+        succeeds(DiskOperation::sync, [file] { return fsync(file) == 0 || errno == EINVAL ? 0 : -1; });
+    ::close(file);
+    return done;
+}
+
+FileState stateOf(const char* path) {
+    struct stat state = {};
+    return stat(resolvePath(path).c_str(), &state) == 0 ? stateFrom(state) : FileState();
 }

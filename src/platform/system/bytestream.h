@@ -15,6 +15,8 @@ enum class OpenMode {
     update, // an existing file, read and written in place; each write reaches the system at once, in one
             // piece
     append, // the end of an existing or a new file; each write reaches the system at once, in one piece
+    create, // a new file, which appears at close when its whole content is on the disk and was read back;
+            // an entry of that name is never replaced
 };
 
 // Which file it is, whatever its name.
@@ -27,6 +29,18 @@ struct FileIdentity {
 
 // Whether a link at the end of a path is followed to the file that it points to, or refused.
 enum class Links { followed, refused };
+
+// A file as it stood at a moment; another state of the same file shows that it was written meanwhile.
+struct FileState {
+    FileIdentity identity;
+    std::int64_t size = 0;
+    std::int64_t modified = 0; // nanoseconds
+
+    bool operator==(const FileState& other) const = default;
+};
+
+// Of the file to which a path leads; that of no file where there is none.
+FileState stateOf(const char* path);
 
 class ByteStream {
 public:
@@ -45,6 +59,11 @@ public:
     std::size_t read(void* bytes, std::size_t count);
     // The bytes that were accepted, from 0 to count.
     std::size_t write(const void* bytes, std::size_t count);
+    // Puts what was written in place on the disk itself, and waits for it. What is read afterwards comes from
+    // the system anew.
+    bool sync();
+    // Of the open file; that of no file, and a failure of reading, where the disk does not tell.
+    FileState state();
     // Moves to a position from the start of the file, also behind its end. False for a negative one, or a
     // failure.
     bool seek(std::int64_t position);
@@ -57,18 +76,18 @@ public:
     // The number of the first failure of the disk while reading since the open; 0 if there was none. The end
     // of the file is no failure.
     std::uint32_t readFailure() const { return readFailure_; }
-    // Of the open file; none, and a failure of reading, where the disk does not tell.
-    FileIdentity identity();
 
 private:
     bool openExisting(const std::string& path, Links links);
-    bool openNew(const std::string& path);
     bool publish();
+    bool putOnDisk() const;
     bool fill();
     bool failRead();
     std::size_t buffered() const;
     std::size_t holdBack(const char* bytes, std::size_t count);
     std::size_t overwrite(const char* bytes, std::size_t count);
+    bool makesNew() const { return mode_ == OpenMode::write || mode_ == OpenMode::create; }
+    bool standing(std::string& bytes, std::size_t count) const;
     std::size_t append(const char* bytes, std::size_t count);
 
     int file_ = -1;
@@ -76,10 +95,11 @@ private:
     std::int64_t position_ = 0;
     bool atEnd_ = false;
     std::uint32_t readFailure_ = 0;
-    bool incomplete_ = false;      // write mode: a write was not accepted, so the content must not appear
-    std::string buffer_;           // read modes: a piece of the file; write mode: the whole new content
+    bool incomplete_ = false;      // a new file: a write was not accepted, so the content must not appear
+    std::string buffer_;           // read modes: a piece of the file; a new file: the whole content
     std::int64_t bufferStart_ = 0; // where in the file the buffer's first byte stands
-    std::string newPath_;          // write mode: the name of the file that this stream makes; else empty
+    std::string newPath_;          // the name that a file made by this stream is to have; else empty
+    std::string newName_;          // the one it has meanwhile, if any
 };
 
 // How many writes of the process have failed, a failed close or flush counted as one.
@@ -93,5 +113,6 @@ bool appendToFile(const std::string& path, std::string_view bytes);
 // Deletes a plain file or takes away a link. False on failure; a directory is refused.
 bool removeFile(const char* path);
 
-// Asks the system to put all that was written so far on the disk itself, and waits for it.
-void flushToDisk();
+// Puts the names that a directory has gained or lost on the disk itself, and waits for it. path is that of
+// one of them, which may have gone.
+bool syncDirectoryOf(const char* path);

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "platform/system/path.h"
+#include "platform/system/plan.h"
 #include "platform/system/posix.h"
 
 int CreateDirectoryA(const char* path) {
@@ -25,12 +26,12 @@ int CreateDirectoryA(const char* path) {
 // The entry "." is looked up by the very rule by which a directory is entered, and the process stays where it
 // is.
 bool canEnterDirectory(const char* path) {
-    std::string inside;
-    if (!findPath(path, inside))
+    std::string resolved;
+    if (!findPath(path, resolved))
         return false;
-    inside += "/.";
+    const std::string inside = resolved + "/.";
     struct stat state = {};
-    if (stat(inside.c_str(), &state) == 0)
+    if (countsAsDirectory(resolved) || stat(inside.c_str(), &state) == 0)
         return true;
     setLastErrorFromErrno(errno, inside);
     return false;

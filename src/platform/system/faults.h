@@ -2,7 +2,7 @@
 // operation of the program asks it first; with no hook set that is one comparison.
 #pragma once
 
-enum class DiskOperation { open, read, write, seek, remove, makeDirectory, lock };
+enum class DiskOperation { open, read, write, seek, sync, close, link, remove, makeDirectory, lock };
 
 // Answers whether this operation is to fail. It may also not return at all.
 using DiskFaultHook = bool (*)(DiskOperation);

@@ -13,3 +13,6 @@ const std::string* findName(const std::vector<std::string>& names, std::string_v
 // Reads the names in a directory, in the order of directoryEntries. False where it can't be read to its end,
 // and GetLastError tells why: half of it must not pass for the whole.
 bool readNames(const std::string& directory, std::vector<std::string>& names);
+
+// Drops the names of directories that look-ups have kept.
+void forgetListings();

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdint>
+#include <filesystem>
 #include <map>
 #include <memory>
+#include <system_error>
 #include <utility>
 
 #include <dirent.h>
@@ -13,6 +15,7 @@
 
 #include "platform/system/letters.h"
 #include "platform/system/listing.h"
+#include "platform/system/plan.h"
 #include "platform/system/posix.h"
 
 namespace {
@@ -94,10 +97,13 @@ enum class Presence { there, absent, unknown };
 Presence presenceOf(const std::string& path) {
     struct stat state = {};
     if (lstat(path.c_str(), &state) == 0)
+        return countsAsGone(path) ? Presence::absent : Presence::there;
+    const int systemError = errno;
+    if (countsAsDirectory(path))
         return Presence::there;
-    if (errno == ENOENT || errno == ENOTDIR)
+    if (systemError == ENOENT || systemError == ENOTDIR)
         return Presence::absent;
-    setLastErrorFromErrno(errno, path);
+    setLastErrorFromErrno(systemError, path);
     return Presence::unknown;
 }
 
@@ -120,11 +126,18 @@ bool findComponent(const std::string& directory, std::string& component, bool& e
 
 } // namespace
 
+void forgetListings() {
+    kept.clear();
+}
+
 bool readNames(const std::string& directory, std::vector<std::string>& names) {
     names.clear();
     const std::unique_ptr<DIR, CloseDirectory> stream(opendir(directory.c_str()));
     if (stream == nullptr) {
-        setLastErrorFromErrno(errno, directory + "/."); // missing: the path, not an entry of it
+        const int systemError = errno;
+        if (countsAsDirectory(directory))
+            return true;
+        setLastErrorFromErrno(systemError, directory + "/."); // missing: the path, not an entry of it
         return false;
     }
     errno = 0;
@@ -138,6 +151,7 @@ bool readNames(const std::string& directory, std::vector<std::string>& names) {
         setLastErrorFromErrno(errno, directory);
         names.clear();
     }
+    applyPlan(directory, names);
     std::sort(names.begin(), names.end(), beforeInOrder);
     return complete;
 }
@@ -184,6 +198,16 @@ std::string resolvePath(std::string_view path) {
 
 bool pathExists(std::string_view path) {
     return presenceOf(resolvePath(path)) == Presence::there;
+}
+
+bool leadsInto(std::string_view path, std::string_view directory) {
+    std::error_code failure;
+    const auto whole = std::filesystem::weakly_canonical(resolvePath(path), failure).string();
+    if (failure)
+        return false;
+    const auto top = std::filesystem::canonical(resolvePath(directory), failure).string();
+    return !failure && whole.size() > top.size() && whole.compare(0, top.size(), top) == 0 &&
+           (whole[top.size()] == '/' || top.back() == '/');
 }
 
 std::vector<std::string> directoryEntries(const std::string& directory) {

@@ -22,3 +22,6 @@ bool pathExists(std::string_view path);
 // equal so by their plain bytes. "." and ".." are left out. Empty when the directory can't be read, and
 // GetLastError then tells why.
 std::vector<std::string> directoryEntries(const std::string& directory);
+
+// Whether a path leads to something inside of a directory, whatever links it goes through.
+bool leadsInto(std::string_view path, std::string_view directory);
