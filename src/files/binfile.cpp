@@ -8,6 +8,8 @@
 #include "platform/system/errors.h"
 #include "reporting/log.h"
 
+ReadWatcher* readwatcher = nullptr;
+
 namespace {
 
 constexpr const char* unreadable = "???";
@@ -64,7 +66,10 @@ int TSXbinfile::open(const char* path, OpenMode mode) {
 }
 
 int TSXbinfile::openread(const char* path) {
-    return open(path, OpenMode::read);
+    const int result = open(path, OpenMode::read);
+    if (result == 1 && readwatcher != nullptr)
+        readwatcher->opened(path);
+    return result;
 }
 
 int TSXbinfile::openwrite(const char* path) {
@@ -104,8 +109,15 @@ int TSXbinfile::blockread(void* bytes, int count) {
     }
     if (count <= 0)
         return 0;
-    const auto wanted = static_cast<std::size_t>(count);
-    return stream.read(bytes, wanted) == wanted ? 1 : 0;
+    return readbytes(bytes, static_cast<std::size_t>(count), false);
+}
+
+int TSXbinfile::readbytes(void* bytes, std::size_t wanted, bool istext) {
+    const std::int64_t offset = stream.tell();
+    const std::size_t count = stream.read(bytes, wanted);
+    if (readwatcher != nullptr)
+        readwatcher->read(offset, {static_cast<const char*>(bytes), count}, istext);
+    return count == wanted ? 1 : 0;
 }
 
 int TSXbinfile::blockwrite(const void* bytes, int count) {
@@ -196,7 +208,7 @@ int TSXbinfile::readtext(std::string& text, std::int32_t length) {
         return length == 0 ? 1 : 0;
     }
     text.resize(static_cast<std::size_t>(length));
-    const int result = blockread(text.data(), length);
+    const int result = readbytes(text.data(), text.size(), true);
     text.resize(std::min(text.size(), text.find('\0')));
     return result;
 }
