@@ -1,0 +1,19 @@
+// An undo file is the journal of its run too: what a run that was interrupted has left half done is finished
+// by the next run of that user which holds the database, before anything is loaded.
+#pragma once
+
+#include <string>
+#include <vector>
+
+struct FinishedWork {
+    std::vector<std::string>
+        texts;            // for the person: what was finished, and what was left; empty: nothing was waiting
+    bool complete = true; // false: something still waits, and the database must not be used as it is
+};
+
+// Whether something waits. Changes nothing.
+bool isInterrupted(const std::string& databaseDirectory);
+
+// Writes the new bytes where old or torn ones stand in a key field, leaves other bytes and names them, and
+// names the deletions and makings that were not done any more.
+FinishedWork finishInterrupted(const std::string& databaseDirectory);

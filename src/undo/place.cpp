@@ -1,0 +1,84 @@
+#include "undo/place.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+#include <map>
+
+#include "platform/system/bytestream.h"
+#include "platform/system/path.h"
+#include "undo/undofile.h"
+#include "undo/undolist.h"
+
+namespace {
+
+constexpr std::int64_t keptSeconds = std::int64_t{30} * 24 * 60 * 60;
+constexpr int keptOfDatabase = 10;
+
+bool isUndoName(const std::string& name) {
+    constexpr std::string_view extension = ".undo";
+    return name.size() > extension.size() &&
+           std::string_view(name).substr(name.size() - extension.size()) == extension;
+}
+
+UndoListEntry entryOf(const std::string& path) {
+    UndoFile file;
+    UndoListEntry entry;
+    entry.path = path;
+    entry.damage = readUndoFile(path, file);
+    entry.size = static_cast<std::int64_t>(file.bytes.size());
+    if (!entry.damage.empty())
+        return entry;
+    entry.time = file.header.time;
+    entry.directory = file.directory;
+    entry.changes = file.header.changes;
+    entry.open = file.header.isOpen();
+    return entry;
+}
+
+bool leadsNowhere(const std::string& path) {
+    EntryState state;
+    return readEntry(path, OfLink::target, state) && state.kind == EntryState::missing;
+}
+
+} // namespace
+
+std::string undoDirectory() {
+    const char* state = std::getenv("XDG_STATE_HOME");
+    if (state != nullptr && *state == '/')
+        return std::string(state) + "/txinspect";
+    const char* home = std::getenv("HOME");
+    return home != nullptr && *home == '/' ? std::string(home) + "/.local/state/txinspect" : "";
+}
+
+std::vector<std::string> undoFilePaths() {
+    const std::string directory = undoDirectory();
+    std::vector<std::string> paths;
+    if (!directory.empty())
+        for (const std::string& name : directoryEntries(directory))
+            if (isUndoName(name))
+                paths.push_back(directory + "/" + name);
+    return paths;
+}
+
+std::vector<UndoListEntry> listUndoFiles() {
+    std::vector<UndoListEntry> entries;
+    for (const std::string& path : undoFilePaths())
+        if (!leadsNowhere(path))
+            entries.push_back(entryOf(path));
+    std::stable_sort(entries.begin(), entries.end(),
+                     [](const UndoListEntry& a, const UndoListEntry& b) { return a.time < b.time; });
+    return entries;
+}
+
+void removeOldUndoFiles() {
+    for (const std::string& path : undoFilePaths())
+        if (leadsNowhere(path))
+            removeFile(path.c_str());
+    std::vector<UndoListEntry> entries = listUndoFiles();
+    std::map<std::string, int> newer; // of each database
+    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
+        if (entry->damage.empty() && newer[entry->directory]++ >= keptOfDatabase && !entry->open &&
+            entry->time + keptSeconds < std::time(nullptr))
+            removeFile(entry->path.c_str());
+}

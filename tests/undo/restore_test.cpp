@@ -1,0 +1,129 @@
+#include "undo/undotest.h"
+
+struct Restores : UndoTest {};
+
+// Runs of random groups, taken back one by one, and the taking back taken back too.
+TEST_F(Restores, EveryByteAndAttributeAfterRandomChanges) {
+    for (int round = 0; round < 12; ++round) {
+        SCOPED_TRACE(round);
+        if (HasFailure())
+            break;
+        std::vector<std::pair<std::string, Snapshot>> runs;
+        for (int run = 0; run < 2; ++run) {
+            const Snapshot before = snapshot(root.path());
+            UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse);
+            for (int group = 0; group < 3; ++group)
+                ASSERT_TRUE(change(keeper, randomGroup()));
+            if (!keeper.path().empty())
+                runs.emplace_back(keeper.path(), before);
+        }
+        for (; !runs.empty(); runs.pop_back()) {
+            const Snapshot after = snapshot(root.path());
+            const RestoreResult back = bringBack(runs.back().first);
+            EXPECT_TRUE(back.complete()) << back.refused << (back.left.empty() ? "" : back.left[0]);
+            EXPECT_EQ(differences(snapshot(root.path()), runs.back().second), Texts());
+            const RestoreResult forth = bringBack(back.ownUndoFile);
+            EXPECT_EQ(forth.refused, "");
+            EXPECT_EQ(forth.left, Texts());
+            EXPECT_EQ(differences(snapshot(root.path()), after), Texts());
+            EXPECT_TRUE(bringBack(runs.back().first).complete());
+            EXPECT_EQ(bringBack(runs.back().first).changes.size(), 0U); // again, which finds nothing to do
+            EXPECT_EQ(differences(snapshot(root.path()), runs.back().second), Texts());
+        }
+        EXPECT_EQ(reports, Texts());
+    }
+}
+
+// What was changed since is left and named; the rest comes back only when the person says so.
+TEST_F(Restores, LeavesWhatHasChangedSince) {
+    std::vector<Change> group;
+    while (group.size() < 2)
+        addKeys(group, "DBASE/F1.DBS");
+    group.push_back({Change::making, "DBASE/N1", 0, 0, "", "", ""});
+    group.push_back({Change::making, "new2", 0, 0, "", "", ""});
+    for (const char* name : {"DBASE/F0.DBS", "DBASE/F3.DBS", "DBASE/F4.DBS"})
+        group.push_back({Change::deletion, name, 0, 0, "", "", ""});
+    const Snapshot before = snapshot(root.path());
+    UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse);
+    ASSERT_TRUE(change(keeper, group));
+    std::string content = readFile(root / "DBASE/F1.DBS");
+    writeFile(root / "DBASE/F1.DBS",
+              content.replace(static_cast<std::size_t>(group[0].offset) + 9, 3, "..."));
+    writeFile(root / "DBASE/N1", "other");
+    writeFile(root / "new2/inside", "");
+    writeFile(root / "DBASE/F3.DBS", "other");
+    writeFile(root / "DBASE/f4.dbs", "other");
+    const Snapshot changed = snapshot(root.path());
+    const RestoreResult refused = bringBack(keeper.path());
+    EXPECT_NE(refused.refused, "");
+    EXPECT_EQ(refused.left.size(), 5U);
+    EXPECT_EQ(differences(snapshot(root.path()), changed), Texts());
+    EXPECT_EQ(bringBack(keeper.path(), true).left, refused.left);
+    const Snapshot after = snapshot(root.path());
+    EXPECT_EQ(after.at("DBASE/F0.DBS"), before.at("DBASE/F0.DBS"));
+    EXPECT_EQ(readFile(root / "DBASE/F1.DBS").substr(static_cast<std::size_t>(group[1].offset), 69),
+              group[1].fieldbefore);
+    EXPECT_EQ(readFile(root / "DBASE/F1.DBS").substr(static_cast<std::size_t>(group[0].offset) + 9, 3),
+              "...");
+    for (const char* name : {"DBASE/N1", "new2/inside", "DBASE/F3.DBS", "DBASE/f4.dbs"})
+        EXPECT_EQ(after.at(name), changed.at(name));
+    const TempDir elsewhere;
+    EXPECT_NE(restore({keeper.path(), elsewhere.path(), true, true, ""}).refused, "");
+}
+
+// Neither a byte nor the end can be another; what is refused changes nothing, and neither does a journal.
+TEST_F(Restores, RefusesAFileDamagedAnywhere) {
+    UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse);
+    ASSERT_TRUE(change(keeper, {{Change::deletion, "DBASE/F0.DBS", 0, 0, "", "", ""},
+                                {Change::making, "DBASE/N1", 0, 0, "", "", ""}}));
+    const std::string whole = readFile(keeper.path());
+    for (std::size_t i = 0; i < 2 * whole.size(); ++i) {
+        std::string bytes = whole;
+        bytes[i % whole.size()] = static_cast<char>(bytes[i % whole.size()] ^ (1 << pick(8)));
+        writeFile(keeper.path(), i < whole.size() ? bytes : whole.substr(0, i - whole.size()));
+        std::string why;
+        EXPECT_EQ(recordedDirectory(keeper.path(), why), "") << i;
+        EXPECT_NE(restore({keeper.path(), root.path(), true, true, ""}).refused, "") << i;
+    }
+    writeFile(keeper.path(), whole);
+    EXPECT_TRUE(bringBack(keeper.path()).complete());
+}
+
+// Only the user can read them; the last ten of a database stay, others go with 30 days, and nothing stands in
+// the way.
+TEST_F(Restores, KeepsUndoFilesPrivateAndForATime) {
+    const std::vector<Change> group = {{Change::making, "DBASE/N1", 0, 0, "", "", ""}};
+    for (int i = 0; i < 12; ++i) {
+        UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse, i == 11 ? state / "own" : "");
+        ASSERT_TRUE(keeper.before(group));
+        keeper.after();
+        struct stat found = {};
+        lstat(keeper.path().c_str(), &found);
+        EXPECT_EQ(found.st_mode & 0777, 0600U);
+    }
+    struct stat found = {};
+    stat((state / "txinspect").c_str(), &found);
+    EXPECT_EQ(found.st_mode & 0777, 0700U);
+    EXPECT_EQ(listUndoFiles().size(), 12U);
+    for (const std::string& path : undoFiles()) {
+        UndoFile file;
+        ASSERT_EQ(readUndoFile(path, file), "");
+        file.header.time -= 31 * 24 * 60 * 60;
+        writeFile(path, file.bytes.replace(0, UndoHeader::size, file.header.encode()));
+    }
+    UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse, state / "own");
+    EXPECT_FALSE(keeper.before(group)); // something has that name
+    UndoKeeper last(root.path(), UndoKeeper::WithoutPlace::refuse);
+    EXPECT_TRUE(last.before(group));
+    EXPECT_EQ(listUndoFiles().size(), 10U);
+    EXPECT_EQ(undoFiles().back(), last.path());
+    fs::permissions(state / "txinspect", fs::perms::none);
+    fs::remove_all(state / "txinspect");
+    writeFile(state / "txinspect", "in the way");
+    UndoKeeper refused(root.path(), UndoKeeper::WithoutPlace::refuse),
+        asked(root.path(), UndoKeeper::WithoutPlace::ask);
+    EXPECT_FALSE(refused.before(group));
+    answer = 6; // Yes
+    EXPECT_TRUE(asked.before(group));
+    EXPECT_EQ(reports.size(), 3U);
+}
