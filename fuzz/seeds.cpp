@@ -4,6 +4,7 @@
 #include "places.h"
 #include "sample.h"
 #include "tempdir.h"
+#include "undo/undowriter.h"
 
 namespace {
 
@@ -36,6 +37,29 @@ void writeSeeds(const std::string& corpus, const Target& target, const TempDir& 
     writeFile(stem + "-all", all);
 }
 
+// The items of an undo file of the small database of that target, as of a finished and an interrupted run.
+bool writeUndoSeeds(const std::string& corpus) {
+    const TempDir place;
+    const std::string undo = place / "seed.undo", database = place / "database";
+    setenv("XDG_STATE_HOME", place.path().c_str(), 1);
+    fs::create_directories(database + "/DBASE");
+    fs::create_directories(corpus + "/fuzz_undo");
+    writeFile(database + "/DBASE/A.DBS", std::string(200, 'a'));
+    writeFile(database + "/DBASE/B.DBS", std::string(100, 'b'));
+    UndoWriter writer(database, undo);
+    const bool kept = writer.addKeys("DBASE/A.DBS", {{1, 7, std::string(69, 'a'), std::string(69, 'c')}}) &&
+                      writer.addDeletion("DBASE/B.DBS") && writer.addMaking("DBASE/C.DBS") && writer.commit();
+    writeFile(database + "/DBASE/C.DBS", "c");
+    UndoFile file;
+    if (!kept || !writer.finish() || !readUndoFile(undo, file).empty())
+        return false;
+    const std::string items =
+        file.bytes.substr(UndoHeader::size + 8 + file.directory.size() + file.program.size());
+    for (const char* first : {"0", "1"})
+        writeFile(corpus + "/fuzz_undo/" + first, first + items);
+    return true;
+}
+
 } // namespace
 
 int main(int argc, char** argv) {
@@ -55,5 +79,5 @@ int main(int argc, char** argv) {
         for (const Target& target : targets)
             writeSeeds(argv[1], target, sample, damage);
     }
-    return 0;
+    return writeUndoSeeds(argv[1]) ? 0 : 1;
 }
