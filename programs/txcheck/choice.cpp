@@ -3,6 +3,7 @@
 #include "platform/system/errors.h"
 #include "settings/settings.h"
 #include "told.h"
+#include "undo/restore.h"
 
 namespace {
 
@@ -16,6 +17,11 @@ std::nullopt_t refuse(const std::string& text) {
 std::optional<std::string> chooseDirectory(const Options& options) {
     if (options.directory)
         return options.directory;
+    if (options.restore && !options.database && !options.home) {
+        std::string why;
+        const std::string recorded = recordedDirectory(*options.restore, why);
+        return why.empty() ? std::optional(recorded) : refuse(why);
+    }
     DatabaseSettings settings;
     readSettingsStore(settings);
     if (options.home)

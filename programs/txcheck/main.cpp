@@ -10,6 +10,7 @@
 #include "status.h"
 #include "textreport.h"
 #include "told.h"
+#include "undoreport.h"
 
 int main(int argc, char** argv) {
     openStandardStreams();
@@ -17,13 +18,18 @@ int main(int argc, char** argv) {
     const std::optional<Options> options = parseOptions(argc, argv, status);
     if (!options)
         return status;
+    if (options->undoList)
+        return writeUndoList(std::cout, options->json);
     const std::optional<std::string> directory = chooseDirectory(*options);
     if (!directory)
         return statusFailed;
     Session session(*options);
     if (!session.open(*directory))
         return statusFailed;
-    session.run();
+    if (options->restore)
+        session.restoreFrom(*options->restore);
+    else
+        session.run();
     if (options->json)
         writeJson(std::cout, session, *options);
     else if (session.explained != 0)

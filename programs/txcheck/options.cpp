@@ -30,6 +30,8 @@ constexpr Flag flags[] = {
     {"-p,--preen", &Options::preen, "Apply the solutions that delete and clear nothing, until none is left"},
     {"-y,--yes", &Options::yes, "Change the key even where NEW is in use"},
     {"-s,--save", &Options::save, "Write the changed keys to disk"},
+    {"--no-undo", &Options::noUndo, "Make no undo file; what is changed then can't be taken back"},
+    {"--undo-list", &Options::undoList, "List the undo files of this user, and do nothing else"},
     {"--no-lock", &Options::noLock, "Take no hold of the database, for a copy on a read-only medium"},
     {"-q,--quiet", &Options::quiet, "Write no report where nothing is wrong and nothing was done"},
     {"--json", &Options::json, "Write one JSON document to standard output"},
@@ -54,6 +56,11 @@ constexpr Value values[] = {
      "Take the problems whose ids stand in FILE as accepted: they are listed apart and don't count"},
     {"--write-known", &Options::writeKnown, "FILE", "Write the ids of all problems to FILE, for --known"},
     {"--report", &Options::report, "FILE", "Write the report as an HTML page to FILE too"},
+    {"--undo", &Options::undo, "FILE", "Write the undo file there; default: into $XDG_STATE_HOME/txinspect"},
+    {"--restore", &Options::restore, "FILE",
+     "Bring DIRECTORY, by default the one that FILE is about, back to what it was before the changes of that "
+     "undo "
+     "file; what has changed since is refused, or with --yes left"},
     {"--log", &Options::log, "DIR", "Write TXLOG.TXT into DIR"},
 };
 
@@ -225,6 +232,10 @@ void interpret(const CLI::App& app, const Words& words, Options& options) {
         !options.solve.empty() || options.preen || options.changeKey || options.rename || options.save;
     if (options.explain && options.json)
         refuse("--explain", "does not go with --json");
+    if (options.undo && options.noUndo)
+        refuse("--undo", "does not go with --no-undo");
+    if (options.restore && (changes || options.noLock || options.plan))
+        refuse("--restore", "goes with no repair, and with none of --save, --plan and --no-lock");
     if (options.noLock && changes)
         refuse("--no-lock", "goes with no repair and no --save: without the hold the database may be in use "
                             "elsewhere");

@@ -46,6 +46,10 @@ struct Options {
     std::optional<std::string> writeKnown; // a file
     std::optional<std::string> report;     // an HTML file
     std::optional<std::string> log;
+    std::optional<std::string> undo;    // a file
+    std::optional<std::string> restore; // a file
+    bool noUndo = false;
+    bool undoList = false;
     bool noLock = false;
     bool quiet = false;
     bool json = false;

@@ -12,6 +12,8 @@
 #include "status.h"
 #include "textfile.h"
 #include "told.h"
+#include "undo/journal.h"
+#include "undo/restore.h"
 
 Session::Session(const Options& given) : database(""), steps(database, given, known), options(given) {
     setReport([this](const char* text, const char* title, std::uint32_t flags) {
@@ -50,12 +52,54 @@ bool Session::open(const std::string& directory) {
                               : options.plan ? Hold::Marker::present
                                              : Hold::Marker::made))
         return false;
+    if (!finishEarlier(directory))
+        return false;
     if (hasConnectedDatabase(directory.c_str()))
         tell(std::string("Warning: ") + connectedDatabaseText + " It goes on");
     if (options.log && !startLog(1, options.log->c_str()))
         return false;
     database.directory = directory.c_str();
+    for (const std::string& text : finished)
+        logLine(text.c_str());
+    if (!options.noUndo)
+        keepUndo();
     return true;
+}
+
+// What a run that was interrupted has left half done must not be read as if it were whole.
+bool Session::finishEarlier(const std::string& directory) {
+    if (options.noLock || options.plan) {
+        if (isInterrupted(directory))
+            tell("Warning: a change of this database was interrupted; the next run with neither --no-lock "
+                 "nor --plan "
+                 "finishes it first");
+        return true;
+    }
+    const FinishedWork work = finishInterrupted(directory);
+    finished = work.texts;
+    for (const std::string& text : finished)
+        tell(text);
+    return work.complete || refuse("The database is left as it is until that is finished");
+}
+
+void Session::keepUndo() {
+    keeper = std::make_unique<UndoKeeper>(database.directory.c_str(), UndoKeeper::WithoutPlace::refuse,
+                                          options.undo.value_or(""));
+    database.keeper = keeper.get();
+}
+
+void Session::restoreFrom(const std::string& undoFile) {
+    const RestoreResult result = restore(
+        {undoFile, database.directory.c_str(), options.yes, !options.noUndo, options.undo.value_or("")});
+    for (const std::string& text : result.left)
+        refuse(text);
+    if (!result.refused.empty())
+        refuse(result.refused);
+    if (!result.ownUndoFile.empty())
+        tell("The restore can be taken back with --restore " + result.ownUndoFile);
+    for (const Change& change : result.changes)
+        database.addchange(change);
+    run();
 }
 
 // What an analysis can't read may come and go with each; every thing is told once.
@@ -100,6 +144,8 @@ bool Session::save() {
 }
 
 int Session::status() const {
+    if (options.restore)
+        return steps.failed ? statusFailed : statusClean;
     if (steps.failed || database.unreadcount() > 0)
         return statusFailed;
     if (known.unknownIn(database) > 0 || database.ismodified() == 1)

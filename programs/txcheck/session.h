@@ -2,14 +2,17 @@
 // in the fields for the reports.
 #pragma once
 
+#include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "hold.h"
 #include "known.h"
 #include "model/database.h"
 #include "options.h"
 #include "steps.h"
+#include "undo/keeper.h"
 
 class Session {
 public:
@@ -23,6 +26,8 @@ public:
     bool open(const std::string& directory);
     // Loads the database and takes the steps.
     void run();
+    // Brings the database back to what it was before the changes of an undo file, and loads it then.
+    void restoreFrom(const std::string& undoFile);
     // One of the exit statuses.
     int status() const;
 
@@ -33,6 +38,8 @@ public:
     bool saved = false; // a save was asked for, and nothing is left unsaved
 
 private:
+    bool finishEarlier(const std::string& directory);
+    void keepUndo();
     int answer(const char* text, const char* title, std::uint32_t flags);
     void tellUnread();
     bool save();
@@ -42,4 +49,6 @@ private:
     const Options& options;
     Hold hold;
     std::set<std::string> toldUnread;
+    std::vector<std::string> finished; // of an earlier run, for the log
+    std::unique_ptr<UndoKeeper> keeper;
 };

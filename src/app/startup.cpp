@@ -1,5 +1,6 @@
 // From the start of the process to the message loop.
 #include <cstdlib>
+#include <memory>
 #include <string>
 
 #include "app/application.h"
@@ -12,6 +13,8 @@
 #include "resources/resources.h"
 #include "settings/settings.h"
 #include "toolkit/drawing.h"
+#include "undo/journal.h"
+#include "undo/keeper.h"
 #include "views/current.h"
 #include "views/mainframe.h"
 
@@ -76,6 +79,22 @@ void warnOfConnectedDatabase() {
         std::exit(-1);
 }
 
+// What a run that was interrupted has left half done must not be read as if it were whole.
+void finishEarlier() {
+    const FinishedWork work = finishInterrupted(databaseDirectory.c_str());
+    std::string text;
+    for (const std::string& line : work.texts) {
+        logLine(line.c_str());
+        text += (text.empty() ? "" : "\n") + line;
+    }
+    if (!work.complete)
+        leave((text + "\nThe database is left as it is until that is finished").c_str(), MB_ICONEXCLAMATION);
+    if (!text.empty())
+        report(text.c_str(), "Warning", MB_OK | MB_ICONINFORMATION);
+}
+
+std::unique_ptr<UndoKeeper> keeper; // of this run
+
 } // namespace
 
 TSXapp::TSXapp() {
@@ -92,10 +111,13 @@ TSXapp::TSXapp() {
     initDrawing({192, 192, 192});
     if (!startLog(1, homeDirectory))
         std::exit(0);
+    finishEarlier();
 }
 
 int TSXapp::InitInstance() {
     database = std::make_unique<TSXdatabase>((std::string(rootDirectory) + "\\DATA\\").c_str());
+    keeper = std::make_unique<UndoKeeper>(databaseDirectory.c_str(), UndoKeeper::WithoutPlace::ask);
+    database->keeper = keeper.get();
     mainFrame = new TSXmainframe;
     database->load(databaseDirectory);
     mainFrame->createMainWindow();
