@@ -12,8 +12,8 @@ struct FinishedWork {
 };
 
 // Whether something waits. Changes nothing.
-bool isInterrupted(const std::string& databaseDirectory);
+bool isInterrupted(const std::string& directory);
 
 // Writes the new bytes where old or torn ones stand in a key field, leaves other bytes and names them, and
 // names the deletions and makings that were not done any more.
-FinishedWork finishInterrupted(const std::string& databaseDirectory);
+FinishedWork finishInterrupted(const std::string& directory);

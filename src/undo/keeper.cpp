@@ -8,9 +8,8 @@
 #include "reporting/report.h"
 #include "undo/place.h"
 
-UndoKeeper::UndoKeeper(const std::string& databaseDirectory, WithoutPlace withoutPlace,
-                       const std::string& path)
-    : writer_(resolvePath(databaseDirectory), path), withoutPlace_(withoutPlace) {}
+UndoKeeper::UndoKeeper(const std::string& root, WithoutPlace withoutPlace, const std::string& path)
+    : writer_(resolvePath(root), path), withoutPlace_(withoutPlace) {}
 
 bool UndoKeeper::before(const std::vector<Change>& group) {
     const bool first = path().empty();

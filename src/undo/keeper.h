@@ -15,7 +15,7 @@ public:
     // The undo file goes into the user's state directory, or under the path where one is given, where nothing
     // may stand yet. Where it can't be written, the changes are refused, or the person is asked whether to go
     // on without.
-    UndoKeeper(const std::string& databaseDirectory, WithoutPlace withoutPlace, const std::string& path = "");
+    UndoKeeper(const std::string& root, WithoutPlace withoutPlace, const std::string& path = "");
 
     bool before(const std::vector<Change>& group) override;
     void after() override;

@@ -68,6 +68,6 @@ bool readUndoHeader(const std::string& path, UndoHeader& header);
 
 // Whether the file is about the database in this directory: it is the same directory, on the same device or
 // under the same path, since a device may have another number after a new start of the machine.
-bool isAbout(const UndoFile& file, const std::string& databaseDirectory);
+bool isAbout(const UndoFile& file, const std::string& directory);
 
 std::uint32_t checksumOf(std::string_view bytes, std::uint32_t before = 0); // CRC-32

@@ -19,9 +19,9 @@ class UndoWriter {
 public:
     // A new undo file under the path, or where that is empty in the user's state directory. Touches nothing
     // yet.
-    UndoWriter(const std::string& databaseDirectory, const std::string& path);
+    UndoWriter(const std::string& root, const std::string& path);
     // Goes on with one that was left open.
-    UndoWriter(const UndoFile& file, const std::string& databaseDirectory);
+    UndoWriter(const UndoFile& file, const std::string& root);
 
     // Takes a change into the group with what stands on the disk now. Names are relative to the database
     // directory. size is that of the file behind the change; below 0, as the fields make it.

@@ -49,7 +49,7 @@ class Display:
         with os.fdopen(read) as answer:
             number = answer.readline().strip()
         self.environment = dict(os.environ, DISPLAY=":" + number, QT_QPA_PLATFORM="xcb", HOME=str(work),
-                                XDG_CONFIG_HOME=str(work / "config"), XDG_RUNTIME_DIR=str(work),
+                                XDG_CONFIG_HOME=str(work / "config"), XDG_STATE_HOME=str(work / "state"), XDG_RUNTIME_DIR=str(work),
                                 LSAN_OPTIONS="suppressions=%s/leaks:print_suppressions=0" % work)
         self.manager = subprocess.Popen(["openbox"], env=self.environment, stdout=subprocess.DEVNULL,
                                         stderr=subprocess.DEVNULL)
