@@ -4,7 +4,6 @@
 #include "model/datafile.h"
 #include "platform/system/messagebox.h"
 #include "platform/system/path.h"
-#include "reporting/log.h"
 #include "reporting/report.h"
 #include "undo/place.h"
 
@@ -18,10 +17,8 @@ bool UndoKeeper::before(const std::vector<Change>& group) {
         return goOnWithout();
     }
     waiting_ = !group.empty();
-    if (first && !path().empty()) {
-        logLine(("undo file '" + path() + "'").c_str());
+    if (first && !path().empty())
         removeOldUndoFiles();
-    }
     return true;
 }
 
