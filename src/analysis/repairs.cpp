@@ -98,8 +98,15 @@ void TSXdatabase::foreachduplicate(int type, const std::function<void(const TSXk
     for (std::size_t i = 1; i < keyarray.size(); ++i) {
         const TSXkeyentry& entry = *keyarray[i];
         const int count = entry.key.empty() ? 0 : entry.occurrences(type);
-        for (int n = 2; n <= count; ++n)
-            operation(entry, n);
+        bool used = false; // by a record that could be read; what could not be read is no duplicate of any
+        for (int n = 1; n <= count; ++n) {
+            const Occurrence use = entry.occurrence(type, n);
+            if (use.file->isunread(use.record))
+                continue;
+            if (used)
+                operation(entry, n);
+            used = true;
+        }
     }
 }
 
@@ -124,7 +131,7 @@ void TSXdatabase::createkeys() {
     for (std::size_t i = 1; i < list.files.size(); ++i) {
         TSXdatafile& file = *list.files[i];
         for (std::int32_t r = 1; r <= file.keycount; ++r)
-            if (file.keys[static_cast<std::size_t>(r)].empty())
+            if (file.keys[static_cast<std::size_t>(r)].empty() && !file.isunread(r))
                 renamerecord(*this, file, r, 0, freekeys.next("dbkey"));
     }
 }
