@@ -55,12 +55,6 @@ void writekey(TSXbinfile& file, const SampleRecord& record) {
     file.blockwrite(bytes.data(), record.capacity);
 }
 
-// The reason of the last failure, without the line break that ends a system text.
-std::string lasterror() {
-    const std::string text = FormatMessageA(GetLastError());
-    return text.substr(0, text.find_first_of("\r\n"));
-}
-
 bool hasrecordchunk(const DataFile& data) {
     return !data.records.empty() || data.statedcount >= 0;
 }
@@ -90,7 +84,7 @@ bool SampleTree::open(TSXbinfile& file, const std::string& path) {
         return false;
     if (file.openwrite(path.c_str()) == 1)
         return true;
-    result.failure = "can't make '" + path + "': " + lasterror();
+    result.failure = "can't make '" + path + "': " + errorText(GetLastError());
     return false;
 }
 
@@ -100,7 +94,7 @@ void SampleTree::close(TSXbinfile& file, const std::string& path, bool broken) {
         file.blockwrite("no chunk here", 13);
     file.close();
     if (failedWrites() != failedbefore_)
-        result.failure = "can't write '" + path + "': " + lasterror();
+        result.failure = "can't write '" + path + "': " + errorText(GetLastError());
 }
 
 std::string SampleTree::nameof(const DataFile& file) {
@@ -199,8 +193,8 @@ void SampleTree::writesettings() {
     settings.currentDatabase = options.name.c_str();
     settings.databaseDirectory = root_.c_str();
     if (!failed() && !writeDatabaseFile(settings))
-        result.failure =
-            "can't write the settings of '" + options.name + "' in '" + options.home + "': " + lasterror();
+        result.failure = "can't write the settings of '" + options.name + "' in '" + options.home +
+                         "': " + errorText(GetLastError());
 }
 
 void SampleTree::rename(const std::string& from, const std::string& to) {

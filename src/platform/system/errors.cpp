@@ -25,6 +25,8 @@ const ErrorText errorTexts[] = {
     {ERROR_SHARING_VIOLATION,
      "The process cannot access the file because it is being used by another process."},
     {ERROR_NOT_SUPPORTED, "The request is not supported."},
+    {ERROR_UNEXP_NET_ERR, "An unexpected network error occurred."},
+    {ERROR_SEM_TIMEOUT, "The semaphore timeout period has expired."},
     {ERROR_DISK_FULL, "There is not enough space on the disk."},
     {ERROR_INVALID_NAME, "The filename, directory name, or volume label syntax is incorrect."},
     {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
@@ -63,6 +65,14 @@ const SystemError systemErrors[] = {
     {EEXIST, ERROR_ALREADY_EXISTS},
     {ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
     {EIO, ERROR_IO_DEVICE},
+    {ESTALE, ERROR_UNEXP_NET_ERR}, // what a file server says of a file that it has lost
+    {ENETDOWN, ERROR_UNEXP_NET_ERR},
+    {ENETUNREACH, ERROR_UNEXP_NET_ERR},
+    {EHOSTDOWN, ERROR_UNEXP_NET_ERR},
+    {EHOSTUNREACH, ERROR_UNEXP_NET_ERR},
+    {ECONNRESET, ERROR_UNEXP_NET_ERR},
+    {ENOTCONN, ERROR_UNEXP_NET_ERR},
+    {ETIMEDOUT, ERROR_SEM_TIMEOUT},
 };
 
 std::uint32_t lastError = ERROR_SUCCESS;
