@@ -89,8 +89,7 @@ void TSXdatabase::notesearch(const TSXfinder& search, const char* relative, Unre
         addunreadpath(path + "/" + name, "Another file is read under this name.", Unread::told);
 }
 
-void TSXdatabase::forgetrecords(std::string_view fullpath) {
-    const std::string name = diskname(fullpath);
+void TSXdatabase::forgetrecords(const std::string& name) {
     const auto ofthefile = [&](const Unread& thing) { return thing.record > 0 && thing.name == name; };
     unread.erase(std::remove_if(unread.begin(), unread.end(), ofthefile), unread.end());
 }

@@ -56,7 +56,7 @@ public:
     // The same for what a search could not read of its directory, given below the database's, and what it
     // passed over.
     void notesearch(const TSXfinder& search, const char* relative, Unread::Weight weight);
-    void forgetrecords(std::string_view fullpath); // takes the records of a data file off the list
+    void forgetrecords(const std::string& name); // takes the records of a data file off the list
     // False while something of weight whole is unread: no key can be judged then.
     bool picturecomplete() const;
     // Whether a directory of entries or experiments that a database must have was missing at the load, as it

@@ -91,6 +91,7 @@ void TSXdatafile::notereading(const TSXbinfile& file) {
             continue;
         const char* why = keyreading[i] == Reading::ended ? "the file ends in its key or type."
                                                           : "the length of its key or type makes no sense.";
+        unreadname = database.diskname(path.view());
         database.addunreadpath(path.view(), Text<100>().format("Record %zu: %s", i, why).c_str(),
                                Unread::part, static_cast<std::int32_t>(i));
     }

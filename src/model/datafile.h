@@ -81,6 +81,7 @@ public:
     std::int32_t valid = 0;                   // 1 if the file is usable
     std::int32_t ondisk = 0;                  // 1 if the file can be updated in place
     std::vector<Reading> keyreading;          // of each record's key and type
+    std::string unreadname;                   // under which its records stand on the list of what is unread
     bool unread = false;                      // the disk gave no answer somewhere: nothing of the file counts
     FileState onread;                         // the file on the disk when it was read or last written
 

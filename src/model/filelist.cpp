@@ -86,6 +86,7 @@ void TSXfilelist::removeat(int position) {
             continue;
         problem.fileindex = problem.fileindex == position ? 0 : problem.fileindex - 1;
     }
+    database.forgetrecords(files[static_cast<std::size_t>(position)]->unreadname);
     files.erase(files.begin() + position);
     --count;
 }
