@@ -5,9 +5,12 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <string>
 #include <vector>
 
 #include "model/database.h"
+#include "model/problem.h"
 #include "platform/window/scrollrange.h"
 #include "resources/resources.h"
 #include "toolkit/drawing.h"
@@ -46,8 +49,8 @@ void measure(const char* name, TSXscrollpane& pane) {
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::fprintf(stderr, "usage: bench_repaint DATABASE\n");
+    if (argc != 3) {
+        std::fprintf(stderr, "usage: bench_repaint DATABASE PROBLEMS\n");
         return 2;
     }
     qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -57,6 +60,9 @@ int main(int argc, char** argv) {
     database = std::make_unique<TSXdatabase>("");
     database->load(argv[1]);
     database->showallkeys();
+    while (database->problemcount < std::atoi(argv[2]))
+        database->addproblem(std::make_unique<TSXproblem>(*database, corruptdatafile, 1,
+                                                          std::to_string(database->problemcount).c_str()));
     mainFrame = new TSXmainframe; // deletes itself
     mainFrame->createMainWindow();
     mainFrame->ShowWindow();

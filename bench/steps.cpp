@@ -1,10 +1,10 @@
-// Times the steps of a run over one database and prints a line of seconds for each: reading the files, the
-// analysis that ends a load, renaming all duplicate keys of the database entries, and saving. The keys are
-// written to a file, one a line in the order of the files, so that other programs can be timed with the same
-// keys.
+// Times the steps of a run and prints a line for each: its name and its seconds.
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
 #include <fstream>
+#include <string>
 
 #include "model/database.h"
 #include "model/datafile.h"
@@ -14,41 +14,129 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-double secondsSince(Clock::time_point start) {
-    return std::chrono::duration<double>(Clock::now() - start).count();
+template <class Step> void measure(const char* name, Step step) {
+    const auto start = Clock::now();
+    step();
+    std::printf("%s %.6f\n", name, std::chrono::duration<double>(Clock::now() - start).count());
 }
 
-void writeKeys(const TSXdatabase& database, const char* path) {
-    std::ofstream out(path, std::ios::binary);
+template <class Operation> void forEachFile(const TSXdatabase& database, Operation operation) {
     for (const auto& list : database.lists)
         for (std::size_t i = 1; i < list->files.size(); ++i)
-            for (std::size_t r = 1; r < list->files[i]->keys.size(); ++r)
-                out << list->files[i]->keys[r] << '\n';
+            operation(*list->files[i]);
+}
+
+// The keys, one a line in the order of the files, so that other programs can be timed with the same keys.
+void writeKeys(const TSXdatabase& database, const char* path) {
+    std::ofstream out(path, std::ios::binary);
+    forEachFile(database, [&](const TSXdatafile& file) {
+        for (std::size_t r = 1; r < file.keys.size(); ++r)
+            out << file.keys[r] << '\n';
+    });
+}
+
+// Reading the files, the analysis that ends a load, and another one after a repair.
+void measureLoad(const char* path, const char* keyfile) {
+    TSXdatabase database("");
+    measure("load", [&] { database.readlists(path); });
+    measure("analysis", [&] { database.analyse(); });
+    writeKeys(database, keyfile);
+    database.renameduplicates(0);
+    measure("again", [&] { database.analyse(); });
+}
+
+void measureLog(const char* linesfile, const char* directory) {
+    std::ifstream in(linesfile, std::ios::binary);
+    startLog(1, directory);
+    measure("log", [&] {
+        for (std::string line; std::getline(in, line);)
+            logLine(line.c_str());
+    });
+}
+
+void addFiles(TSXdatabase& database, int records, bool distinct) {
+    auto& list = static_cast<TSXdbslist&>(*database.lists[0]);
+    for (int i = 0; i < records; ++i) {
+        if (i % maxrecords == 0)
+            list.newfile();
+        list.files.back()->addentry(distinct ? std::to_string(i).c_str() : "same");
+    }
+    database.analyse();
+}
+
+// Repairs of so many records of an empty database, which has to stand there.
+void measureRepairs(const char* path, int records) {
+    TSXdatabase database("");
+    database.readlists(path);
+    addFiles(database, records, false);
+    measure("rename", [&] { database.renameduplicates(0); });
+    forEachFile(database, [](TSXdatafile& file) {
+        for (int r = 1; r <= file.keycount; ++r)
+            file.clearkey(r);
+    });
+    database.analyse();
+    measure("create", [&] { database.createkeys(); });
+    TSXdatabase orphans("");
+    orphans.readlists(path);
+    orphans.addexptype(1, "type");
+    addFiles(orphans, records / 2, true); // each hundred makes a file, of at most 3000
+    forEachFile(orphans, [](TSXdatafile& file) { file.keytypes.assign(file.keytypes.size(), 1); });
+    orphans.analyse();
+    measure("add", [&] { orphans.adddatabaseentries(); });
+}
+
+void save(TSXdatabase& database) {
+    if (database.saveall() == 0)
+        std::exit(1);
+}
+
+// Changes every key and saves.
+void measureSave(const char* path) {
+    TSXdatabase database("");
+    database.load(path);
+    forEachFile(database, [](TSXdatafile& file) {
+        for (int r = 1; r <= file.keycount; ++r)
+            file.setkey(r, (std::to_string(r) + " changed").c_str());
+    });
+    measure("save", [&] { save(database); });
+}
+
+// Makes new files with a hundred entries each.
+void measureNewFiles(const char* path, int files) {
+    TSXdatabase database("");
+    database.readlists(path);
+    auto& list = static_cast<TSXdbslist&>(*database.lists[0]);
+    for (int i = 0; i < files; ++i) {
+        list.newfile();
+        for (int r = 0; r < 100; ++r)
+            list.files.back()->addentry(std::to_string(i * 100 + r).c_str());
+    }
+    measure("make", [&] { save(database); });
+}
+
+bool run(const std::string& step, const char* first, const char* second) {
+    if (step == "load")
+        measureLoad(first, second);
+    else if (step == "log")
+        measureLog(first, second);
+    else if (step == "repairs")
+        measureRepairs(first, std::atoi(second));
+    else if (step == "save")
+        measureSave(first);
+    else if (step == "make")
+        measureNewFiles(first, std::atoi(second));
+    else
+        return false;
+    return true;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 3 && argc != 4) {
-        std::fprintf(stderr, "usage: bench_steps DATABASE KEYFILE [LOG-DIRECTORY]\n");
-        return 2;
-    }
-    if (argc == 4 && startLog(1, argv[3]) == 0)
-        return 1;
-    TSXdatabase database("");
-    const auto start = Clock::now();
-    double load = 0;
-    database.fileread = [&](const TSXdatafile&) { load = secondsSince(start); };
-    database.load(argv[1]);
-    const double analysis = secondsSince(start) - load;
-    writeKeys(database, argv[2]);
-    const auto renameStart = Clock::now();
-    database.renameduplicates(0);
-    const double rename = secondsSince(renameStart);
-    const auto saveStart = Clock::now();
-    if (database.saveall() == 0)
-        return 1;
-    const double save = secondsSince(saveStart);
-    std::printf("load %.4f\nanalysis %.4f\nrename %.4f\nsave %.4f\n", load, analysis, rename, save);
-    return 0;
+    if (argc == 4 && run(argv[1], argv[2], argv[3]))
+        return 0;
+    std::fprintf(stderr,
+                 "usage: bench_steps load DATABASE KEYFILE | log LINES DIRECTORY | repairs DATABASE N | "
+                 "save DATABASE - | make DATABASE N\n");
+    return 2;
 }

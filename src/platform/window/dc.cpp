@@ -94,6 +94,8 @@ void CDC::SelectObject(const CBrush* brush) {
 }
 
 void CDC::SelectObject(const CFont* font) {
+    if (state_->font == font->description) // each row of a list selects its font anew
+        return;
     state_->font = font->description;
     state_->face = nullptr;
 }

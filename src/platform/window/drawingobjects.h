@@ -28,6 +28,8 @@ struct LOGFONT {
     int weight = 400;   // 700 and above is bold
     bool italic = false;
     std::string face; // looked up through the font configuration, which knows substitutes of the same widths
+
+    bool operator==(const LOGFONT& other) const = default;
 };
 
 class CFont : public CObject {

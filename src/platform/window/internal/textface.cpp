@@ -36,11 +36,6 @@ FaceShelf& shelf() {
     return *new FaceShelf(qApp); // owned by the application object
 }
 
-bool equal(const LOGFONT& a, const LOGFONT& b) {
-    return a.height == b.height && a.escapement == b.escapement && a.weight == b.weight &&
-           a.italic == b.italic && a.face == b.face;
-}
-
 TextFace makeFace(const LOGFONT& description, double scale) {
     QFont font;
     if (!description.face.empty())
@@ -70,7 +65,7 @@ int TextFace::width(std::string_view bytes) const {
 const TextFace& textFaceFor(const LOGFONT& description, double scale) {
     auto& faces = shelf().faces;
     for (const auto& kept : faces) {
-        if (kept->scale == scale && equal(kept->description, description))
+        if (kept->scale == scale && kept->description == description)
             return kept->face;
     }
     faces.push_back(std::make_unique<KeptFace>(KeptFace{description, scale, makeFace(description, scale)}));

@@ -1,0 +1,211 @@
+"""Compares the steps of a run with other programs over the same data, pair by pair, and prints a table: the median
+ratio, its spread (the middle half of the pairs), the goal, and whether it is met. Where the spread is larger than the
+distance to the goal the machine is too noisy, and nothing is judged."""
+import os
+import pathlib
+import statistics
+import subprocess
+import sys
+import tempfile
+import time
+
+PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
+FULL = "--full" in sys.argv[2:]
+PAIRS = 7
+FRAME = 0.016
+SORT = "LC_ALL=C sort -f --parallel=1 {keys} | uniq -Di"
+CAT = "find {tree} -type f -print0 | xargs -0 cat"
+SQL_TABLE = """CREATE TABLE k(key TEXT);
+.mode ascii
+.separator "\\001" "\\n"
+.import {keys} k
+CREATE INDEX i ON k(key COLLATE NOCASE);
+"""
+SQL_COUNT = "SELECT count(*) FROM (SELECT 1 FROM k GROUP BY key COLLATE NOCASE HAVING count(*) > 1);"
+rows = []
+
+
+def shell(command):
+    start = time.perf_counter()
+    subprocess.run(["bash", "-c", command], check=True, stdout=subprocess.DEVNULL)
+    return time.perf_counter() - start
+
+
+def steps(*arguments, program="bench_steps"):
+    """The seconds that each step has printed."""
+    done = subprocess.run([PROGRAMS / "bench" / program, *map(str, arguments)], check=True, capture_output=True, text=True)
+    return {name: float(seconds) for name, seconds in (line.split() for line in done.stdout.splitlines())}
+
+
+def sample(tree, *options):
+    subprocess.run([PROGRAMS / "txsample", *map(str, options), tree], check=True, stdout=subprocess.DEVNULL)
+    return tree
+
+
+def judge(ratios, goal):
+    middle = statistics.median(ratios)
+    low, _, high = statistics.quantiles(ratios, n=4) if len(ratios) > 1 else (middle,) * 3
+    if goal is None:
+        return middle, high - low, ""
+    if high - low > abs(goal - middle) and low <= goal <= high:
+        return middle, high - low, "too noisy"
+    return middle, high - low, "met" if middle <= goal else "not met"
+
+
+def row(figure, peer, ratios, goal):
+    middle, spread, verdict = judge(ratios, goal)
+    rows.append((figure, peer, middle, spread, goal, verdict))
+    print(f"{figure:<48} {peer:<34} {middle:7.2f} ±{spread / 2:5.2f} {goal if goal is not None else '':>6}  {verdict}", flush=True)
+
+
+def compare(figure, peer, ours, others, goal, pairs=PAIRS):
+    """One kind of figure: two functions that give seconds, called in turn."""
+    row(figure, peer, [ours() / others() for _ in range(pairs)], goal)
+
+
+def sqlite(script):
+    start = time.perf_counter()
+    subprocess.run(["sqlite3", "-batch", ":memory:"], input=script, check=True, stdout=subprocess.DEVNULL, text=True)
+    return time.perf_counter() - start
+
+
+def measure_tree(work, label, tree, records, pairs=PAIRS, peers=True):
+    """Load, analysis and a second analysis; seconds of a record for the picture."""
+    keys = work / "keys"
+    runs, cats, sorts, tables = [], [], [], []
+    for _ in range(pairs):
+        runs.append(steps("load", tree, keys))
+        cats.append(shell(CAT.format(tree=tree)))
+        sorts.append(shell(SORT.format(keys=keys)))
+        if peers:
+            tables.append(sqlite(SQL_TABLE.format(keys=keys) + SQL_COUNT))
+    row(f"load, {label}", "cat", [run["load"] / cat for run, cat in zip(runs, cats)], 3)
+    row(f"analysis, {label}", "sort -f | uniq -Di", [run["analysis"] / other for run, other in zip(runs, sorts)], 0.8)
+    if peers:
+        row(f"analysis, {label}", "sqlite3", [run["analysis"] / other for run, other in zip(runs, tables)], 0.2)
+    row(f"second analysis, {label}", "the first", [run["again"] / run["analysis"] for run in runs], 1)
+    return statistics.median(run["load"] + run["analysis"] for run in runs) / records
+
+
+def measure_log(work, tree):
+    lines = work / "lines"
+    home = work / "log"
+    home.mkdir()
+    subprocess.run([PROGRAMS / "txcheck", "--no-lock", "--log", home, tree], stdout=subprocess.DEVNULL, check=True)
+    (home / "TXLOG.TXT").rename(lines)
+
+    def bare():
+        (home / "bare").unlink(missing_ok=True)
+        return steps("log", lines, home, program="bench_bare")["log"]
+
+    compare("log, a line a record", "open, write, close", lambda: steps("log", lines, home)["log"], bare, 1.15)
+
+
+def measure_check(work, tree, keys, label):
+    """The companion from start to exit, beside a database program that checks a file with the same keys."""
+    file = work / "check.db"
+    file.unlink(missing_ok=True)
+    subprocess.run(["sqlite3", "-batch", file], text=True, check=True, stdout=subprocess.DEVNULL,
+                   input=SQL_TABLE.format(keys=keys))
+    compare(f"txcheck as a whole, {label}", "sqlite3 integrity_check",
+            lambda: shell(f"{PROGRAMS}/txcheck --no-lock {tree}"),
+            lambda: shell(f"sqlite3 {file} 'PRAGMA integrity_check'"), 1)
+
+
+def measure_repairs(work):
+    empty = work / "empty"
+    (empty / "DBASE").mkdir(parents=True)
+    small, large = [], []
+    for _ in range(PAIRS):
+        small.append(steps("repairs", empty, 50000))
+        large.append(steps("repairs", empty, 500000))
+    for step, figure in (("rename", "rename 500,000 duplicates"), ("create", "keys for 500,000 blank ones"),
+                         ("add", "entries for 250,000 orphans")):
+        row(figure, "a tenth of them", [b[step] / a[step] for a, b in zip(small, large)], 12)
+
+
+def fresh(path):
+    subprocess.run(["rm", "-rf", path], check=True)
+    return path
+
+
+def measure_writing(work):
+    def tree():
+        return sample(fresh(work / "save"), "--files", 100, "--entries", 1000, "--experiments", 0, "--fields", 0)
+
+    compare("save 100,000 changed keys", "seek, write, fdatasync a file", lambda: steps("save", tree(), "-")["save"],
+            lambda: steps("save", tree() / "DBASE", "-", program="bench_bare")["save"], 1.5, 3)
+
+    def empty(name):
+        (fresh(work / name) / "DBASE").mkdir(parents=True)
+        return work / name
+
+    compare("make 1,000 new files", "make, write, fsync, link", lambda: steps("make", empty("make"), 1000)["make"],
+            lambda: steps("make", empty("bare") / "DBASE", 1000, program="bench_bare")["make"], 2, 3)
+
+
+def measure_window(work):
+    for files, entries, problems in ((10, 100, 2000), (1000, 1000, 18000)):
+        tree = sample(work / f"window{files}", "--files", files, "--entries", entries, "--types", 4, "--experiments", 1)
+        done = subprocess.run([PROGRAMS / "bench/bench_repaint", tree, str(problems)], capture_output=True, text=True, check=True)
+        for pane, whole, step in (line.split() for line in done.stdout.splitlines()[1:]):
+            for name, milliseconds in (("whole", whole), ("one step", step)):
+                row(f"repaint {pane} {name}, {files * entries:,} keys, {problems:,} problems", "a frame at 60 Hz",
+                    [float(milliseconds) / 1000 / FRAME], 1)
+
+
+def measure_full(work):
+    tree = sample(work / "full", "--files", 3000, "--entries", 1000, "--experiments", 3000, "--records", 1000, "--types", 1)
+    cost = measure_tree(work, "15,003,000 records", tree, 15003000, pairs=3, peers=False)
+    memory = []
+
+    def check():
+        start = time.perf_counter()
+        child = subprocess.Popen([PROGRAMS / "txcheck", "--no-lock", tree], stdout=subprocess.DEVNULL)
+        memory.append(os.wait4(child.pid, 0)[2].ru_maxrss / 2**20)
+        return time.perf_counter() - start
+
+    compare("txcheck as a whole, 15,003,000 records", "cat", check, lambda: shell(CAT.format(tree=tree)), 10, 3)
+    row("memory of that, GiB", "", memory, 3)
+    return cost
+
+
+def picture(costs, path):
+    """Microseconds of a record against the number of records."""
+    points = [(160 + 90 * i, 220 - 150 * cost * 1e6, f"{records:,}", f"{cost * 1e6:.2f}")
+              for i, (records, cost) in enumerate(costs)]
+    line = " ".join(f"{x},{y:.0f}" for x, y, _, _ in points)
+    parts = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{points[-1][0] + 90}" height="270" font-family="sans-serif" font-size="12">',
+             '<text x="10" y="20">Load and analysis: microseconds a record, by number of records</text>',
+             f'<path d="M100 40V220H{points[-1][0] + 60}" fill="none" stroke="#888"/>',
+             f'<polyline points="{line}" fill="none" stroke="#06c" stroke-width="2"/>']
+    parts += [f'<circle cx="{x}" cy="{y:.0f}" r="3" fill="#06c"/><text x="{x}" y="{y - 10:.0f}" text-anchor="middle">{cost}</text>'
+              f'<text x="{x}" y="240" text-anchor="middle">{records}</text>' for x, y, records, cost in points]
+    path.write_text("\n".join(parts) + "\n</svg>\n")
+
+
+def main():
+    print(f"{'figure':<48} {'beside':<34} {'ratio':>7} {'':6} {'goal':>6}", flush=True)
+    costs = []
+    with tempfile.TemporaryDirectory() as directory:
+        work = pathlib.Path(directory)
+        for files in (5, 55, 550):
+            for style in ("ordered", "shuffled", "prefixed") if files > 5 else ("shuffled",):
+                tree = sample(work / f"{style}{files}", "--files", files, "--entries", 1000, "--experiments", 0, "--keys", style)
+                cost = measure_tree(work, f"{files},000 {style}", tree, files * 1000)
+                if style == "shuffled":
+                    costs.append((files * 1000, cost))
+                    measure_check(work, tree, work / "keys", f"{files},000 records")
+        measure_log(work, work / "shuffled55")
+        measure_repairs(work)
+        measure_writing(work)
+        measure_window(work)
+        if FULL:
+            costs.append((15003000, measure_full(work)))
+            row("cost of a record, 15,003,000 records", "at 55,000", [costs[-1][1] / costs[1][1]], 1.3)
+    picture(costs, PROGRAMS / "cost.svg")
+    print(f"bench: {sum(r[5] == 'met' for r in rows)} met, {sum(r[5] == 'not met' for r in rows)} not met, "
+          f"{sum(r[5] == 'too noisy' for r in rows)} too noisy to judge; picture in {PROGRAMS}/cost.svg")
+
+
+main()
