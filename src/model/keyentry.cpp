@@ -9,8 +9,9 @@ TSXkeyentry::TSXkeyentry(TSXdatabase& owner, std::string_view text, std::span<Oc
       first(firstrecords.data()), count(static_cast<std::uint32_t>(firstrecords.size())), room(count) {}
 
 std::span<const Occurrence> TSXkeyentry::list(int t) const {
-    const auto [begin, end] = std::ranges::equal_range(records(), t, {}, &Occurrence::type);
-    return {begin, end};
+    const std::span<const Occurrence> all = records();
+    const auto type = [](const Occurrence& occurrence) { return occurrence.type; };
+    return {std::ranges::lower_bound(all, t, {}, type), std::ranges::upper_bound(all, t, {}, type)};
 }
 
 void TSXkeyentry::addoccurrence(int t, TSXdatafile& file, int record) {

@@ -19,7 +19,7 @@ bool readContent(const std::string& path, std::string& content) {
 
 bool readOwnContent(const std::string& path, const EntryState& state, std::string& content) {
     content.clear();
-    if (state.kind == EntryState::link)
+    if (state.kind == EntryState::symbolic)
         return readLink(path, content);
     return state.kind != EntryState::plain || readContent(path, content);
 }

@@ -113,7 +113,7 @@ private:
     bool isAsMade() {
         if (disk_.kind == EntryState::plain && !know())
             return false;
-        if (disk_.kind == EntryState::link && !readLink(path_, content_))
+        if (disk_.kind == EntryState::symbolic && !readLink(path_, content_))
             return false;
         return made_ != nullptr && made_->state.kind == disk_.kind && made_->checksum == checksumOf(content_);
     }

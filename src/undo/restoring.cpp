@@ -95,7 +95,7 @@ bool Restoring::recreate(const FileRestore& file) {
     bool made = false;
     if (item.state.kind == EntryState::directory) {
         made = CreateDirectoryA(path.c_str()) != 0;
-    } else if (item.state.kind == EntryState::link) {
+    } else if (item.state.kind == EntryState::symbolic) {
         made = makeLink(path, file.content);
     } else if (!file.secondOf.empty()) {
         made = addName(path, under(file.secondOf));
@@ -157,7 +157,7 @@ bool Restoring::giveBackState(const FileRestore& file) {
     if (!readEntry(path, OfLink::itself, now))
         return false;
     return giveState(path, *file.state, file.attributes->attributes) &&
-           (now.kind == EntryState::link || syncEntry(path));
+           (now.kind == EntryState::symbolic || syncEntry(path));
 }
 
 void Restoring::restoreTimes(const UndoItem& directory) {

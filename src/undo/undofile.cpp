@@ -28,7 +28,7 @@ EntryState readState(Decoder& from) {
         moment->nanoseconds = from.number<std::uint32_t>();
         from.good = from.good && moment->nanoseconds < 1000000000;
     }
-    from.good = from.good && state.kind <= EntryState::link && state.permissions <= 07777 &&
+    from.good = from.good && state.kind <= EntryState::symbolic && state.permissions <= 07777 &&
                 state.size >= 0 && state.size <= largestFile;
     return state;
 }
@@ -81,7 +81,7 @@ void readDeletion(Decoder& from, UndoItem& item) {
     item.content = from.take(from.number<std::uint64_t>());
     from.good = from.good && (item.otherName.empty() || isInside(item.otherName)) &&
                 (item.state.kind == EntryState::plain || item.state.kind == EntryState::directory ||
-                 (item.state.kind == EntryState::link && !item.content.empty() && isText(item.content)));
+                 (item.state.kind == EntryState::symbolic && !item.content.empty() && isText(item.content)));
 }
 
 UndoItem readItem(Decoder& from) {

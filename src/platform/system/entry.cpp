@@ -29,7 +29,7 @@ EntryState::Kind kindOf(mode_t mode) {
         return EntryState::plain;
     if (S_ISDIR(mode))
         return EntryState::directory;
-    return S_ISLNK(mode) ? EntryState::link : EntryState::other;
+    return S_ISLNK(mode) ? EntryState::symbolic : EntryState::other;
 }
 
 Moment momentOf(const timespec& time) {
@@ -114,7 +114,7 @@ bool giveState(const std::string& path, const EntryState& state, const std::vect
     // not run with that one's rights.
     bool all = answered(lchown(path.c_str(), state.owner, state.group), path);
     const std::uint32_t permissions = all ? state.permissions : state.permissions & withoutOwnersRights;
-    if (state.kind != EntryState::link)
+    if (state.kind != EntryState::symbolic)
         all = answered(chmod(path.c_str(), permissions), path) && all;
     for (const auto& [name, value] : attributes)
         all = answered(lsetxattr(path.c_str(), name.c_str(), value.data(), value.size(), 0), path) && all;

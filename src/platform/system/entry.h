@@ -14,7 +14,7 @@ struct Moment {
 };
 
 struct EntryState {
-    enum Kind : std::uint8_t { missing, plain, directory, link, other };
+    enum Kind : std::uint8_t { missing, plain, directory, symbolic, other };
 
     Kind kind = missing;
     std::uint32_t permissions = 0; // the twelve bits
