@@ -15,6 +15,7 @@ protected:
     StartTest() {
         GTEST_FLAG_SET(death_test_style, "threadsafe"); // Qt has threads of its own
         setenv("XDG_CONFIG_HOME", config.path().c_str(), 1);
+        setenv("XDG_STATE_HOME", config.path().c_str(), 1);
         settings.homeDirectory = home.path().c_str();
         settings.currentDatabase = "Strains";
         settings.databaseDirectory = root.path().c_str();
