@@ -64,7 +64,8 @@ std::string wrapped(std::string_view text, std::size_t columnCount, std::size_t 
         const std::size_t blank = text.rfind(' ', cut);
         if (blank != std::string_view::npos && text.find_first_not_of(' ') < blank)
             cut = blank;
-        lines += text.substr(0, cut);
+        const std::string_view line = text.substr(0, cut);
+        lines += line.substr(0, line.find_last_not_of(' ') + 1);
         lines += '\n' + std::string(indent, ' ');
         text.remove_prefix(cut);
         text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
