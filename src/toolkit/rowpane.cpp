@@ -2,6 +2,20 @@
 
 #include <algorithm>
 
+#include "platform/window/dc.h"
+#include "toolkit/drawing.h"
+
+void TSXrowpane::paneCreated() {
+    TSXscrollpane::paneCreated();
+    SetRows(*this);
+}
+
+std::string TSXrowpane::wider(const std::string& text, int width) {
+    CDC dc;
+    dc.SelectObject(getFont(plainFont));
+    return dc.GetTextExtentPoint32A(text.c_str()).cx > width ? text : std::string();
+}
+
 RECT TSXrowpane::rowPlace(int row) const {
     const int top = rowHeight * (row - 1) - vStep * vPos;
     return {0, top, GetClientRect().right, top + rowHeight};

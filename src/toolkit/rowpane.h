@@ -9,12 +9,17 @@ class TSXrowpane : public TSXscrollpane, public RowSource {
 public:
     static constexpr int rowHeight = 20;
 
+    void paneCreated() override; // a concrete pane's own calls this one first
     RECT rowPlace(int row) const override;
     // Arrows, Page, Home and End select another row and bring it into view, Return opens the selected one.
     void onKeyDown(std::uint32_t key, std::uint32_t repeat, std::uint32_t flags) override;
 
-    virtual void selectRow(int row) = 0; // an existing one; the pane is repainted by the caller
-    virtual void openRow() {}            // the selected one, if there is
+    virtual void selectRow(int /*row*/) {} // an existing one; the pane is repainted by the caller
+    virtual void openRow() {}              // the selected one, if there is
+
+protected:
+    // The text where it is wider in the plain font than so many pixels, else nothing.
+    static std::string wider(const std::string& text, int width);
 
 private:
     void goToRow(int row);

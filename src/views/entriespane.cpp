@@ -110,3 +110,8 @@ void TSXentriespane::selectRow(int row) {
 void TSXentriespane::openRow() {
     owner.openEntryWindow();
 }
+
+std::string TSXentriespane::cutText(int row, int x) const {
+    const bool onKey = x < keyWidth - hStep * hPos;
+    return onKey ? wider(std::string(database->getvisiblekey(row)->key), keyWidth - 2) : std::string();
+}

@@ -18,6 +18,7 @@ public:
     std::string rowsName() const override { return "Entries"; }
     int rowCount() const override;
     std::string rowText(int row) const override;
+    std::string cutText(int row, int x) const override;
     int selectedRow() const override;
     void selectRow(int row) override;
     void openRow() override; // its entry window

@@ -48,7 +48,7 @@ void TSXentryframe::createEntryWindow() {
 void TSXentryframe::frameCreated() {
     gridPane = makePane<TSXentrygridpane>(*this);
     typeNamesPane = makePane<TSXentrytypespane>(*this);
-    gridPane->SetTabStop(*gridPane);
+    gridPane->SetTabStop();
 }
 
 void TSXentryframe::frameSized(int /*type*/, int /*width*/, int /*height*/) {

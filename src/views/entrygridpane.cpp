@@ -22,7 +22,7 @@ void TSXentrygridpane::setGridRange() {
 }
 
 void TSXentrygridpane::paneCreated() {
-    TSXscrollpane::paneCreated();
+    TSXrowpane::paneCreated();
     setGridRange();
 }
 
@@ -126,4 +126,9 @@ void TSXentrygridpane::onKeyDown(std::uint32_t key, std::uint32_t repeat, std::u
         horizontalScroll(SB_THUMBTRACK, left / hStep);
     InvalidateRect(false);
     RowSelected();
+}
+
+std::string TSXentrygridpane::cutText(int row, int x) const {
+    const int n = (x + hStep * hPos) / cellWidth + 1;
+    return n <= owner.key.occurrences(row - 1) ? wider(cellText(row - 1, n), cellWidth - 5) : std::string();
 }

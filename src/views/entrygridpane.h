@@ -20,6 +20,7 @@ public:
     std::string rowsName() const override { return "Records of the key"; }
     int rowCount() const override;
     std::string rowText(int row) const override;
+    std::string cutText(int row, int x) const override;
     int selectedRow() const override;
     void selectRow(int row) override;
     void openRow() override; // gives the selected record another key

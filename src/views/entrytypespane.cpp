@@ -9,9 +9,10 @@
 
 namespace {
 
+constexpr int nameX = 5;
 constexpr int nameRight = 120;
 
-}
+} // namespace
 
 TSXentrytypespane::TSXentrytypespane(TSXentryframe& frame) : owner(frame) {
     hRange = 0;
@@ -27,9 +28,26 @@ void TSXentrytypespane::paintPane(CDC& dc) {
     int top = -owner.gridPane->vStep * owner.gridPane->vPos;
     for (int t = 0; t <= owner.database.lasttype; ++t) {
         dc.SetBkColor(rowColour(false));
-        paintCell(dc, 5, {0, top, nameRight, top + rowHeight}, owner.database.gettype(t)->name);
+        paintCell(dc, nameX, {0, top, nameRight, top + rowHeight}, owner.database.gettype(t)->name);
         fillRow(dc, nameRight, top, width, rowColour(false));
         top += rowHeight;
     }
     fillBelow(dc, top, width, height);
+}
+
+RECT TSXentrytypespane::rowPlace(int row) const {
+    const RECT place = owner.gridPane->rowPlace(row);
+    return {0, place.top, GetClientRect().right, place.bottom};
+}
+
+int TSXentrytypespane::rowCount() const {
+    return owner.database.lasttype + 1;
+}
+
+std::string TSXentrytypespane::rowText(int row) const {
+    return owner.database.gettype(row - 1)->name.c_str();
+}
+
+std::string TSXentrytypespane::cutText(int row, int /*x*/) const {
+    return wider(rowText(row), nameRight - nameX);
 }

@@ -92,7 +92,7 @@ void TSXmainframe::frameCreated() {
     problemPane = makePane<TSXproblempane>(*this);
     for (TSXrowpane* pane :
          std::initializer_list<TSXrowpane*>{problemPane.get(), typesPane.get(), entriesPane.get()})
-        pane->SetTabStop(*pane);
+        pane->SetTabStop();
     updateScrollRanges();
     showStatus();
 }

@@ -120,3 +120,7 @@ void TSXproblempane::openRow() {
     if (database->getproblem(owner.selectedProblem) != nullptr)
         openMenu(owner.selectedProblem);
 }
+
+std::string TSXproblempane::cutText(int row, int /*x*/) const {
+    return wider(rowText(row), solveX - messageX);
+}

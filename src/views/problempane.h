@@ -19,6 +19,7 @@ public:
     std::string rowsName() const override { return "Problem list"; }
     int rowCount() const override;
     std::string rowText(int row) const override;
+    std::string cutText(int row, int x) const override;
     int selectedRow() const override;
     void selectRow(int row) override;
     void openRow() override; // the menu of its solutions

@@ -78,3 +78,7 @@ std::string TSXtypespane::rowText(int row) const {
     return std::string(type.name.c_str()) + ", files " + std::to_string(type.filecount) + ", entries " +
            std::to_string(type.entrycount);
 }
+
+std::string TSXtypespane::cutText(int row, int x) const {
+    return x < nameRight ? wider(database->gettype(row - 1)->name.c_str(), nameRight - nameX) : std::string();
+}

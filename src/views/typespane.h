@@ -16,6 +16,7 @@ public:
     std::string rowsName() const override { return "Data types"; }
     int rowCount() const override;
     std::string rowText(int row) const override;
+    std::string cutText(int row, int x) const override;
     int selectedRow() const override { return keyboardRow; }
     void selectRow(int row) override { keyboardRow = row; }
 

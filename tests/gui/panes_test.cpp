@@ -154,6 +154,13 @@ TEST_F(DesktopTest, EverythingIsReachedByKeysAndReadAloud) {
     EXPECT_EQ(main->selectedType, 0);
     press({Qt::Key_Tab, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_Down});
     EXPECT_EQ(focus(), "Entries|Alpha, Database 2, Gels 3|3");
+    const auto cut = [&](const std::string& key) {
+        ::database->keyarray[1] = &::database->findoraddkey(key);
+        return main->entriesPane->cutText(1, 10);
+    };
+    const std::string longKey(60, 'w');
+    EXPECT_EQ(::database->visiblekeys[1], 1);
+    EXPECT_EQ(cut(longKey) + cut("short") + main->entriesPane->cutText(1, 260), longKey);
     press({Qt::Key_Return});
     ASSERT_EQ(openWindows(), 1);
     TSXentryframe* const entry = *std::find_if(main->entryWindows.begin(), main->entryWindows.end(),

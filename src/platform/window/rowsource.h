@@ -1,4 +1,4 @@
-// What a window shows as rows of text, for those who have it read to them.
+// What a window shows as rows of text, for those who have it read to them or see it cut.
 #pragma once
 
 #include <string>
@@ -14,4 +14,6 @@ public:
     virtual std::string rowText(int row) const = 0;
     virtual RECT rowPlace(int row) const = 0; // in client pixels, also out of sight
     virtual int selectedRow() const = 0;      // 0 for none
+    // The whole of a text that is cut at that place of the row; empty where none is.
+    virtual std::string cutText(int row, int x) const = 0;
 };

@@ -19,7 +19,7 @@ void CStatusBarCtrl::SetText(const char* line) {
         return;
     text = line;
     host()->setAccessibleName(unicodeOf(text));
-    host()->setToolTip(unicodeOf(text).toHtmlEscaped());
+    host()->setToolTip(hintOf(text));
     InvalidateRect(true);
 }
 

@@ -156,9 +156,14 @@ void CWnd::ReleaseCapture() {
         host_->endCapture();
 }
 
-void CWnd::SetTabStop(const RowSource& rows) {
+void CWnd::SetTabStop() {
     if (host_ != nullptr)
-        host_->setTabStop(rows);
+        host_->setTabStop();
+}
+
+void CWnd::SetRows(const RowSource& rows) {
+    if (host_ != nullptr)
+        host_->setRows(rows);
 }
 
 void CWnd::RowSelected() {

@@ -64,9 +64,10 @@ public:
     void ReleaseCapture();
 
     // Takes part in the keyboard: gets the focus by a click and by Tab, behind the window that called this
-    // before it in the same frame; the first has it from the start. The rows are read to the person.
-    void SetTabStop(const RowSource& rows);
-    void RowSelected(); // tells that another row is selected now
+    // before it in the same frame; the first has it from the start.
+    void SetTabStop();
+    void SetRows(const RowSource& rows); // which are read to the person and shown whole where they are cut
+    void RowSelected();                  // tells that another of them is selected now
 
     void onPaint() override;
     void onClose() override;

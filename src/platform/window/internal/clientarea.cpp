@@ -1,10 +1,13 @@
 #include "platform/window/internal/clientarea.h"
 
 #include <QPainter>
+#include <QToolTip>
 #include <QWheelEvent>
 #include <cmath>
 
+#include "platform/window/internal/conversion.h"
 #include "platform/window/internal/host.h"
+#include "platform/window/rowsource.h"
 
 namespace {
 
@@ -36,6 +39,8 @@ bool ClientArea::event(QEvent* event) {
         if (host_.wnd() != nullptr && !host_.hasCapture())
             host_.wnd()->onMouseLeave();
         break;
+    case QEvent::ToolTip:
+        return showCutText(dynamic_cast<QHelpEvent&>(*event));
     case QEvent::Hide:
     case QEvent::WindowDeactivate:
         host_.endCapture();
@@ -44,6 +49,17 @@ bool ClientArea::event(QEvent* event) {
         break;
     }
     return QWidget::event(event);
+}
+
+bool ClientArea::showCutText(const QHelpEvent& event) {
+    const RowSource* const rows = host_.rows();
+    if (rows == nullptr)
+        return false;
+    const RECT first = rows->rowPlace(1);
+    const int row = (event.y() - first.top) / (first.bottom - first.top) + 1;
+    const bool there = row >= 1 && row <= rows->rowCount();
+    QToolTip::showText(event.globalPos(), there ? hintOf(rows->cutText(row, event.x())) : QString(), this);
+    return true;
 }
 
 // Copies the surface, one device pixel to one, also where the widget begins between two.

@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class QHelpEvent;
 class WindowHost;
 
 class ClientArea : public QWidget {
@@ -25,6 +26,8 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
+    bool showCutText(const QHelpEvent& event);
+
     WindowHost& host_;
     bool ring_ = false; // around it while it has the focus: that came by a key
 };

@@ -93,3 +93,7 @@ QString labelOf(std::string_view bytes) {
 QString titleOf(std::string_view bytes) {
     return unicodeOf(bytes).replace("[*]", "[*][*]");
 }
+
+QString hintOf(std::string_view bytes) {
+    return bytes.empty() ? QString() : "<span>" + unicodeOf(bytes).toHtmlEscaped() + "</span>";
+}

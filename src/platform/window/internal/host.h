@@ -49,7 +49,8 @@ public:
     QRegion takeUpdateRegion(); // erases what is to be erased; client pixels
     void scroll(int dx, int dy);
 
-    void setTabStop(const RowSource& rows);
+    void setTabStop();
+    void setRows(const RowSource& rows);
     void rowSelected();
     const RowSource* rows() const { return wnd_ == nullptr ? nullptr : rows_; } // null without any
 

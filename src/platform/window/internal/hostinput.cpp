@@ -92,9 +92,12 @@ void WindowHost::closeEvent(QCloseEvent* event) {
         wnd_->onClose();
 }
 
-void WindowHost::setTabStop(const RowSource& rows) {
+void WindowHost::setRows(const RowSource& rows) {
     rows_ = &rows;
     makeRowsAccessible();
+}
+
+void WindowHost::setTabStop() {
     auto& frame = dynamic_cast<WindowHost&>(*window());
     client_->setFocusPolicy(Qt::StrongFocus);
     if (frame.lastTabStop_)
