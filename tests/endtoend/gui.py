@@ -134,6 +134,7 @@ class Tool:
         self.display = display
         self.main = display.window("Database Check- " + name)
         self.top = wait("the first paint", self.menu_height)
+        self.aside = 10
         display.xdotool("windowmove", "--sync", self.main, 780, 40)
 
     def menu_height(self):
@@ -149,7 +150,8 @@ class Tool:
 
     def solve_first(self):
         """Chooses the last solution of the first problem."""
-        self.display.choose(self.main, self.buttons()[0] + 20, self.top + 24 + 10, "Up")
+        self.aside = 40 - self.aside  # two presses at one place may be a double click, which opens nothing
+        self.display.choose(self.main, self.buttons()[0] + self.aside, self.top + 24 + 10, "Up")
 
     def keys_shown(self):
         return self.display.pixels(self.main).run(SELECTED, self.top + 222 + 1, 300) >= 0
