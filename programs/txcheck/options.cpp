@@ -30,6 +30,7 @@ constexpr Flag flags[] = {
     {"-p,--preen", &Options::preen, "Apply the solutions that delete and clear nothing, until none is left"},
     {"-y,--yes", &Options::yes, "Change the key even where NEW is in use"},
     {"-s,--save", &Options::save, "Write the changed keys to disk"},
+    {"--plan", &Options::plan, "Show what the repairs and the save would change, and write nothing"},
     {"--no-undo", &Options::noUndo, "Make no undo file; what is changed then can't be taken back"},
     {"--undo-list", &Options::undoList, "List the undo files of this user, and do nothing else"},
     {"--no-lock", &Options::noLock, "Take no hold of the database, for a copy on a read-only medium"},

@@ -26,12 +26,14 @@ constexpr Counting countings[] = {
 };
 
 Sentence problemsLeft(const Session& session, bool failed) {
+    const bool planned = session.database.planning;
+    const char* state = session.steps.solved.empty() ? "" : (planned ? " would be left" : " left");
     if (session.known.unknownIn(session.database) > 0)
-        return {summary(session, session.steps.solved.empty() ? "" : " left"), Sentence::bad};
+        return {summary(session, state), Sentence::bad};
     if (failed)
         return {"No problem was found in what could be read."};
     if (session.steps.found)
-        return {"No problem is left.", Sentence::good};
+        return {planned ? "No problem would be left." : "No problem is left.", Sentence::good};
     return {session.database.problemcount > 0 ? "Nothing is wrong but what is known." : "Nothing is wrong.",
             Sentence::good};
 }
@@ -65,7 +67,9 @@ std::vector<Sentence> outcome(const Session& session, const Options& options) {
     std::vector<Sentence> sentences = {problemsLeft(session, failed)};
     if (failed)
         sentences.push_back({"Not everything could be read or done: see the messages.", Sentence::bad});
-    if (session.saved)
+    if (session.database.planning)
+        sentences.push_back({"This is a plan: nothing was written."});
+    else if (session.saved)
         sentences.push_back({"All changed keys are on the disk."});
     else if (session.database.ismodified() == 1)
         sentences.push_back({options.save ? "Changed keys are not saved."

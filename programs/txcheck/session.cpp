@@ -16,6 +16,7 @@
 #include "undo/restore.h"
 
 Session::Session(const Options& given) : database(""), steps(database, given, known), options(given) {
+    database.planning = options.plan;
     setReport([this](const char* text, const char* title, std::uint32_t flags) {
         return answer(text, title, flags);
     });
@@ -137,9 +138,9 @@ void Session::write(const std::string& path, const std::string& text) {
 }
 
 bool Session::save() {
-    saved = database.saveall() == 1;
-    if (!saved)
-        steps.failed = true;
+    const bool complete = database.saveall() == 1;
+    saved = complete && !options.plan;
+    steps.failed = steps.failed || !complete;
     return true;
 }
 
@@ -148,6 +149,8 @@ int Session::status() const {
         return steps.failed ? statusFailed : statusClean;
     if (steps.failed || database.unreadcount() > 0)
         return statusFailed;
+    if (options.plan)
+        return steps.found ? statusLeft : statusClean;
     if (known.unknownIn(database) > 0 || database.ismodified() == 1)
         return statusLeft;
     return steps.found ? statusSolved : statusClean;

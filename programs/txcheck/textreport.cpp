@@ -29,7 +29,7 @@ void writeSolved(Page& page, const Session& session) {
     if (session.steps.solved.empty())
         return;
     constexpr const char* results[] = {"  failed  ", "  done    ", "  gone    "};
-    page.heading("Solutions applied");
+    page.heading(session.database.planning ? "Solutions that would be applied" : "Solutions applied");
     for (const SolvedStep& step : session.steps.solved)
         page.line(results[step.result], step.label + ": " + printable(step.message));
 }
@@ -40,15 +40,6 @@ std::string shownChange(const Change& change) {
         return file;
     return file + ", record " + std::to_string(change.record) + " at " + std::to_string(change.offset) +
            ": " + shownKey(change.oldkey) + " -> " + shownKey(change.newkey);
-}
-
-void writeChanges(Page& page, const Session& session) {
-    if (session.database.changes.empty())
-        return;
-    constexpr const char* kinds[] = {"  key      ", "  deleted  ", "  made     "};
-    page.heading(session.database.planning ? "What would be changed on the disk" : "Changed on the disk");
-    for (const Change& change : session.database.changes)
-        page.line(kinds[change.kind], shownChange(change));
 }
 
 void writeProblem(Page& page, const TSXproblem& problem, int row) {
@@ -143,12 +134,21 @@ void writeConclusion(Page& page, const Session& session, const Options& options)
 
 } // namespace
 
+void writeChanges(Page& page, const std::vector<Change>& changes, const char* heading) {
+    constexpr const char* kinds[] = {"  key      ", "  deleted  ", "  made     "};
+    if (!changes.empty())
+        page.heading(heading);
+    for (const Change& change : changes)
+        page.line(kinds[change.kind], shownChange(change));
+}
+
 void writeText(std::ostream& out, const Session& session, const Options& options) {
     const TSXdatabase& database = session.database;
     Page page(out);
     page.line("Database Check- ", printable(database.directory.view()), Colour::bold);
     writeSolved(page, session);
-    writeChanges(page, session);
+    writeChanges(page, database.changes,
+                 database.planning ? "What would be changed on the disk" : "Changed on the disk");
     writeProblems(page, session, false);
     writeProblems(page, session, true);
     writeTypes(page, database);
