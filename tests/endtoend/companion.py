@@ -129,6 +129,18 @@ class Surroundings(ProgramTest):
         pathlib.Path(self.root, "far.XDB").write_bytes(b"")
         self.check(status=0, error="There is a connected database present")
 
+    def test_a_plan_shows_what_is_then_done_and_touches_nothing(self):
+        self.sample("--damage", "all")
+        before = contents(self.root)
+        steps = ["--solve-all", "side:1", "--solve-all", "corrupt:1", "--solve-all", "empty:1", "--preen", "--save"]
+        plan = self.check("--plan", *steps, status=8)
+        self.assert_tree(before)
+        self.assertFalse(os.path.exists(self.root + "/open_db.txf"))
+        done = self.check(*steps, status=8)
+        self.assertEqual((plan["saved"], done["saved"]), (0, 1))
+        for part in "problems", "solved", "changes", "keys", "types":
+            self.assertEqual(plan[part], done[part])
+
     def test_an_anonymous_copy_has_the_same_problems_and_none_of_the_texts(self):
         self.sample("--damage", "duplicates,experiment-duplicates,blank-keys,orphans,empty-files,corrupt-files,side-files,"
                     "missing-directories,odd-bytes")
