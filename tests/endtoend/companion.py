@@ -153,6 +153,13 @@ class Surroundings(ProgramTest):
         for key in found[0]["keys"]:
             self.assertFalse(len(key["key"]) > 5 and key["key"].encode() in copy, key)
 
+    def test_progress_is_told_on_request_only(self):
+        self.sample()
+        self.assertEqual(self.run_program("txcheck", self.root, "--no-progress").stderr, b"")
+        told = self.run_program("txcheck", self.root, "--progress").stderr
+        self.assertRegex(told, rb"^\rReading DBASE +5 %  1 files, 40 records \r.*94 %  17 files, 602 records \r +\r$")
+        self.check("--progress", "--no-progress", status=16, error="--no-progress")
+
     def test_equal_options_give_equal_samples(self):
         trees = []
         for name, seed in [("a", "3"), ("b", "3"), ("c", "4")]:
