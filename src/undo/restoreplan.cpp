@@ -35,8 +35,8 @@ public:
     }
 
     void end() {
-        if (now_ == Now::recreated)
-            endRecreated();
+        if (now_ == Now::recreated && plan.recreate != nullptr)
+            endRecreated(*plan.recreate);
         else if (now_ == Now::onDisk && known_)
             endOnDisk();
     }
@@ -127,8 +127,8 @@ private:
     }
 
     // What stands there already as it is to be came from an earlier, interrupted restore.
-    void endRecreated() {
-        if (isThere()) {
+    void endRecreated(const UndoItem& item) {
+        if (isThere(item)) {
             left.clear();
             plan.remove = false;
             plan.recreate = nullptr;
@@ -141,8 +141,7 @@ private:
         plan.checksum = checksumOf(content_);
     }
 
-    bool isThere() {
-        const UndoItem& item = *plan.recreate;
+    bool isThere(const UndoItem& item) {
         std::string found;
         EntryState other;
         if (disk_.kind != item.state.kind)

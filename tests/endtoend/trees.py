@@ -136,7 +136,7 @@ class Trees(ProgramTest):
             found = self.compare()
             options = ["--save"] * chance.choice([0, 1, 1])
             rows = ["%d:%d" % (row, n) for row, problem in enumerate(found["problems"], 1)
-                    for n, _ in enumerate(problem["solutions"], 1) if not found["unread"] or problem["kind"] != 1]
+                    for n, _ in enumerate(problem["solutions"], 1)]
             kind = chance.randrange(6)
             if kind == 0:
                 options.append("--preen")
