@@ -86,7 +86,7 @@ void TSXdatabase::notesearch(const TSXfinder& search, const char* relative, Unre
     if (search.failure != 0)
         addunreadpath(path, errorText(search.failure), weight);
     for (const std::string& name : search.passedover)
-        addunreadpath(std::string(path).append("/").append(name), "Another file is read under this name.", Unread::told);
+        addunreadpath(path + "/" + name, "Another file is read under this name.", Unread::told);
 }
 
 void TSXdatabase::forgetrecords(const std::string& name) {

@@ -57,7 +57,7 @@ std::vector<std::string> undoFilePaths() {
     if (!directory.empty())
         for (const std::string& name : directoryEntries(directory))
             if (isUndoName(name))
-                paths.push_back(std::string(directory).append("/").append(name));
+                paths.push_back(directory + "/" + name);
     return paths;
 }
 

@@ -108,7 +108,7 @@ bool UndoWriter::findOtherName(const std::string& directory, const std::string& 
     if (state.kind != EntryState::plain || state.names < 2)
         return true;
     for (const std::string& entry : directoryEntries(under(directory))) {
-        const std::string path = directory.empty() ? entry : std::string(directory).append("/").append(entry);
+        const std::string path = directory.empty() ? entry : directory + "/" + entry;
         EntryState other;
         if (!readEntry(under(path), OfLink::itself, other))
             return false;
