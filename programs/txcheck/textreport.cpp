@@ -35,7 +35,7 @@ void writeSolved(Page& page, const Session& session) {
 }
 
 std::string shownChange(const Change& change) {
-    const std::string file = printable(change.file);
+    std::string file = printable(change.file);
     if (change.kind != Change::key)
         return file;
     return file + ", record " + std::to_string(change.record) + " at " + std::to_string(change.offset) +
