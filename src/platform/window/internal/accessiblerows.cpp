@@ -65,7 +65,7 @@ public:
         if (index < 0 || index >= childCount())
             return nullptr;
         const auto [place, fresh] = made_.try_emplace(index);
-        if (fresh)
+        if (fresh) // the register owns it: NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
             place->second = QAccessible::registerAccessibleInterface(new AccessibleRow(area_, index + 1));
         return QAccessible::accessibleInterface(place->second);
     }
