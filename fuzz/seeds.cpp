@@ -79,5 +79,7 @@ int main(int argc, char** argv) {
         for (const Target& target : targets)
             writeSeeds(argv[1], target, sample, damage);
     }
+    fs::create_directories(std::string(argv[1]) + "/fuzz_settings");
+    writeFile(std::string(argv[1]) + "/fuzz_settings/0", "[DIR]\n/a/b\n[BACKCOL]\n1 -2 192\n[OTHER]\nx\n");
     return writeUndoSeeds(argv[1]) ? 0 : 1;
 }
