@@ -65,8 +65,9 @@ void readFields(Decoder& from, UndoItem& item) {
                     field.before.length <= largestField && field.after.length <= largestField;
     }
     const std::int64_t most = static_cast<std::int64_t>(largestField) * count;
+    from.good = from.good && item.sizeAfter >= 0 && item.sizeAfter <= largestFile;
     const std::int64_t change = from.good ? item.sizeAfter - item.state.size : 0;
-    from.good = from.good && item.sizeAfter >= 0 && change <= most && -change <= most;
+    from.good = from.good && change <= most && -change <= most;
 }
 
 void readDeletion(Decoder& from, UndoItem& item) {
