@@ -88,10 +88,6 @@ class Surroundings(ProgramTest):
         self.check("--no-lock", status=4)
         self.assert_tree(before)
         self.assertFalse(os.path.exists(self.root + "/open_db.txf"))
-        for option in "--help", "--version":
-            done = self.run_program("txcheck", option)
-            self.assertEqual((done.returncode, done.stderr), (0, b""))
-            self.assertIn(b"txcheck", done.stdout)
         for options in [["--damage", "unheard-of", "x"], [], ["--files", "-1", "x"], ["--home", "x", "y"]]:
             self.assertEqual(self.run_program("txsample", *options).returncode, 16, options)
 

@@ -15,7 +15,8 @@ ProgramTest.programs = load_programs()
 FIRST, COUNT = [int(word) for word in sys.argv[1:]] + [1, 100][len(sys.argv) - 1:]
 LONG = b"long-key-of-sixty-bytes-0123456789-0123456789-0123456789-67"
 KEYS = [b"", b"", b"a", b"A", b"b", b"B/#2", b"b/#2", b"dbkey/#2", b"x", b"_", b"[", b"\xe4", b"\xc4", b"M\xc3\xbcller", b"50%s",
-        b"two\nlines", LONG + b"8", LONG + b"9", LONG[:57] + b"/#2", LONG[:55]]
+        b"two\nlines", LONG + b"8", LONG + b"9", LONG[:57] + b"/#2", LONG[:55],
+        bytes(range(0x80, 0xA0))]
 NUMBERS = [-2 ** 31, -1, 0, 1, 2, 5, 60, 61, 62, 70, 255, 999, 1000, 1001, 2 ** 31 - 1]
 TYPES = [b"T", b"t", b"API 20", b"", b"%d"]
 
