@@ -1,7 +1,9 @@
 #include "htmlreport.h"
 
+#include <algorithm>
 #include <set>
 #include <string_view>
+#include <vector>
 
 #include "model/datafile.h"
 #include "model/exptype.h"
@@ -17,20 +19,24 @@ namespace {
 
 constexpr const char* style = R"(
 :root { color-scheme: light dark; --line: #c8c8c8; --soft: #f2f2f2; --bad: #a01818; --good: #116329; }
-@media (prefers-color-scheme: dark) {
+@media screen and (prefers-color-scheme: dark) {
   :root { --line: #4a4a4a; --soft: #262626; --bad: #ff9a8f; --good: #7ee09a; }
 }
 body { font: 15px/1.45 sans-serif; margin: 1.5em auto; max-width: 75em; padding: 0 1em; }
 h1 { font-size: 1.4em; overflow-wrap: anywhere; } h2 { font-size: 1.15em; margin-top: 1.8em; }
-table { border-collapse: collapse; width: 100%; } caption { text-align: left; padding: .3em 0; }
+table { border-collapse: collapse; width: 100%; }
 th, td { border-bottom: 1px solid var(--line); padding: .3em .6em; text-align: left; vertical-align: top;
   overflow-wrap: anywhere; }
-thead th { background: var(--soft); } td.number { text-align: right; white-space: nowrap; }
-.keys { table-layout: fixed; } code { font-size: .92em; white-space: pre-wrap; } ul { padding-left: 1.2em; margin: 0; }
-fieldset { border: 1px solid var(--line); margin: 1em 0; } fieldset label { margin-right: 1.2em; }
+thead th { background: var(--soft); overflow-wrap: normal; } td.number { text-align: right; white-space: nowrap; }
+tbody th { font-weight: normal; } .keys, .problems { table-layout: fixed; } td ul { list-style: none; padding: 0; }
+.problems th:first-child { width: 2.5em; } .problems th:nth-child(n+3) { width: 27%; }
+code, .code, .keys tbody th { font-family: monospace; font-size: .92em; white-space: pre-wrap; }
+ul { padding-left: 1.2em; margin: 0; }
+fieldset { border: 1px solid var(--line); margin: 1em 0; } fieldset label { display: inline-block; margin-right: 1.2em; }
 .bad { color: var(--bad); } .good { color: var(--good); }
 @media print {
-  fieldset { display: none; } body { margin: 0; max-width: none; font-size: 10pt; } tr { break-inside: avoid; }
+  :root { color-scheme: light; } fieldset { display: none; }
+  body { margin: 0; max-width: none; font-size: 10pt; } tr { break-inside: avoid; }
 }
 )";
 
@@ -60,37 +66,61 @@ std::string text(std::string_view bytes) {
     return escaped;
 }
 
-// What comes from a database, set off so that letters of another direction don't move what stands beside it.
-std::string name(std::string_view bytes) {
-    return "<bdi>" + text(bytes) + "</bdi>";
+bool isAscii(std::string_view bytes) {
+    return std::all_of(bytes.begin(), bytes.end(),
+                       [](char byte) { return static_cast<signed char>(byte) >= 0; });
 }
 
+// What comes from a database, set off so that letters of another direction don't move what stands beside it.
+// ASCII has none: a page of many keys opens in two thirds of the time without that element in each row.
+std::string name(std::string_view bytes) {
+    return isAscii(bytes) ? text(bytes) : "<bdi>" + text(bytes) + "</bdi>";
+}
+
+constexpr const char* nokey = "<em>no key</em>";
+
 std::string keyName(std::string_view key) {
-    return key.empty() ? "<em>no key</em>" : "<code>" + name(key) + "</code>";
+    return key.empty() ? nokey : "<code>" + name(key) + "</code>";
 }
 
 std::string cell(std::string_view markup) {
     return "<td>" + std::string(markup) + "</td>";
 }
 
+// What names its row.
+std::string rowHead(std::string_view markup) {
+    return "<th scope=\"row\">" + std::string(markup) + "</th>";
+}
+
 std::string number(long value) {
     return "<td class=\"number\">" + std::to_string(value) + "</td>";
 }
 
-std::string head(std::initializer_list<const char*> titles) {
-    std::string markup = "<thead><tr>";
+// A table that has the name of its section.
+std::string table(const std::string& id, std::initializer_list<const char*> titles, const std::string& rows) {
+    std::string markup = "<table class=\"" + id + "\" aria-labelledby=\"" + id + "\"><thead><tr>";
     for (const char* title : titles)
         markup += std::string("<th scope=\"col\">") + title + "</th>";
-    return markup + "</tr></thead>\n<tbody>\n";
+    return markup + "</tr></thead>\n<tbody>\n" + rows + "</tbody></table>\n";
 }
 
-std::string section(const std::string& title, const std::string& markup) {
+std::string section(const std::string& id, const std::string& title, const std::string& markup) {
     return markup.empty() ? std::string()
-                          : "<section><h2>" + text(title) + "</h2>\n" + markup + "</section>\n";
+                          : "<section><h2 id=\"" + id + "\">" + title + "</h2>\n" + markup + "</section>\n";
 }
 
 std::string list(const std::string& items) {
     return items.empty() ? std::string() : "<ul>" + items + "</ul>\n";
+}
+
+// One thing is no list.
+std::string listInCell(const std::vector<std::string>& things) {
+    if (things.size() == 1)
+        return cell(things[0]);
+    std::string items;
+    for (const std::string& thing : things)
+        items += "<li>" + thing + "</li>";
+    return cell(list(items));
 }
 
 std::string item(const std::string& markup) {
@@ -121,57 +151,55 @@ std::string filter(const TSXdatabase& database) {
 
 std::string solutions(const TSXproblem& problem) {
     constexpr const char* notes[] = {"", " (keys are lost from the data)", " (deletes at once)"};
-    std::string items;
+    std::vector<std::string> labels;
     for (int n = 1; n <= problem.solutioncount(); ++n)
-        items += item(std::to_string(n) + ": " + text(problem.solutionlabel(n)) +
-                      notes[static_cast<int>(problem.solutioncost(n))]);
-    return list(items);
+        labels.push_back(std::to_string(n) + ": " + text(problem.solutionlabel(n)) +
+                         notes[static_cast<int>(problem.solutioncost(n))]);
+    return listInCell(labels);
 }
 
 std::string problems(const Session& session) {
     const TSXdatabase& database = session.database;
     if (database.problemcount == 0)
         return {};
-    std::string markup = filter(database) + "<table>" + head({"Row", "Problem", "Id", "Solutions"});
+    std::string rows;
     for (int row = 1; row <= database.problemcount; ++row) {
         const TSXproblem& problem = *database.getproblem(row);
-        markup += "<tr class=\"" + kindClass(problem.kind) + "\">" + number(row) +
-                  cell(name(problem.message.view()) + (session.known.has(problem) ? " (known)" : "")) +
-                  cell("<code>" + name(problem.id()) + "</code>") + cell(solutions(problem)) + "</tr>\n";
+        rows += "<tr class=\"" + kindClass(problem.kind) + "\">" + number(row) +
+                rowHead(name(problem.message.view()) + (session.known.has(problem) ? " (known)" : "")) +
+                "<td class=\"code\">" + name(problem.id()) + "</td>" + solutions(problem) + "</tr>\n";
     }
-    return markup + "</tbody></table>\n";
+    return filter(database) + table("problems", {"Row", "Problem", "Id", "Solutions"}, rows);
 }
 
 std::string types(const TSXdatabase& database) {
-    std::string markup = "<table>" + head({"Type", "Name", "Class", "Files", "Entries"});
+    std::string rows;
     for (int i = 0; i <= database.lasttype; ++i) {
         const TSXexptype& type = *database.gettype(i);
-        markup += "<tr>" + number(i) + cell(name(type.name.view())) +
-                  cell(fileclasses[type.classid].directory) + number(type.filecount) +
-                  number(type.entrycount) + "</tr>\n";
+        rows += "<tr>" + number(i) + rowHead(name(type.name.view())) +
+                cell(fileclasses[type.classid].directory) + number(type.filecount) + number(type.entrycount) +
+                "</tr>\n";
     }
-    return markup + "</tbody></table>\n";
+    return table("types", {"Type", "Name", "Class", "Files", "Entries"}, rows);
 }
 
 std::string records(const TSXkeyentry& entry) {
-    std::string items;
+    std::vector<std::string> places;
     for (const Occurrence& record : entry.records())
-        items += item(
+        places.push_back(
             "type " + std::to_string(record.type) + ": " +
             name(std::string(fileclasses[record.file->classid].directory) + '/' + record.file->name.c_str()) +
             ", record " + std::to_string(record.record));
-    return list(items);
+    return listInCell(places);
 }
 
 std::string keys(const TSXdatabase& database) {
-    if (database.visiblecount == 0)
-        return {};
-    std::string markup = "<table class=\"keys\">" + head({"Key", "Records"});
+    std::string rows;
     for (int i = 1; i <= database.visiblecount; ++i) {
         const TSXkeyentry& entry = *database.getvisiblekey(i);
-        markup += "<tr>" + cell(keyName(entry.key)) + cell(records(entry)) + "</tr>\n";
+        rows += "<tr>" + rowHead(entry.key.empty() ? nokey : name(entry.key)) + records(entry) + "</tr>\n";
     }
-    return markup + "</tbody></table>\n";
+    return rows.empty() ? rows : table("keys", {"Key", "Records"}, rows);
 }
 
 std::string solved(const Session& session) {
@@ -220,13 +248,15 @@ std::string htmlReport(const Session& session, const Options& options) {
            "<meta http-equiv=\"Content-Security-Policy\" content=\"default-src 'none'; style-src "
            "'unsafe-inline'\">\n<meta name=\"viewport\" content=\"width=device-width\">\n<title>" +
            title + "</title>\n<style>" + style + "</style></head>\n<body><header><h1>" + title +
-           "</h1></header>\n<main>" + section("Result", result(session, options)) +
-           section("Messages", messages()) + section("Solutions applied", solved(session)) +
-           section(database.planning ? "What would be changed on the disk" : "Changed on the disk",
+           "</h1></header>\n<main>" + section("result", "Result", result(session, options)) +
+           section("messages", "Messages", messages()) +
+           section("solved", "Solutions applied", solved(session)) +
+           section("changed", database.planning ? "What would be changed on the disk" : "Changed on the disk",
                    changes(database)) +
-           section("Problems", problems(session)) +
-           section("Keys and their records (" + std::to_string(database.visiblecount) + " of " +
+           section("problems", "Problems", problems(session)) +
+           section("keys",
+                   "Keys and their records (" + std::to_string(database.visiblecount) + " of " +
                        std::to_string(database.keytotal) + ")",
                    keys(database)) +
-           section("Data types", types(database)) + "</main></body></html>\n";
+           section("types", "Data types", types(database)) + "</main></body></html>\n";
 }
