@@ -12,6 +12,7 @@
 #include "reporting/report.h"
 #include "resources/resources.h"
 #include "settings/settings.h"
+#include "settings/windowplaces.h"
 #include "toolkit/drawing.h"
 #include "undo/journal.h"
 #include "undo/keeper.h"
@@ -95,6 +96,14 @@ void finishEarlier() {
 
 std::unique_ptr<UndoKeeper> keeper; // of this run
 
+constexpr const char* mainPlace = "Main Window"; // values of the settings store
+constexpr const char* entryPlace = "Entry Window";
+
+void keepPlaces(const WindowPlaces& places) {
+    writeWindowPlace(mainPlace, places.main);
+    writeWindowPlace(entryPlace, places.entry);
+}
+
 } // namespace
 
 TSXapp::TSXapp() {
@@ -119,6 +128,8 @@ int TSXapp::InitInstance() {
     keeper = std::make_unique<UndoKeeper>(databaseDirectory.c_str(), UndoKeeper::WithoutPlace::ask);
     database->keeper = keeper.get();
     mainFrame = new TSXmainframe;
+    mainFrame->places = {readWindowPlace(mainPlace), readWindowPlace(entryPlace)};
+    mainFrame->keepPlaces = keepPlaces;
     database->load(databaseDirectory);
     mainFrame->createMainWindow();
     mainFrame->ShowWindow();

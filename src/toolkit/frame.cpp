@@ -27,11 +27,18 @@ void TSXframe::getInnerSize(int& right, int& bottom) const {
 }
 
 void TSXframe::onCreate() {
+    if (place != nullptr)
+        SetWindowPlacement(*place);
     if (hasStatusBar == 1) {
         statusBar = std::make_unique<CStatusBarCtrl>();
         statusBar->Create(*this);
     }
     frameCreated();
+}
+
+void TSXframe::onDestroy() {
+    if (place != nullptr)
+        *place = GetWindowPlacement();
 }
 
 void TSXframe::onSize(int type, int width, int height) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "platform/window/framewnd.h"
 
@@ -35,12 +36,15 @@ public:
     virtual void charTyped(std::uint32_t /*unicode*/, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) {}
 
     // To be changed before the window is made.
-    std::int32_t hasStatusBar = 1;             // anything else: no status bar
-    std::int32_t hasBorder = 1;                // 0: no border
+    std::int32_t hasStatusBar = 1; // anything else: no status bar
+    std::int32_t hasBorder = 1;    // 0: no border
+    std::string* place =
+        nullptr; // the window opens where this tells, and notes there where it was at its end
     std::unique_ptr<CStatusBarCtrl> statusBar; // from the creation of the window on
 
 private:
     void onCreate() override;
+    void onDestroy() override;
     void onSize(int type, int width, int height) override;
     void onPaint() override;
     void onClose() override;

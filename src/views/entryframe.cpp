@@ -32,7 +32,9 @@ std::string asStored(const TSXdatabase& database, const char* typed) {
 } // namespace
 
 TSXentryframe::TSXentryframe(TSXmainframe& main, TSXdatabase& owner, TSXkeyentry& entry)
-    : database(owner), mainWindow(main), key(entry) {}
+    : database(owner), mainWindow(main), key(entry) {
+    place = &main.places.entry;
+}
 
 TSXentryframe::~TSXentryframe() {
     mainWindow.entryWindowClosed(*this);

@@ -73,9 +73,13 @@ int changedFiles(const TSXdatabase& model) {
 
 } // namespace
 
-TSXmainframe::TSXmainframe() = default;
+TSXmainframe::TSXmainframe() {
+    place = &places.main;
+}
 
 TSXmainframe::~TSXmainframe() {
+    if (keepPlaces != nullptr)
+        keepPlaces(places);
     if (mainFrame == this)
         mainFrame = nullptr;
 }

@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "toolkit/frame.h"
 
@@ -14,6 +15,12 @@ class TSXentryframe;
 class TSXkeyentry;
 class TSXproblempane;
 class TSXtypespane;
+
+// Where the windows stood when they were closed last, as CFrameWnd tells it; empty: as they come.
+struct WindowPlaces {
+    std::string main;
+    std::string entry;
+};
 
 class TSXmainframe : public TSXframe {
 public:
@@ -44,6 +51,8 @@ public:
     std::int32_t selectedKey = 1;                     // row of the visible keys, from 1
     std::int32_t selectedProblem = 1;                 // row of the problem list, from 1
     std::array<TSXentryframe*, 50> entryWindows = {}; // a free place is null
+    WindowPlaces places;
+    void (*keepPlaces)(const WindowPlaces&) = nullptr; // called at the end of this object
 
 private:
     void updateScrollRanges();

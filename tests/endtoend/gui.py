@@ -106,6 +106,10 @@ class Display:
     def click(self, window, x, y, *more):
         self.xdotool("mousemove", "--window", window, x, y, "click", *more, 1)
 
+    def box(self, window):
+        told = subprocess.run(["xwininfo", "-id", window], env=self.environment, capture_output=True, text=True).stdout
+        return re.findall(r"(?:Absolute upper-left .|Width|Height): +(\d+)", told)
+
     def close_window(self, window):
         self.xdotool("windowactivate", "--sync", window)
         self.key("alt+F4")
@@ -135,6 +139,7 @@ class Tool:
         self.main = display.window("Database Check- " + name)
         self.top = wait("the first paint", self.menu_height)
         self.aside = 10
+        self.stood = display.box(self.main)
         display.xdotool("windowmove", "--sync", self.main, 780, 40)
 
     def menu_height(self):
@@ -263,7 +268,7 @@ def keys(display, work):
     wait("the save", lambda: "Changed 1" in place.keys())
     changed = [path for path, content in contents(place.database).items() if content != before[path]]
     expect(len(changed) == 1 and "Nothing" not in place.keys(), "more than a key was written")
-    saved = contents(place.database)
+    saved, stood = contents(place.database), [display.box(window) for window in (tool.main, entry)]
     display.close_window(entry)
     display.gone("Entry ")
     tool.open_key(3)
@@ -278,6 +283,7 @@ def keys(display, work):
     tool = place.inspect()
     tool.show_all()
     tool.open_key(3)
+    expect([tool.stood, display.box(display.window("Entry "))] == stood, "the windows don't stand where they did")
     tool.change_key(display.window("Entry "), "Changed 3")
     display.close_window(display.window("Entry "))
     display.gone("Entry ")

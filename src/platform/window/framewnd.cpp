@@ -42,6 +42,23 @@ bool CFrameWnd::Create(const WindowClass& windowClass, const char* title, const 
     return host_ != nullptr;
 }
 
+std::string CFrameWnd::GetWindowPlacement() const {
+    return host_ == nullptr ? std::string() : host_->saveGeometry().toStdString();
+}
+
+void CFrameWnd::SetWindowPlacement(const std::string& placement) {
+    constexpr int smallest = 100; // pixels: nobody would find a smaller window
+    if (host_ == nullptr)
+        return;
+    const QRect before(host_->pos(), host_->size());
+    host_->restoreGeometry(QByteArray::fromStdString(placement));
+    if (host_->width() < smallest || host_->height() < smallest) {
+        host_->move(before.topLeft());
+        host_->resize(before.size());
+    }
+    host_->arrange(); // a window that is not on show gets no event of its new size
+}
+
 void CFrameWnd::PostNcDestroy() {
     delete this;
 }

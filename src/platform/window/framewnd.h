@@ -1,6 +1,8 @@
 // A top-level window with a title and a menu bar.
 #pragma once
 
+#include <string>
+
 #include "platform/window/wnd.h"
 
 class CFrameWnd : public CWnd {
@@ -10,6 +12,12 @@ public:
     // it. The menu is that resource; all its entries are enabled at all times. Otherwise as CWnd's Create.
     bool Create(const WindowClass& windowClass, const char* title, const RECT& rectangle, CWnd* parent,
                 int menuNumber);
+
+    // Where the window stands, on which screen, how large, and whether it is maximized, as bytes to be kept;
+    // and back, before the window is shown. Bytes that don't hold a place change nothing, a place on a screen
+    // that has gone or shrunk is brought onto one that is there.
+    std::string GetWindowPlacement() const;
+    void SetWindowPlacement(const std::string& placement);
 
 protected:
     void PostNcDestroy() override; // deletes the frame

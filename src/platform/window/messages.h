@@ -39,7 +39,8 @@ enum ScrollCode : int {
 
 class MessageTarget : public CObject {
 public:
-    virtual void onCreate() {} // the window is there, not yet on show
+    virtual void onCreate() {}  // the window is there, not yet on show
+    virtual void onDestroy() {} // the window is about to go
     // The client area has a new size; also when the window is made. The type is a SizeType.
     virtual void onSize(int /*type*/, int /*width*/, int /*height*/) {}
     virtual void onPaint() {}                       // CWnd's makes a CPaintDC, so that it is erased

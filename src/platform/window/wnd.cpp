@@ -45,6 +45,8 @@ bool CWnd::giveUpWindow() {
 }
 
 void CWnd::DestroyWindow() {
+    if (host_ != nullptr)
+        onDestroy();
     if (giveUpWindow())
         PostNcDestroy();
 }
