@@ -42,6 +42,7 @@ def told(done):
     """The streams and the status, without what differs from run to run."""
     text = "%s\nexit status %d\n%s" % (done.stdout.decode(), done.returncode, done.stderr.decode())
     text = re.sub(r"\d{4}-\d\d-\d\d[ T-]\d\d[:-]?\d\d[:-]?\d\d(\.\d+)?(-\d+)?", "TIME", text.replace(os.getcwd(), "WORK"))
+    text = re.sub(r" +\d+ bytes  WORK", "  SIZE bytes  WORK", text)  # the path of the database is in it
     return re.sub(r"\b\d{8}-?T?\d{6}\S*\.undo", "TIME.undo", text)
 
 
