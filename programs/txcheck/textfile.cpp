@@ -1,21 +1,13 @@
 #include "textfile.h"
 
-#include <filesystem>
-
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
+#include "platform/system/path.h"
 
 namespace {
 
 std::string failure(const std::string& path, const char* what) {
     return path + ": " + what + ": " + errorText(GetLastError());
-}
-
-bool isBelow(const std::filesystem::path& path, const std::filesystem::path& directory) {
-    std::error_code error;
-    const auto whole = std::filesystem::weakly_canonical(path, error);
-    const auto above = std::filesystem::weakly_canonical(directory, error) / "";
-    return error || whole.string().starts_with(above.string());
 }
 
 } // namespace
@@ -36,7 +28,7 @@ std::string readTextFile(const std::string& path, std::string& content) {
 }
 
 std::string writeTextFile(const std::string& path, std::string_view content, const char* databaseDirectory) {
-    if (isBelow(path, databaseDirectory))
+    if (leadsInto(path, databaseDirectory))
         return path + ": The file is not written, since it would stand in the database. Give another place";
     ByteStream stream;
     if (!stream.open(path.c_str(), OpenMode::write))
