@@ -4,6 +4,7 @@
 
 #include "model/keyentry.h"
 #include "model/problem.h"
+#include "page.h"
 #include "told.h"
 
 namespace {
@@ -100,7 +101,8 @@ bool Steps::solve(const SolveStep& step) {
         return row != 0 ? solveRow(row, step.number, step.given) : passGone(meant, step);
     }
     if (step.id.empty())
-        return refuse(step.given + ": the list has " + std::to_string(loaded.size()) + " rows");
+        return refuse(step.given + ": the list has " +
+                      counted(static_cast<long>(loaded.size()), "row", "rows"));
     const int row = rowOf(step.id);
     return row != 0 ? solveRow(row, step.number, step.given)
                     : refuse(step.given + ": there is no such problem");
@@ -116,7 +118,8 @@ bool Steps::passGone(const Loaded& gone, const SolveStep& step) {
 bool Steps::solveRow(int row, int number, const std::string& given) {
     const TSXproblem& problem = *database.getproblem(row);
     if (problem.solutioncommand(number) == 0)
-        return refuse(given + ": this problem has " + std::to_string(problem.solutioncount()) + " solutions");
+        return refuse(given + ": this problem has " +
+                      counted(problem.solutioncount(), "solution", "solutions"));
     solved.push_back(record(problem, row, problem.id(), number, 0));
     const int result = problem.solve(number);
     solved.back().result = result;
@@ -149,7 +152,7 @@ bool Steps::solveEach(const std::function<int(const TSXproblem&)>& choose, const
 bool Steps::solveAll(const SolveStep& step) {
     const int count = TSXproblem(database, step.kind, 0).solutioncount();
     if (step.number < 1 || step.number > count)
-        return refuse(step.given + ": problems of this kind have " + std::to_string(count) + " solutions");
+        return refuse(step.given + ": problems of this kind have " + counted(count, "solution", "solutions"));
     return solveEach([&](const TSXproblem& problem) { return problem.kind == step.kind ? step.number : 0; },
                      step.given, false);
 }
@@ -171,8 +174,8 @@ bool Steps::changeKey(const ChangeKeyStep& step) {
     TSXkeyentry* entry = database.keytree.find(step.key);
     const int uses = entry != nullptr ? entry->occurrences(step.type) : 0;
     if (step.n < 1 || step.n > uses)
-        return refuse("--change-key: the key '" + step.key + "' is used " + std::to_string(uses) +
-                      " times in experiment type " + std::to_string(step.type) + "; there is no occurrence " +
+        return refuse("--change-key: the key '" + step.key + "' is used " + counted(uses, "time", "times") +
+                      " in experiment type " + std::to_string(step.type) + "; there is no occurrence " +
                       std::to_string(step.n));
     return finishChange(database.changekey(*entry, step.type, step.n, step.newKey.c_str()));
 }
