@@ -183,14 +183,28 @@ std::string types(const TSXdatabase& database) {
     return table("types", {"Type", "Name", "Class", "Files", "Entries"}, rows);
 }
 
+std::string fileText(const TSXdatafile& file) {
+    return std::string(fileclasses[file.classid].directory) + '/' + file.name.c_str();
+}
+
 std::string records(const TSXkeyentry& entry) {
     std::vector<std::string> places;
     for (const Occurrence& record : entry.records())
-        places.push_back(
-            "type " + std::to_string(record.type) + ": " +
-            name(std::string(fileclasses[record.file->classid].directory) + '/' + record.file->name.c_str()) +
-            ", record " + std::to_string(record.record));
+        places.push_back("type " + std::to_string(record.type) + ": " + name(fileText(*record.file)) +
+                         ", record " + std::to_string(record.record));
     return listInCell(places);
+}
+
+std::string entry(const TSXdatabase& database, const std::string& wanted) {
+    const TSXkeyentry* found = database.keytree.find(wanted);
+    std::string rows;
+    if (found != nullptr)
+        for (const Occurrence& record : found->records())
+            rows += "<tr>" + number(record.type) + cell(name(fileText(*record.file))) +
+                    number(record.record) + "</tr>\n";
+    return section("entry", "Entry " + keyName(wanted),
+                   rows.empty() ? "<p>No record uses this key.</p>\n"
+                                : table("entry", {"Type", "File", "Record"}, rows));
 }
 
 std::string keys(const TSXdatabase& database) {
@@ -250,10 +264,12 @@ std::string htmlReport(const Session& session, const Options& options) {
            title + "</title>\n<style>" + style + "</style></head>\n<body><header><h1>" + title +
            "</h1></header>\n<main>" + section("result", "Result", result(session, options)) +
            section("messages", "Messages", messages()) +
-           section("solved", "Solutions applied", solved(session)) +
+           section("solved", database.planning ? "Solutions that would be applied" : "Solutions applied",
+                   solved(session)) +
            section("changed", database.planning ? "What would be changed on the disk" : "Changed on the disk",
                    changes(database)) +
            section("problems", "Problems", problems(session)) +
+           (options.entry ? entry(database, *options.entry) : "") +
            section("keys",
                    "Keys and their records (" + std::to_string(database.visiblecount) + " of " +
                        std::to_string(database.keytotal) + ")",
