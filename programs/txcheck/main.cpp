@@ -34,7 +34,7 @@ int main(int argc, char** argv) {
         writeJson(std::cout, session, *options);
     else if (session.explained != 0)
         writeExplanation(std::cout, *session.database.getproblem(session.explained), session.explained);
-    else if (!options->quiet || session.status() != statusClean)
+    else if (!options->quiet || session.status() != statusClean || session.changedSomething())
         writeText(std::cout, session, *options);
     std::cout.flush();
     if (!std::cout) {

@@ -30,6 +30,8 @@ public:
     void restoreFrom(const std::string& undoFile);
     // One of the exit statuses.
     int status() const;
+    // Whether a solution was applied or something on the disk was changed; in a plan, would be.
+    bool changedSomething() const { return !steps.solved.empty() || !database.changes.empty(); }
 
     TSXdatabase database;
     KnownProblems known;

@@ -26,14 +26,16 @@ RUNS = {
     "page.html": (WHOLE, [[*PAGE, "--quiet"]]),
     "explained.txt": (WHOLE, [["--quiet", "--explain", str(row)] for row in (1, 6, 8, 17, 18, 20, 21, 22)] + [["--explain", "7:?:x"]]),
     "known.txt": (SMALL, [["--write-known", "known.txt"], ["--known", "known.txt", "--solve-all", "5:1"],
-                          ["--known", "nowhere"], ["--known", "db"], ["--write-known", "nowhere/known.txt"]]),
+                          ["--known", "nowhere"], ["--known", "db"], ["--write-known", "nowhere/known.txt"],
+                          ["--write-known", "DB/DBASE\\DBSF001.DBS", "--quiet"], ["--solve", "1:2"]]),
     "undone.txt": (SMALL, [
         ["--undo-list"], ["--plan", "--preen", "--rename", "isolate 00001", KEY], ["--rename", "isolate 00001", "REF-4000001"],
         ["--rename", "nobody", "new"], ["--rename", "isolate 00001", KEY, "--save"], ["--undo-list"],
         ["--preen", "--solve-all", "empty:1", "--save", "--undo", "a.undo"], ["--undo-list"],
         ["--restore", "a.undo", "--plan"], ["--restore", "a.undo", "--undo", "b.undo"], ["--restore", "a.undo"],
         ["--restore", "a.undo", "--yes", "--no-undo"], ["--restore", "nowhere"], ["--quiet", "--json"]]),
-    "sound.txt": ("--damage none", [["--quiet"], [], ["--home", "home", "--database", "My base"], ["--database", "none"]]),
+    "sound.txt": ("--damage none", [["--quiet"], [], ["--home", "home", "--database", "My base"], ["--database", "none"],
+                                    ["--quiet", "--rename", "BK-00011.1", "K 11", "--save"]]),
     "help.txt": ("--damage none", [["--help"]]),
 }
 
