@@ -4,23 +4,15 @@
    FAULT_SHORT=N   the read or write of that number, counted by themselves, moves only half of its bytes
    FAULT_SECTOR=PATH:N    no byte of that sector of 512 bytes of the file can be read
    FAULT_REPORT=PATH      gets the numbers of calls at the end: all, then the reads and writes among them */
-#define _GNU_SOURCE
+#include "paths.h"
+
 #include <dirent.h>
-#include <dlfcn.h>
 #include <errno.h>
-#include <fcntl.h>
-#include <limits.h>
 #include <stdarg.h>
-#include <stdio.h>
-#include <stdlib.h>
-#include <string.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-static const char *root, *sector;
+static const char *sector;
 static long at, from, shortened, calls, moves, sector_number;
-
-#define REAL(name) ((__typeof__(&name))dlsym(RTLD_NEXT, #name))
 
 static long number(const char *name) {
     const char *value = getenv(name);
@@ -45,36 +37,6 @@ __attribute__((destructor)) static void finish(void) {
         return;
     fprintf(file, "%ld %ld\n", calls, moves);
     fclose(file);
-}
-
-/* The path of an open file; empty where it has none. */
-static const char *path_of(int file, char *buffer) {
-    char link[64];
-    snprintf(link, sizeof link, "/proc/self/fd/%d", file);
-    const ssize_t size = readlink(link, buffer, PATH_MAX - 1);
-    buffer[size > 0 ? size : 0] = '\0';
-    return buffer;
-}
-
-static int below_root(const char *path) {
-    return root != NULL && strncmp(path, root, strlen(root)) == 0;
-}
-
-static int counted_path(int directory, const char *path) {
-    char base[PATH_MAX], whole[2 * PATH_MAX];
-    if (root == NULL || path == NULL)
-        return 0;
-    if (path[0] == '/')
-        return below_root(path);
-    if (directory == AT_FDCWD && getcwd(base, sizeof base) == NULL)
-        return 0;
-    snprintf(whole, sizeof whole, "%s/%s", directory == AT_FDCWD ? base : path_of(directory, base), path);
-    return below_root(whole);
-}
-
-static int counted_file(int file) {
-    char path[PATH_MAX];
-    return root != NULL && file > STDERR_FILENO && below_root(path_of(file, path));
 }
 
 /* Counts a call on something below the root: whether it is to fail. */
