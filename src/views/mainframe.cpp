@@ -199,13 +199,14 @@ void TSXmainframe::showAllEntries() {
 void TSXmainframe::solveProblem(std::uint32_t command) {
     SetCursor(IDC_WAIT);
     const TSXproblem* problem = database->getproblem(selectedProblem);
+    const std::size_t changes = database->changes.size();
     int result = 0;
     for (int i = 1; problem != nullptr && i <= problem->solutioncount(); ++i)
         if (problem->solutioncommand(i) == static_cast<int>(command))
             result = problem->solve(i);
-    if (result == 1)
+    if (result == 1 || database->changes.size() > changes) // some of the files may have gone all the same
         rebuildDatabase();
-    else
+    if (result != 1)
         MessageBeep();
     SetCursor(IDC_ARROW);
 }

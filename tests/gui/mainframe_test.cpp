@@ -41,6 +41,14 @@ TEST_F(DesktopTest, ASolutionThatFailsBeepsAndLeavesTheList) {
     EXPECT_EQ(reports[0].find("Error 48: Unable to create the directory '" + root.path() + "\\bundles'\n"),
               0u);
     EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the wait cursor stays";
+    main->selectedProblem = 1;
+    while (::database->getproblem(main->selectedProblem)->kind != emptyfiles)
+        ++main->selectedProblem;
+    diskFaultHook = [](DiskOperation operation) { return operation == DiskOperation::sync; };
+    command(removeemptyfilescommand); // which the disk does not confirm
+    diskFaultHook = nullptr;
+    EXPECT_EQ(beeps, 5);
+    EXPECT_EQ(::database->problemcount, before - 1) << "a file that has gone stays in the list";
 }
 
 TEST_F(DesktopTest, LeavingAsksOnlyWhenSomethingIsUnsaved) {
