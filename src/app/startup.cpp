@@ -109,7 +109,6 @@ void keepPlaces(const WindowPlaces& places) {
 TSXapp::TSXapp() {
     setResources(programResources);
     setReport([](const char* text, const char* title, std::uint32_t flags) {
-        SetCursor(IDC_ARROW); // a repair may have set the wait cursor
         return MessageBoxA(mainFrame, text, title, flags);
     });
     findDatabase();
