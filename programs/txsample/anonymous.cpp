@@ -139,16 +139,24 @@ private:
     std::string failure;
 };
 
+// Why no copy can be made; empty where it can, and its directory is there then.
+std::string obstacle(const std::string& from, const std::string& to) {
+    if (!canEnterDirectory(from.c_str()))
+        return from + ": The directory can't be entered";
+    if (leadsInto(to, from))
+        return to + ": The copy would stand in the database. Give another place";
+    std::error_code error;
+    std::filesystem::create_directories(to, error);
+    if (error || !std::filesystem::is_empty(to, error) || error)
+        return to + ": The directory can't be made, or is not empty";
+    return {};
+}
+
 } // namespace
 
 CopyResult copyAnonymously(const std::string& from, const std::string& to, std::uint32_t seed) {
     CopyResult result;
-    std::error_code error;
-    std::filesystem::create_directories(to, error);
-    if (!canEnterDirectory(from.c_str()))
-        result.failure = from + ": The directory can't be entered";
-    else if (error || !std::filesystem::is_empty(to, error) || error)
-        result.failure = to + ": The directory can't be made, or is not empty";
+    result.failure = obstacle(from, to);
     if (!result.failure.empty())
         return result;
     TSXdatabase database("");

@@ -10,8 +10,8 @@
 namespace {
 
 void printResult(const SampleOptions& options, const SampleResult& result) {
-    std::cout << options.directory << ": " << result.datafiles << " data files with " << result.records
-              << " records, " << result.sidefiles << " side files, damages:";
+    std::cout << printable(options.directory) << ": " << result.datafiles << " data files with "
+              << result.records << " records, " << result.sidefiles << " side files, damages:";
     if (result.damages.empty())
         std::cout << " none";
     for (const std::string& damage : result.damages)
@@ -44,7 +44,7 @@ int main(int argc, char** argv) {
         return copy(options);
     const SampleResult result = makeSample(options);
     if (!result.failure.empty()) {
-        std::cerr << "txsample: " << result.failure << std::endl;
+        std::cerr << "txsample: " << printable(result.failure) << std::endl;
         return couldNotWork;
     }
     printResult(options, result);
