@@ -216,7 +216,17 @@ void readSolveSteps(const CLI::App& app, const Words& words, Options& options) {
             options.solve.push_back(readSolveAll(words.solveAll[all++]));
 }
 
+// As an unset variable of a script gives it: the log would go to the root of the file system.
+void refuseEmptyPaths(const Options& options) {
+    for (const Value& value : values) {
+        const std::string_view form = value.form;
+        if ((form == "FILE" || form == "DIR") && options.*value.given == "")
+            refuse(value.names, "the path is empty");
+    }
+}
+
 void interpret(const CLI::App& app, const Words& words, Options& options) {
+    refuseEmptyPaths(options);
     if (words.progress && words.noProgress)
         refuse("--progress", "does not go with --no-progress");
     options.progress = words.progress || (!words.noProgress && isatty(STDERR_FILENO) == 1);

@@ -31,7 +31,7 @@ void encodeState(Encoder& to, const EntryState& state) {
 } // namespace
 
 UndoWriter::UndoWriter(const std::string& databaseDirectory, const std::string& path)
-    : root_(databaseDirectory), wanted_(path) {}
+    : root_(databaseDirectory), wanted_(path.empty() ? path : resolvePath(path)) {}
 
 UndoWriter::UndoWriter(const UndoFile& file, const std::string& databaseDirectory)
     : root_(databaseDirectory), path_(file.path), header_(file.header), standing_(file.header) {

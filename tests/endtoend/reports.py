@@ -27,11 +27,11 @@ RUNS = {
     "explained.txt": (WHOLE, [["--quiet", "--explain", str(row)] for row in (1, 6, 8, 17, 18, 20, 21, 22)] + [["--explain", "7:?:x"]]),
     "known.txt": (SMALL, [["--write-known", "known.txt"], ["--known", "known.txt", "--solve-all", "5:1"],
                           ["--known", "nowhere"], ["--known", "db"], ["--write-known", "nowhere/known.txt"],
-                          ["--write-known", "DB/DBASE\\DBSF001.DBS", "--quiet"], ["--solve", "1:2"]]),
+                          ["--write-known", "DB/DBASE\\DBSF001.DBS", "--quiet"], ["--solve", "1:2"], ["--log", ""]]),
     "undone.txt": (SMALL, [
         ["--undo-list"], ["--plan", "--preen", "--rename", "isolate 00001", KEY], ["--rename", "isolate 00001", "REF-4000001"],
         ["--rename", "nobody", "new"], ["--rename", "isolate 00001", KEY, "--save"], ["--undo-list"],
-        ["--preen", "--solve-all", "empty:1", "--save", "--undo", "a.undo"], ["--undo-list"],
+        ["--preen", "--solve-all", "empty:1", "--save", "--undo", ".\\a.undo"], ["--undo-list"],
         ["--restore", "a.undo", "--plan"], ["--restore", "a.undo", "--undo", "b.undo"], ["--restore", "a.undo"],
         ["--restore", "a.undo", "--yes", "--no-undo"], ["--restore", "nowhere"], ["--quiet", "--json"]]),
     "sound.txt": ("--damage none", [["--quiet"], [], ["--home", "home", "--database", "My base"], ["--database", "none"],
