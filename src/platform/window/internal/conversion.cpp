@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/system/utf8.h"
 #include "platform/window/encoding.h"
 
 namespace {
@@ -19,14 +20,10 @@ QByteArrayView viewOf(std::string_view bytes) {
     return {bytes.data(), static_cast<qsizetype>(bytes.size())};
 }
 
-QString decodeUtf8(std::string_view bytes, bool& valid) {
-    // Stateless makes an unfinished character at the end an error; a byte order mark is a character like
-    // others.
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    QString text = decoder(viewOf(bytes));
-    valid = !decoder.hasError();
-    return text;
+QString decodeUtf8(std::string_view bytes) {
+    // A byte order mark is a character like others.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return decoder(viewOf(bytes));
 }
 
 char windows1252Of(char16_t unit) {
@@ -39,17 +36,13 @@ char windows1252Of(char16_t unit) {
 } // namespace
 
 TextEncoding encodingOf(std::string_view bytes) {
-    bool valid = false;
-    decodeUtf8(bytes, valid);
-    return valid ? TextEncoding::utf8 : TextEncoding::windows1252;
+    return isUtf8(bytes) ? TextEncoding::utf8 : TextEncoding::windows1252;
 }
 
 QString unicodeOf(std::string_view bytes) {
-    bool valid = false;
-    QString text = decodeUtf8(bytes, valid);
-    if (valid)
-        return text;
-    text = QString::fromLatin1(viewOf(bytes));
+    if (isUtf8(bytes))
+        return decodeUtf8(bytes);
+    QString text = QString::fromLatin1(viewOf(bytes));
     for (QChar& letter : text) {
         if (letter >= QChar(0x80) && letter < QChar(0xA0))
             letter = QChar(upperControls[letter.unicode() - 0x80U]);
