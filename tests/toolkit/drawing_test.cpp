@@ -2,7 +2,7 @@
 #include "onshow.h"
 
 TEST(Drawing, ColoursFollowTheBaseColour) {
-    const int numbers[] = {1, 2, 3, -1, 0, 101, 4, 5};
+    static const int numbers[] = {1, 2, 3, -1, 0, 101, 4, 5};
     const struct {
         std::array<std::int32_t, 3> base;
         std::uint32_t expected[std::size(numbers)];
