@@ -9,6 +9,7 @@
 #include "platform/system/errors.h"
 #include "platform/system/messagebox.h"
 #include "platform/system/path.h"
+#include "platform/system/plainfile.h"
 #include "platform/system/plan.h"
 #include "platform/system/signalhold.h"
 #include "reporting/report.h"

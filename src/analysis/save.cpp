@@ -5,6 +5,7 @@
 #include "model/database.h"
 #include "model/datafile.h"
 #include "platform/system/messagebox.h"
+#include "platform/system/plainfile.h"
 #include "platform/system/signalhold.h"
 #include "reporting/report.h"
 

@@ -8,10 +8,10 @@
 #include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
-#include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
 #include "platform/system/letters.h"
 #include "platform/system/path.h"
+#include "platform/system/plainfile.h"
 #include "platform/system/plan.h"
 #include "reporting/log.h"
 

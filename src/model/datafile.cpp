@@ -6,7 +6,6 @@
 #include "files/binfile.h"
 #include "model/database.h"
 #include "model/fileclass.h"
-#include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
 #include "reporting/log.h"
 

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "model/change.h"
-#include "platform/system/bytestream.h"
+#include "platform/system/filestate.h"
 #include "platform/system/cobject.h"
 #include "platform/system/text.h"
 

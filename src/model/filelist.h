@@ -9,7 +9,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "platform/system/bytestream.h"
+#include "platform/system/filestate.h"
 #include "platform/system/cobject.h"
 
 class TSXdatabase;

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/system/bytestream.h"
+#include "platform/system/filestate.h"
 #include "platform/system/cobject.h"
 #include "platform/system/text.h"
 

@@ -8,6 +8,7 @@
 #include "platform/system/errors.h"
 #include "platform/system/messagebox.h"
 #include "platform/system/path.h"
+#include "platform/system/plainfile.h"
 #include "platform/system/plan.h"
 #include "reporting/report.h"
 

@@ -7,6 +7,7 @@
 #include "platform/system/errors.h"
 #include "platform/system/messagebox.h"
 #include "platform/system/path.h"
+#include "platform/system/plainfile.h"
 #include "reporting/report.h"
 
 int logEnabled = 0;

@@ -5,8 +5,8 @@
 #include <ctime>
 #include <map>
 
-#include "platform/system/bytestream.h"
 #include "platform/system/path.h"
+#include "platform/system/plainfile.h"
 #include "undo/undofile.h"
 #include "undo/undolist.h"
 

@@ -5,6 +5,7 @@
 #include "platform/system/bytestream.h"
 #include "platform/system/directory.h"
 #include "platform/system/errors.h"
+#include "platform/system/plainfile.h"
 #include "platform/system/signalhold.h"
 #include "undo/content.h"
 #include "undo/fields.h"

@@ -6,6 +6,7 @@
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
 #include "platform/system/path.h"
+#include "platform/system/plainfile.h"
 #include "platform/system/text.h"
 #include "undo/content.h"
 #include "undo/place.h"

@@ -15,6 +15,7 @@
 #include "platform/system/bytestream.h"
 #include "platform/system/directory.h"
 #include "platform/system/faults.h"
+#include "platform/system/plainfile.h"
 #include "reporting/report.h"
 #include "tempdir.h"
 #include "undo/journal.h"

@@ -26,18 +26,7 @@ bool isReadable(OpenMode mode) {
 }
 
 int flagsOf(OpenMode mode) {
-    switch (mode) {
-    case OpenMode::read:
-        return O_RDONLY;
-    case OpenMode::write:
-    case OpenMode::create:
-        return O_WRONLY;
-    case OpenMode::update:
-        return O_RDWR;
-    case OpenMode::append:
-        return O_WRONLY | O_APPEND;
-    }
-    return O_RDONLY;
+    return mode == OpenMode::read ? O_RDONLY : mode == OpenMode::update ? O_RDWR : O_WRONLY;
 }
 
 // One piece of the file: its size, 0 at the end, below 0 on failure.
@@ -90,12 +79,6 @@ void putBack(int file, const std::string& old, std::size_t done, std::int64_t po
         [[maybe_unused]] const int undone = ftruncate(file, oldSize);
     }
     SetLastError(reason);
-}
-
-FileState stateFrom(const struct stat& state) {
-    return {{state.st_dev, state.st_ino},
-            state.st_size,
-            state.st_mtim.tv_sec * std::int64_t{1000000000} + state.st_mtim.tv_nsec};
 }
 
 // A call that answers 0 on success and sets errno.
@@ -154,11 +137,9 @@ bool ByteStream::open(const char* path, OpenMode mode, Links links) {
 
 bool ByteStream::openExisting(const std::string& path, Links links) {
     const int refusal = links == Links::refused ? O_NOFOLLOW : 0;
-    file_ = openPlainFile(path, flagsOf(mode_) | refusal, mode_ == OpenMode::append);
+    file_ = openPlainFile(path, flagsOf(mode_) | refusal, false);
     if (!isOpen())
         return false;
-    if (mode_ == OpenMode::append)
-        position_ = std::max<std::int64_t>(lseek(file_, 0, SEEK_END), 0);
     if (mode_ != OpenMode::write || ftruncate(file_, 0) == 0)
         return true;
     setLastErrorFromErrno(errno, path);
@@ -181,7 +162,7 @@ bool ByteStream::close() {
     good = good && closed;
     buffer_.clear();
     if (!good) {
-        ++failures;
+        countFailedWrite();
         if (!newPath_.empty() && !newName_.empty())
             unlink(newName_.c_str());
     }
@@ -274,12 +255,10 @@ std::size_t ByteStream::write(const void* bytes, std::size_t count) {
     std::size_t done = 0;
     if (count > 0 && isOpen() && mode_ != OpenMode::read && !injectedFault(DiskOperation::write)) {
         const char* from = static_cast<const char*>(bytes);
-        done = makesNew()                  ? holdBack(from, count)
-               : mode_ == OpenMode::update ? overwrite(from, count)
-                                           : append(from, count);
+        done = makesNew() ? holdBack(from, count) : overwrite(from, count);
     }
     if (done < count) {
-        ++failures;
+        countFailedWrite();
         incomplete_ = true;
     }
     return done;
@@ -330,18 +309,8 @@ std::size_t ByteStream::overwrite(const char* bytes, std::size_t count) {
     return count;
 }
 
-std::size_t ByteStream::append(const char* bytes, std::size_t count) {
-    const ssize_t size = retryInterrupted([&] { return ::write(file_, bytes, count); });
-    if (size < 0) {
-        setLastErrorFromErrno(errno, "");
-        return 0;
-    }
-    position_ += size;
-    return static_cast<std::size_t>(size);
-}
-
 bool ByteStream::seek(std::int64_t position) {
-    if (!isOpen() || mode_ == OpenMode::append || position < 0)
+    if (!isOpen() || position < 0)
         return false;
     if (injectedFault(DiskOperation::seek))
         return failRead();
@@ -375,57 +344,6 @@ int failedWrites() {
     return failures;
 }
 
-bool appendToFile(const std::string& path, std::string_view bytes) {
-    if (injectedFault(DiskOperation::open))
-        return false;
-    constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    const int file = retryInterrupted([&] { return open(path.c_str(), flags, 0666); });
-    if (file < 0) {
-        setLastErrorFromErrno(errno, path);
-        return false;
-    }
-    bool good = !injectedFault(DiskOperation::write);
-    if (good) {
-        const ssize_t size = retryInterrupted([&] { return write(file, bytes.data(), bytes.size()); });
-        good = size == static_cast<ssize_t>(bytes.size());
-        if (!good)
-            setLastErrorFromErrno(size < 0 ? errno : ENOSPC, path);
-    }
-    const bool closed = close(file) == 0 || errno == EINTR;
-    if (!closed)
-        setLastErrorFromErrno(errno, path);
-    failures += good && closed ? 0 : 1;
-    return good && closed;
-}
-
-bool removeFile(const char* path) {
-    if (injectedFault(DiskOperation::remove))
-        return false;
-    std::string resolved;
-    if (!findPath(path, resolved))
-        return false;
-    if (unlink(resolved.c_str()) == 0)
-        return true;
-    setLastErrorFromErrno(errno, resolved);
-    return false;
-}
-
-bool syncDirectoryOf(const char* path) {
-    const std::string directory = directoryOf(resolvePath(path));
-    const int file =
-        retryInterrupted([&] { return open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
-    if (file < 0) {
-        setLastErrorFromErrno(errno, directory);
-        return false;
-    }
-    // A file system that knows no such sync has nothing more to give.
-    const bool done =
-        succeeds(DiskOperation::sync, [file] { return fsync(file) == 0 || errno == EINVAL ? 0 : -1; });
-    ::close(file);
-    return done;
-}
-
-FileState stateOf(const char* path) {
-    struct stat state = {};
-    return stat(resolvePath(path).c_str(), &state) == 0 ? stateFrom(state) : FileState();
+void countFailedWrite() {
+    ++failures;
 }

@@ -3,44 +3,23 @@
 // blocks an open.
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
+
+#include "platform/system/filestate.h"
 
 enum class OpenMode {
     read,   // an existing file
     write,  // a new file, or an existing one emptied; the file and its content appear together at close
     update, // an existing file, read and written in place; each write reaches the system at once, in one
             // piece
-    append, // the end of an existing or a new file; each write reaches the system at once, in one piece
     create, // a new file, which appears at close when its whole content is on the disk and was read back;
             // an entry of that name is never replaced
 };
 
-// Which file it is, whatever its name.
-struct FileIdentity {
-    std::uint64_t device = 0;
-    std::uint64_t inode = 0; // 0: of no file
-
-    auto operator<=>(const FileIdentity& other) const = default;
-};
-
 // Whether a link at the end of a path is followed to the file that it points to, or refused.
 enum class Links { followed, refused };
-
-// A file as it stood at a moment; another state of the same file shows that it was written meanwhile.
-struct FileState {
-    FileIdentity identity;
-    std::int64_t size = 0;
-    std::int64_t modified = 0; // nanoseconds
-
-    bool operator==(const FileState& other) const = default;
-};
-
-// Of the file to which a path leads; that of no file where there is none.
-FileState stateOf(const char* path);
 
 class ByteStream {
 public:
@@ -88,7 +67,6 @@ private:
     std::size_t overwrite(const char* bytes, std::size_t count);
     bool makesNew() const { return mode_ == OpenMode::write || mode_ == OpenMode::create; }
     bool standing(std::string& bytes, std::size_t count) const;
-    std::size_t append(const char* bytes, std::size_t count);
 
     int file_ = -1;
     OpenMode mode_ = OpenMode::read;
@@ -104,15 +82,3 @@ private:
 
 // How many writes of the process have failed, a failed close or flush counted as one.
 int failedWrites();
-
-// Appends bytes to a plain file, which is made where it is missing, in one piece: an open, a write and a
-// close, and nothing else, since a log does this for each of its lines. The path is taken as it stands, and a
-// link at its end is refused. False on failure.
-bool appendToFile(const std::string& path, std::string_view bytes);
-
-// Deletes a plain file or takes away a link. False on failure; a directory is refused.
-bool removeFile(const char* path);
-
-// Puts the names that a directory has gained or lost on the disk itself, and waits for it. path is that of
-// one of them, which may have gone.
-bool syncDirectoryOf(const char* path);

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/system/bytestream.h"
+#include "platform/system/filestate.h"
 
 constexpr std::uint32_t FILE_ATTRIBUTE_READONLY = 0x01;  // no write bit is set
 constexpr std::uint32_t FILE_ATTRIBUTE_HIDDEN = 0x02;    // the name begins with a point

@@ -7,6 +7,9 @@
 
 #include "platform/system/errors.h"
 #include "platform/system/faults.h"
+#include "platform/system/filestate.h"
+
+struct stat;
 
 // The result of a system call that is made again as long as a signal interrupts it.
 template <class Call> auto retryInterrupted(Call call) {
@@ -37,3 +40,8 @@ bool isMissing(const std::string& path);
 // Opens a plain file, or a link to one, and never waits for anything; with create a missing one is made. The
 // path is taken as it stands. The descriptor, not inherited by other programs, or -1 with the last error set.
 int openPlainFile(const std::string& path, int flags, bool create);
+
+FileState stateFrom(const struct stat& state);
+
+// Counts one more failed write of the process.
+void countFailedWrite();
