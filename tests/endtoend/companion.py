@@ -44,6 +44,9 @@ class Steps(ProgramTest):
     def test_what_permissions_refuse_is_told_and_stays(self):
         self.sample("--damage", "duplicates,corrupt-files")
         program = self.run_as_nobody()
+        os.chmod(self.root + "/open_db.txf", 0o444)
+        self.check(status=8, error="Ask its owner", **program)
+        os.chmod(self.root + "/open_db.txf", 0o666)
         os.chmod(self.root + "/DBASE/DUPL2.DBS", 0o444)
         os.chmod(self.root + "/fprint", 0o555)
         before = contents(self.root)

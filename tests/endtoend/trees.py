@@ -121,7 +121,8 @@ class Trees(ProgramTest):
         for seed in range(1, 4):
             self.sample("--damage", READABLE, "--seed", str(seed), "--entries", "5", "--records", "5")
             found = self.compare("--all")
-            self.assertEqual({problem["kind"] for problem in found["problems"]}, set(range(1, 8)))
+            kinds = "".join(str(problem["kind"]) for problem in found["problems"])
+            self.assertEqual(kinds, "7777755666666666111232224")
             self.compare("--preen")
             found = self.compare("--preen", "--save")
             while found["problems"]:

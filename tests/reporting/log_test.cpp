@@ -52,6 +52,15 @@ TEST_F(Log, MarkerTellsWhyADatabaseCannotBeHad) {
               "Unable to open the database\n\n(Error code 3: The system cannot find the path specified.)");
     SetLastError(9999);
     EXPECT_EQ(lockFailureText(), "Unable to open the database\n\n(Error code 9999: )");
+    for (const auto& [number, advice] : {std::pair(5u, ". Ask its owner"),
+                                         {19u, ". A database on a medium"},
+                                         {50u, ". A database on a medium"},
+                                         {3u, ""},
+                                         {32u, ""}}) {
+        SetLastError(number);
+        const std::string text = lockAdvice("db"), lock = "\n\nThe lock is the file 'db/open_db.txf'";
+        EXPECT_EQ(text.substr(0, (lock + advice).size()), number == 32 ? "" : lock + advice);
+    }
     std::filesystem::create_directory(root / "a.xdb");
     EXPECT_EQ(hasConnectedDatabase(root.path().c_str()), 0);
 }
