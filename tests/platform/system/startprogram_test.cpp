@@ -41,7 +41,7 @@ TEST(StartProgram, LooksInTheCurrentDirectoryAndThenInThePath) {
             return chdir(here.path().c_str()) == 0 ? WinExec("program") : 0;
         });
         EXPECT_GT(started, 31);
-        for (int i = 0; i < 100 && !std::filesystem::exists(here / "ran"); ++i)
+        for (int i = 0; i < 600 && !std::filesystem::exists(here / "ran"); ++i)
             usleep(50000);
         EXPECT_EQ(readFile(here / "ran"), (place == here.path() ? "./program" : place + "/program") + " 0\n");
         std::filesystem::remove(here / "ran");
