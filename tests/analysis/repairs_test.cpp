@@ -46,6 +46,42 @@ TEST_F(Repairs, FilesBeyondTheLimitAreNotReadAndOrphansWithoutRoomStayAProblem) 
     EXPECT_EQ(database->visiblecount, 1);
 }
 
+// Between the load and the repair another program changes, takes away, replaces and diverts.
+TEST_F(Repairs, NothingIsDeletedOrWrittenThatIsNotAsItWasLookedAt) {
+    const TempDir outside;
+    std::filesystem::remove(root / "matrix");
+    std::filesystem::create_directory_symlink(outside.path(), root / "matrix");
+    for (const auto& [fileclass, name] : {std::pair(2, "A"), {3, "A"}, {3, "B"}, {4, "A"}})
+        put(fileclass, name, "corrupt");
+    const std::string content = dataFile(0, "", {"twice", "twice"});
+    for (const char* name : {"A", "B", "C", "D"})
+        put(0, name, content);
+    load();
+    writeFile(root / "seq/A.DEF", "changed");
+    std::filesystem::remove(root / "seq/B.DEF");
+    std::string results;
+    for (int row = 1; database->getproblem(row)->kind == corruptdatafile; ++row)
+        results += std::to_string(database->getproblem(row)->solve(1));
+    EXPECT_EQ(results, "1000");
+    EXPECT_FALSE(std::filesystem::exists(root / "char/A.DEF"));
+    EXPECT_EQ(readFile(root / "seq/A.DEF") + readFile(outside / "A.DEF"), "changedcorrupt");
+    database->renameduplicates(0);
+    std::string other = content;
+    other[other.size() - 60] = 'T'; // in the second key
+    put(0, "B", other);
+    std::filesystem::rename(root / "DBASE/C.DBS", outside / "C.DBS");
+    put(0, "C", content);
+    std::filesystem::rename(root / "DBASE/D.DBS", outside / "D.DBS");
+    std::filesystem::create_symlink(outside / "D.DBS", root / "DBASE/D.DBS");
+    reports.clear();
+    EXPECT_EQ(database->saveall(), 0);
+    EXPECT_EQ(reports.size(), 3u);
+    EXPECT_NE(readFile(root / "DBASE/A.DBS"), content);
+    for (const std::string& path : {root / "DBASE/C.DBS", outside / "D.DBS"})
+        EXPECT_EQ(readFile(path), content);
+    EXPECT_EQ(readFile(root / "DBASE/B.DBS").substr(other.size() - 69), other.substr(other.size() - 69));
+}
+
 TEST_F(Repairs, ChangeKeyRefusesAsksOrMoves) {
     load();
     newFile({"a", "b", "c"});

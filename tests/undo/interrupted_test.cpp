@@ -98,8 +98,15 @@ TEST_F(Interrupted, RunsAreFinishedAndTakenBack) {
         });
         if (isInterrupted(root.path())) {
             tear(group);
-            const FinishedWork work = finishInterrupted(root.path());
-            EXPECT_TRUE(work.complete && !work.texts.empty());
+            opsLeft = static_cast<int>(pick(60)) + 1;
+            diskFaultHook = failAtOperation;
+            const bool done = finishInterrupted(root.path()).complete;
+            diskFaultHook = nullptr;
+            EXPECT_TRUE(!done || opsLeft <= 0 || !isInterrupted(root.path()));
+            if (isInterrupted(root.path())) {
+                const FinishedWork work = finishInterrupted(root.path());
+                EXPECT_TRUE(work.complete && !work.texts.empty());
+            }
             ++finished;
         }
         EXPECT_FALSE(isInterrupted(root.path()));

@@ -89,6 +89,37 @@ TEST_F(Restores, RefusesAFileDamagedAnywhere) {
     EXPECT_TRUE(bringBack(keeper.path()).complete());
 }
 
+// A byte is another one and the checksum right: what is taken for sound leads nowhere else and fits.
+TEST_F(Restores, ReadsNothingThatMakesNoSense) {
+    std::vector<Change> group = {{Change::deletion, "DBASE/F0.DBS", 0, 0, "", "", ""},
+                                 {Change::deletion, "seq/deep/again.CNF", 0, 0, "", "", ""},
+                                 {Change::deletion, "seq/link.DEF", 0, 0, "", "", ""}};
+    addKeys(group, "DBASE/F5.DBS");
+    UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse);
+    ASSERT_TRUE(change(keeper, group));
+    const std::string whole = readFile(keeper.path());
+    int refused = 0;
+    for (std::size_t i = UndoHeader::size; i < whole.size(); ++i)
+        for (const char byte : {'\0', '\1', '.', '/', '\x7F', '\xFF'}) {
+            UndoFile file;
+            file.bytes = whole;
+            file.bytes[i] = byte;
+            ASSERT_TRUE(file.header.decode(whole));
+            file.header.checksum = checksumOf(std::string_view(file.bytes).substr(UndoHeader::size));
+            file.bytes.replace(0, UndoHeader::size, file.header.encode());
+            const bool sound = parseUndoFile(file).empty();
+            refused += sound ? 0 : 1;
+            for (std::size_t n = 0; sound && n < file.items.size(); ++n) {
+                const UndoItem& item = file.items[n];
+                EXPECT_EQ(fs::path("/x/" + item.file).lexically_normal(), "/x/" + item.file) << i;
+                EXPECT_TRUE(item.state.size >= 0 && item.state.read.nanoseconds < 1000000000U) << i;
+                for (const FieldChange& field : item.fields)
+                    EXPECT_TRUE(field.offset >= 0 && field.before.length <= 69 && field.after.length <= 69);
+            }
+        }
+    EXPECT_GT(refused, 1000);
+}
+
 // Only the user can read them; the last ten of a database stay, others go with 30 days, and nothing stands in
 // the way.
 TEST_F(Restores, KeepsUndoFilesPrivateAndForATime) {
