@@ -19,9 +19,30 @@ constexpr std::string_view suffixmark = "/#";
 // tried again, so that many duplicates of one key cost no more than they are.
 class FreeKeys {
 public:
-    FreeKeys(const TSXkeytree& keytree, int keytype) : tree(keytree), type(keytype) {}
+    FreeKeys(TSXkeytree& keytree, int keytype) : tree(keytree), type(keytype) {}
 
+    // The key for one more record; the index is left as it is.
     std::string next(std::string_view key) {
+        return firstfree(key, [this](const std::string& candidate) {
+            const TSXkeyentry* entry = tree.find(candidate);
+            return entry == nullptr || entry->occurrences(type) == 0;
+        });
+    }
+
+    // Gives a record the next key, in its file and in the index. That is one way down the tree for each key
+    // that is tried, the last of which makes the entry.
+    void rename(TSXdatafile& file, int record, std::string_view key) {
+        TSXkeyentry* entry = nullptr;
+        const std::string free = firstfree(key, [&](const std::string& candidate) {
+            entry = &tree.findoradd(candidate);
+            return entry->occurrences(type) == 0;
+        });
+        file.setkey(record, free.c_str());
+        entry->addoccurrence(type, file, record);
+    }
+
+private:
+    template <class Test> std::string firstfree(std::string_view key, Test isfree) {
         int first = 2;
         for (int digits = 1;; ++digits) {
             const int end = first < 10 ? 10 : first * 10;
@@ -29,26 +50,24 @@ public:
                 key.substr(0, maxcandidatelength - suffixmark.size() - static_cast<std::size_t>(digits)));
             stem += suffixmark;
             int& number = numbers.try_emplace({digits, stem}, first).first->second;
-            for (; number < end; ++number) {
-                std::string candidate = stem + std::to_string(number);
-                const TSXkeyentry* entry = tree.find(candidate);
-                if (entry == nullptr || entry->occurrences(type) == 0)
+            while (number < end) {
+                std::string candidate = stem + std::to_string(number++); // taken, or taken by this record
+                if (isfree(candidate))
                     return candidate;
             }
             first = end;
         }
     }
 
-private:
     struct IgnoringCase {
         bool operator()(const std::pair<int, std::string>& a, const std::pair<int, std::string>& b) const {
             return a.first != b.first ? a.first < b.first : compareIgnoringCase(a.second, b.second) < 0;
         }
     };
 
-    const TSXkeytree& tree;
+    TSXkeytree& tree;
     int type;
-    // By the number's digits and the text in front of it, the lowest number that was not yet seen taken.
+    // By the number's digits and the text in front of it, the lowest number that was not yet tried.
     std::map<std::pair<int, std::string>, int, IgnoringCase> numbers;
 };
 
@@ -57,11 +76,6 @@ bool isread(const TSXkeyentry& entry) {
     const auto records = entry.records();
     return std::any_of(records.begin(), records.end(),
                        [](const Occurrence& use) { return !use.file->isunread(use.record); });
-}
-
-void renamerecord(TSXdatabase& database, TSXdatafile& file, int record, int type, const std::string& key) {
-    file.setkey(record, key.c_str());
-    database.keytree.findoradd(key).addoccurrence(type, file, record);
 }
 
 // Whether a new key is too long, which has been reported then.
@@ -121,7 +135,7 @@ void TSXdatabase::renameduplicates(int type) {
     FreeKeys freekeys(keytree, type);
     foreachduplicate(type, [&](const TSXkeyentry& entry, int n) {
         const Occurrence later = entry.occurrence(type, n);
-        renamerecord(*this, *later.file, later.record, type, freekeys.next(entry.key));
+        freekeys.rename(*later.file, later.record, entry.key);
     });
 }
 
@@ -132,7 +146,7 @@ void TSXdatabase::createkeys() {
         TSXdatafile& file = *list.files[i];
         for (std::int32_t r = 1; r <= file.keycount; ++r)
             if (file.keys[static_cast<std::size_t>(r)].empty() && !file.isunread(r))
-                renamerecord(*this, file, r, 0, freekeys.next("dbkey"));
+                freekeys.rename(file, r, "dbkey");
     }
 }
 
