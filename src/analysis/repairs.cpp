@@ -78,26 +78,26 @@ bool isread(const TSXkeyentry& entry) {
                        [](const Occurrence& use) { return !use.file->isunread(use.record); });
 }
 
-// Whether a new key is too long, which has been reported then.
-bool istoolong(std::string_view key) {
-    if (key.size() <= maxkeylength)
-        return false;
-    report(Text<100>().format("The new key is too long: a key has at most %d bytes. Nothing was changed",
-                              maxkeylength),
-           "Error", MB_OK | MB_ICONEXCLAMATION);
-    return true;
+// Reports why a key is not changed. The result of an operation that was refused.
+int refuse(const std::string& why) {
+    report((why + ". Nothing was changed").c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
+    return -1;
+}
+
+int refusetoolong() {
+    return refuse("The new key is too long: a key has at most " + std::to_string(maxkeylength) + " bytes");
 }
 
 // Why the records of a key can't all get another one; empty where they can.
 std::string obstacletorenaming(const TSXdatabase& database, const TSXkeyentry& entry, const char* text) {
     const TSXkeyentry* target = database.keytree.find(text);
     if (target != nullptr && !target->records().empty())
-        return std::string("The key '") + text + "' is in use already. Nothing was changed";
+        return std::string("The key '") + text + "' is in use already";
     const auto unread = [](const Occurrence& used) { return used.file->isunread(used.record); };
     if (database.picturecomplete() && std::none_of(entry.records().begin(), entry.records().end(), unread))
         return {};
     return "A key can't be renamed while records that may use it are unread. Make them readable, or restore "
-           "them, and start again. Nothing was changed";
+           "them, and start again";
 }
 
 } // namespace
@@ -179,11 +179,14 @@ void TSXdatabase::adddatabaseentries() {
 int TSXdatabase::changekey(TSXkeyentry& entry, int type, int n, const char* text) {
     if (equalIgnoringCase(text, entry.key))
         return 0;
-    if (istoolong(text))
-        return -1;
+    if (std::string_view(text).size() > maxkeylength)
+        return refusetoolong();
     const Occurrence moved = entry.occurrence(type, n);
     if (moved.file == nullptr)
         return -1;
+    if (moved.file->isunread(moved.record))
+        return refuse("Record " + std::to_string(moved.record) + " of '" + diskname(moved.file->path.view()) +
+                      "' could not be read. Make it readable, or restore it, and start again");
     TSXkeyentry& target = findoraddkey(text);
     if (target.occurrences(type) > 0 && report(type == 0 ? "This database entry exists already. Continue?"
                                                          : "This experiment exists already. Continue?",
@@ -198,12 +201,10 @@ int TSXdatabase::changekey(TSXkeyentry& entry, int type, int n, const char* text
 int TSXdatabase::renamekey(const TSXkeyentry& entry, const char* text) {
     if (equalIgnoringCase(text, entry.key))
         return 0;
-    if (istoolong(text))
-        return -1;
-    if (const std::string obstacle = obstacletorenaming(*this, entry, text); !obstacle.empty()) {
-        report(obstacle.c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
-        return -1;
-    }
+    if (std::string_view(text).size() > maxkeylength)
+        return refusetoolong();
+    if (const std::string obstacle = obstacletorenaming(*this, entry, text); !obstacle.empty())
+        return refuse(obstacle);
     for (const Occurrence& used : entry.records())
         used.file->setkey(used.record, text);
     return 1;

@@ -1,6 +1,5 @@
 // The whole model of one database: file lists, experiment types, key index, key arrays and problem list. Its
-// operations are in database.cpp and sidefiles.cpp beside it, and in the sources of
-// analysis.
+// operations are in database.cpp and sidefiles.cpp beside it, and in the sources of analysis.
 #pragma once
 
 #include <cstdint>
@@ -34,8 +33,8 @@ public:
 
     // Reads the tree and analyses it. Runs once.
     void load(const char* directorytext);
-    void
-    readlists(const char* directorytext); // the first half of that: makes the lists, which read the files
+    // The first half of that: makes the lists, which read the files.
+    void readlists(const char* directorytext);
     // The index of the type of that name, ignoring case, in that class, made if missing. With 200 types
     // there, the last.
     int addexptype(int fileclass, const char* name);
@@ -91,8 +90,8 @@ public:
     int deletefile(const char* fullpath);
     void uniquekey(std::string& text, int type); // replaces the text by a key that the type does not use yet
     // Moves occurrence n of the entry in a type to another key; asks where that is in use there. 1 moved; 0
-    // nothing to do, the text is the entry's key; -1 refused, by the person, for its length or because there
-    // is no such occurrence.
+    // nothing to do, the text is the entry's key; -1 refused, by the person, for its length, because the
+    // record could not be read or because there is no such occurrence.
     int changekey(TSXkeyentry& entry, int type, int n, const char* text);
     // Gives all records that use the entry another key. 1 done; 0 nothing to do, the text is the entry's key;
     // -1 refused, since the text is in use or too long, or records that may use the key are unread.
@@ -125,8 +124,8 @@ public:
     bool planning = false;          // true: nothing is written, deleted or made
     ChangeKeeper* keeper = nullptr; // asked before each group of changes, where set
 
-    std::function<void(const TSXdatafile&)>
-        fileread; // called, where set, behind each data file that load has read
+    // Called, where set, behind each data file that load has read.
+    std::function<void(const TSXdatafile&)> fileread;
 
 private:
     bool looking = false; // at what each analysis looks at anew, so that what is unread of it doesn't last

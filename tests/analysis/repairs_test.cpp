@@ -123,4 +123,7 @@ TEST_F(Repairs, ChangeKeyRefusesAsksOrMoves) {
     EXPECT_EQ(b.occurrence(1, 2).record, 1);
     EXPECT_EQ(database->changekey(b, 1, 2, "new"), 1);
     EXPECT_EQ(b.occurrence(1, 1).record, 3);
+    experiments.keyreading[3] = Reading::ended;
+    EXPECT_EQ(database->changekey(b, 1, 1, "d"), -1) << "a record that could not be read";
+    EXPECT_EQ(b.occurrences(1), 1);
 }
