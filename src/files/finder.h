@@ -26,9 +26,11 @@ public:
     FileIdentity entryidentity;     // none where the disk did not tell
     std::uint32_t entryfailure = 0; // the error number where it did not tell what the match is; else 0
     FindHandle handle = nullptr;
-    std::uint32_t failure = 0;           // of the directory: the error number; 0 also where there is none
-    bool missing = false;                // there is no such directory
-    std::vector<std::string> passedover; // names that would be read twice: another file is read under each
+    std::uint32_t failure = 0; // of the directory: the error number; 0 also where there is none
+    bool missing = false;      // there is no such directory
+    // Names that match and under which the entry can't be opened: another one is, or the name holds a
+    // backslash.
+    std::vector<std::string> passedover;
 
 private:
     void take(const WIN32_FIND_DATAA& match, bool isdirectory);

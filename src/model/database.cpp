@@ -85,8 +85,15 @@ void TSXdatabase::notesearch(const TSXfinder& search, const char* relative, Unre
     const std::string path = std::string(directory) + "/" + relative;
     if (search.failure != 0)
         addunreadpath(path, errorText(search.failure), weight);
-    for (const std::string& name : search.passedover)
-        addunreadpath(path + "/" + name, "Another file is read under this name.", Unread::told);
+    const std::string folder = diskname(path);
+    for (const std::string& name : search.passedover) {
+        const std::string place = folder == "." ? name : folder + "/" + name;
+        if (name.find('\\') == std::string::npos)
+            addunread({place, "Another file is read under this name.", Unread::told, 0, !looking});
+        else
+            addunread({place, "Its name holds a backslash, so it can't be opened: give it another name.",
+                       weight, 0, !looking});
+    }
 }
 
 void TSXdatabase::forgetrecords(const std::string& name) {

@@ -28,6 +28,7 @@ TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass) : database(owner), f
     Text<700> pattern;
     pattern.format("%s/%s/*.%s", database.directory.c_str(), format.directory, format.extension);
     logLine(Text<800>().format("*** Scanning %s files at %s ***", format.scanlabel, pattern.c_str()));
+    notetwins(format.directory);
     TSXfinder finder;
     int match = finder.findfirst(pattern);
     missing = finder.missing;
@@ -38,11 +39,27 @@ TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass) : database(owner), f
     finder.findclose();
 }
 
+// Of directories whose names differ in case alone one is read; what lies in another is not known.
+void TSXfilelist::notetwins(const std::string& directory) {
+    const std::string path = database.directory.c_str() + ("/" + directory);
+    const std::string read = database.diskname(path);
+    TSXfinder finder;
+    int match = finder.findfirst((path + "*").c_str());
+    database.notesearch(finder, ".", Unread::whole);
+    for (; match != 0; match = finder.findnext())
+        if (finder.entrykind == TSXfinder::directory && finder.entryname.view() != read &&
+            equalIgnoringCase(finder.entryname.view(), directory))
+            database.addunread({finder.entryname.c_str(),
+                                "'" + read + "' is read in its place: bring the files of both together.",
+                                Unread::whole});
+    finder.findclose();
+}
+
 void TSXfilelist::takematch(const TSXfinder& match, int fileclass) {
     const FileClass& format = fileclasses[fileclass];
     Text<1000> path;
     path.format("%s/%s/%s", database.directory.c_str(), format.directory, match.entryname.c_str());
-    if (islisted(match, path))
+    if (issecondname(match, path))
         return;
     if (count >= maxfiles) {
         database.addunreadpath(path.view(), "There are more than 3000 files of its class.", Unread::whole);
@@ -58,7 +75,7 @@ void TSXfilelist::takematch(const TSXfinder& match, int fileclass) {
 }
 
 // A second name of a file would double its keys, and repairs of the one name would undo those of the other.
-bool TSXfilelist::islisted(const TSXfinder& match, const char* fullpath) {
+bool TSXfilelist::issecondname(const TSXfinder& match, const char* fullpath) {
     if (match.entryidentity == FileIdentity())
         return false;
     const auto [known, first] = listed.try_emplace(match.entryidentity, fullpath);

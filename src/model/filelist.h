@@ -37,17 +37,18 @@ public:
 
     bool missing = false; // the class's directory was not there when it was scanned
 
-private:
-    void takematch(const TSXfinder& match, int fileclass);
-    bool islisted(const TSXfinder& match, const char* fullpath);
-
-    std::map<FileIdentity, std::string> listed; // the path under which each file is read
-
 protected:
     void addfile(std::unique_ptr<TSXdatafile> file);
 
     std::unordered_set<std::string> names; // of the files, in small letters
     int lowestnumber = 1;                  // files of all numbers below are in the list
+
+private:
+    void notetwins(const std::string& directory);
+    void takematch(const TSXfinder& match, int fileclass);
+    bool issecondname(const TSXfinder& match, const char* fullpath);
+
+    std::map<FileIdentity, std::string> listed; // the path under which each file is read
 };
 
 class TSXdbslist : public TSXfilelist {

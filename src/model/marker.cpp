@@ -24,7 +24,7 @@ bool hasPlainFile(const std::string& pattern) {
     for (int match = finder.findfirst(pattern.c_str()); match != 0; match = finder.findnext())
         found = found || finder.entrykind == TSXfinder::file;
     finder.findclose();
-    return found;
+    return found || !finder.passedover.empty();
 }
 
 // A directory that can't be looked into counts: it is no reason to think that nothing is there.

@@ -261,6 +261,10 @@ class Database:
         for fileclass, row in enumerate(CLASSES):
             pattern = b"%s/%s/*.%s" % (self.shown, row[0].encode(), row[1].encode())
             self.log.append(b"*** Scanning %s files at %s ***" % (row[7].encode(), pattern))
+            for name in sorted(os.listdir(root), key=order):
+                read = self.name_of(self.shown + b"/" + row[0].encode())
+                if name.lower() == row[0].lower() and os.fsencode(name) != read and os.path.isdir(os.path.join(root, name)):
+                    self.unreadable(os.fsencode(name), "whole")
             self.files.append([DataFile(self, fileclass, name[:-4]) for name in self.once(row[0], self.search(row[0], row[1]))])
         self.analyse()
 
@@ -314,7 +318,11 @@ class Database:
         for name in sorted(os.listdir(directory), key=order) if os.path.isdir(directory) else []:
             path = os.path.join(directory, name)
             if name.lower().endswith(end.lower()):
-                if find(directory, name[:-len(end)] + end) == path:
+                if "\\" in name:
+                    folder = self.name_of(self.shown + b"/" + below.encode())
+                    weight = "whole" if extension in ("DBS", "DEF") else "part"
+                    self.unreadable(os.path.normpath(folder + b"/" + os.fsencode(name)), weight)
+                elif find(directory, name[:-len(end)] + end) == path:
                     plain = not os.path.isdir(path)
                     found.append((name, plain or (not found and name[0] == ".")))
                 else:
@@ -470,8 +478,10 @@ class Database:
             return self.make_directory(problem.name)
         elif command == 7008:
             file = self.files[problem.sub][problem.index - 1]
+            name = self.name_of(file.path)
             if not file.unread and self.remove(file.path):
                 self.files[problem.sub].remove(file)
+                self.unread = [row for row in self.unread if row[:2] != (name, "record")]
                 return True
             return False
         elif command == 7009:
@@ -509,9 +519,9 @@ class Database:
         old = self.entries[key.lower()]
         if new.lower() == key.lower():
             return None
-        if self.count(new, kind) and not yes:
-            return False
         file, record = old[1][kind][n - 1]
+        if record.unread or (self.count(new, kind) and not yes):
+            return False
         file.rename(record, new)
         return True
 

@@ -29,10 +29,11 @@ class Tree:
         self.pick = self.chance.choice
         for name in ["DBASE", "fprint", "images", "char", "seq", "matrix", "gel2d", "Library", "bundles", "Library/A.LIB"]:
             if self.rarely(12):
-                name = self.pick([name.lower(), name.upper(), "away", name])
+                name = self.pick([name.lower(), name.upper(), "away", name, name + "/../" + name.title()])
             os.makedirs(os.path.join(root, name), exist_ok=True)
         for fileclass, row in enumerate(oracle.CLASSES):
-            for name in self.chance.sample(["A", "b", "B", "_", "dbsf001", ".c"], self.pick([0, 1, 1, 2, 3])):
+            names = ["A", "b", "B", "_", "dbsf001", "\\c" if self.rarely(9) else ".c"]
+            for name in self.chance.sample(names, self.pick([0, 1, 1, 2, 3])):
                 self.put(row[0], name, row[1], self.data_file(fileclass))
             if row[6] and self.rarely(3):
                 self.put(row[0], "S", "CNF", self.side_file(oracle.counted(row[6])))
@@ -139,11 +140,12 @@ class Trees(ProgramTest):
             options = ["--save"] * chance.choice([0, 1, 1])
             rows = ["%d:%d" % (row, n) for row, problem in enumerate(found["problems"], 1)
                     for n, _ in enumerate(problem["solutions"], 1)]
+            keys = [key for key in found["keys"] if key["key"][:1] != "-"]  # which the oracle would take for an option
             kind = chance.randrange(6)
             if kind == 0:
                 options.append("--preen")
-            elif kind == 1 and found["keys"]:
-                options += self.change_key(chance, found["keys"])
+            elif kind == 1 and keys:
+                options += self.change_key(chance, keys)
             elif rows:
                 what = chance.choice(rows)
                 row, n = map(int, what.split(":"))

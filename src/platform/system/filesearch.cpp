@@ -24,14 +24,12 @@ bool matchesPattern(std::string_view name, std::string_view prefix, std::string_
            equalIgnoringCase(name.substr(name.size() - suffix.size()), suffix);
 }
 
-// Whether a look-up of the name, with the pattern's suffix in place of its own, opens another entry.
-bool opensAnother(const FileSearch& search, const std::vector<std::string>& names, const std::string& name,
-                  std::string_view suffix) {
+// Whether a look-up of the name, with the pattern's suffix in place of its own, opens this entry.
+bool opensItself(const std::vector<std::string>& names, const std::string& name, std::string_view suffix) {
     std::string asked = name;
     asked.replace(name.size() - suffix.size(), suffix.size(), suffix);
-    if (asked.find('\\') != std::string::npos)
-        return pathExists(search.directory + asked); // a separator in a path: never this entry
-    return asked != name && *findName(names, asked) != name;
+    const bool separated = asked.find('\\') != std::string::npos; // and so leads elsewhere
+    return !separated && (asked == name || *findName(names, asked) == name);
 }
 
 void describe(const std::string& path, WIN32_FIND_DATAA& data) {
@@ -72,7 +70,7 @@ FindHandle FindFirstFileA(const char* pattern, WIN32_FIND_DATAA& data, std::vect
     const bool readable = readNames(search->directory, names);
     for (const std::string& name : names)
         if (matchesPattern(name, prefix, suffix))
-            (opensAnother(*search, names, name, suffix) ? passedOver : search->matches).push_back(name);
+            (opensItself(names, name, suffix) ? search->matches : passedOver).push_back(name);
     if (FindNextFileA(search.get(), data) != 0)
         return search.release();
     if (readable)

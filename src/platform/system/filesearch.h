@@ -27,7 +27,7 @@ using FindHandle = FileSearch*;
 // Starts a search. The first match stands in data. No handle when nothing matches (GetLastError gives 2),
 // there is no such directory (3) or it can't be read (it tells why). passedOver gets the names that match and
 // are not reported: a look-up of such a name with the pattern's extension in place of its own would open
-// another entry, which then would be read twice.
+// another entry, which then would be read twice, or, where it holds a backslash, lead elsewhere.
 FindHandle FindFirstFileA(const char* pattern, WIN32_FIND_DATAA& data, std::vector<std::string>& passedOver);
 
 // The next match. 0 when there is none.

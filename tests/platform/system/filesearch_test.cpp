@@ -42,8 +42,8 @@ TEST_F(FileSearchTest, PassesOverWhatALookUpWouldNotOpen) {
           "X.dbs", "x.dbs",                // of x.DBS the first of the two is opened
           "Y.DBS", "y.DBS",                // both are opened as they stand
           "z.dbs", "sub/file.DBS", "sub\\file.dbs", "sub\\other.DBS"});
-    EXPECT_EQ(search("*.DBS"), (Names{"abc.DBS", "sub\\other.DBS", "X.dbs", "Y.DBS", "y.DBS", "z.dbs"}));
-    EXPECT_EQ(passedOver, (Names{"abc.Dbs", "abc.dbs", "sub\\file.dbs", "x.dbs"}));
+    EXPECT_EQ(search("*.DBS"), (Names{"abc.DBS", "X.dbs", "Y.DBS", "y.DBS", "z.dbs"}));
+    EXPECT_EQ(passedOver, (Names{"abc.Dbs", "abc.dbs", "sub\\file.dbs", "sub\\other.DBS", "x.dbs"}));
 }
 
 TEST_F(FileSearchTest, TellsAttributes) {
