@@ -34,10 +34,10 @@ public:
     int openread(const char* path);   // an existing file
     int openwrite(const char* path);  // a new file, or an existing one emptied
     int openupdate(const char* path); // an existing file, to be changed in place
-    int
-    opennew(const char* path); // a new file, which appears at close, on the disk as a whole; replaces nothing
-    int close();               // 0 when not all that was written is in the file; GetLastError tells why
-    int sync();                // puts what was written in place on the disk itself
+    // A new file, which appears at close, on the disk as a whole, and replaces nothing.
+    int opennew(const char* path);
+    int close(); // 0 when not all that was written is in the file; GetLastError tells why
+    int sync();  // puts what was written in place on the disk itself
     FileState state() { return stream.state(); }
 
     // All count bytes or failure; 0 bytes is a failure. Bytes of a short read stay in the buffer.
@@ -61,10 +61,10 @@ public:
     int skipchunk();
 
     int readint(std::int32_t& number); // not touched on failure
-    // Text of at most capacity - 1 bytes, up to its first NUL; "???" on failure.
-    int readstring(std::string& text,
-                   int capacity); // a counted string; what exceeds the capacity is left unread
-    int readfield(std::string& text, int capacity); // a field string
+    // Text of at most capacity - 1 bytes, up to its first NUL; "???" on failure. A counted string, of which
+    // what exceeds the capacity is left unread; and a field string.
+    int readstring(std::string& text, int capacity);
+    int readfield(std::string& text, int capacity);
 
     int writetag(const char* tag); // opens a chunk; always 1
     int endtag();                  // closes it; always 1

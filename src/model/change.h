@@ -15,8 +15,8 @@ struct Change {
     std::int64_t offset = 0; // of the key field
     std::string oldkey;      // as it was loaded
     std::string newkey;      // as it is to be
-    std::string
-        fieldbefore; // the bytes of the field as they stand on the disk; fewer where the file ends in it
+    // The bytes of the field as they stand on the disk; fewer where the file ends in it.
+    std::string fieldbefore;
 };
 
 Change filechange(Change::Kind kind, std::string file); // a deletion or a making

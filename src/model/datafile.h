@@ -25,9 +25,9 @@ constexpr int maxkeylength = keycapacity - 1;
 // What became of reading a text.
 enum class Reading : std::uint8_t {
     good,
-    ended,
-    senseless
-}; // the file ends in it; its length makes no sense
+    ended,     // the file ends in it
+    senseless, // its length makes no sense
+};
 
 // Why the last write failed, and what to do.
 std::string unwritten();
@@ -55,8 +55,8 @@ public:
     // Whether record i could not be read, because the disk failed or its lengths lead nowhere. Such a record
     // keeps its place in the tables with "???"; it is neither changed nor written.
     bool isunread(int i) const;
-    void
-    noteunread(std::uint32_t number); // puts the whole file on the list of what is unread, with that error
+    // Puts the whole file on the list of what is unread, with that error number.
+    void noteunread(std::uint32_t number);
     int removefile(); // deletes the file: 0 on success, -1 on failure; the object stays as it was
     // Writes a file that is not on disk yet; only for classes that can be made anew. Nothing, or why it could
     // not be done. endmaking follows, behind a sync of the directory.

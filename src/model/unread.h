@@ -13,8 +13,8 @@ struct Unread {
         whole, // a data file, a directory of data files, a type: without it no other key can be judged
     };
 
-    std::string
-        name; // relative to the database's directory, spelled as on the disk; a type behind its folder
+    // Relative to the database's directory, spelled as on the disk; a type behind its folder.
+    std::string name;
     std::string reason; // a sentence in English without line end
     Weight weight = part;
     std::int32_t record = 0; // of a record in a data file, from 1; else 0
