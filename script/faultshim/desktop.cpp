@@ -1,9 +1,12 @@
-// The desktop tool from its start to its end, without a screen and with a person in it who saves what the
-// first solution that renames duplicates has changed. Prints what stands in its model at the end; what was
-// shown goes to standard error. Status 8 when something was shown or could not be read, else 4 when problems
-// or changes are left, else 1.
+// The desktop tool from its start to its end, without a screen and with a person in it who does what the
+// words of the command line say: "KIND:N" is solution N of the first problem of that kind, "save" saves.
+// Prints what stands in its model at the end; what was shown goes to standard error. Status 8 when something
+// was shown or could not be read, else 4 when problems or changes are left, else 1.
 #include <QApplication>
 #include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
 
 #include "app/application.h"
 #include "model/database.h"
@@ -25,14 +28,22 @@ int show(const char* text, const char* title, std::uint32_t flags) {
     return (flags & MB_TYPEMASK) == MB_OK ? IDOK : IDNO;
 }
 
-void work(TSXmainframe& frame) {
+void solve(TSXmainframe& frame, const std::string& kind, int number) {
     for (int row = 1; row <= database->problemcount; ++row)
-        if (database->getproblem(row)->kind == duplicatekeys) {
+        if (database->getproblem(row)->id().rfind(kind + ":", 0) == 0) {
             frame.selectedProblem = row;
-            frame.frameCommand(renameduplicatescommand);
+            frame.frameCommand(
+                static_cast<std::uint32_t>(database->getproblem(row)->solutioncommand(number)));
             break;
         }
-    frame.frameCommand(saveCommand);
+}
+
+void work(TSXmainframe& frame, const std::string& word) {
+    const std::size_t colon = word.find(':');
+    if (word == "save")
+        frame.frameCommand(saveCommand);
+    else if (colon != std::string::npos)
+        solve(frame, word.substr(0, colon), std::atoi(word.c_str() + colon + 1));
     QApplication::processEvents();
 }
 
@@ -52,6 +63,7 @@ int summary() {
 
 int main(int argc, char** argv) {
     openStandardStreams();
+    const std::vector<std::string> words(argv + 1, argv + argc);
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication windowSystem(argc, argv);
     answers.messageBox = show;
@@ -60,7 +72,8 @@ int main(int argc, char** argv) {
         TSXapp application;
         application.InitInstance();
         QApplication::processEvents();
-        work(*mainFrame);
+        for (const std::string& word : words)
+            work(*mainFrame, word);
         status = summary();
         mainFrame->DestroyWindow();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -51,7 +51,8 @@ private:
             tell(under(item.file) + " was to be deleted, and is still there");
         else if (item.kind == UndoItem::making && state.kind == EntryState::missing)
             tell(under(item.file) + " was to be made, and is not there");
-        else if (item.kind != UndoItem::times && !syncDirectoryOf(under(item.file).c_str()) &&
+        else if (item.kind != UndoItem::times && item.kind != UndoItem::beside &&
+                 !syncDirectoryOf(under(item.file).c_str()) &&
                  GetLastError() != ERROR_FILE_NOT_FOUND) // its directory has gone too
             fail(under(item.file) + " can't be put on the disk (" + errorText(GetLastError()) + ")");
     }

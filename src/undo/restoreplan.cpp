@@ -16,8 +16,9 @@ namespace {
 class FileWalk {
 public:
     FileWalk(const std::string& databaseDirectory, const std::string& name,
-             const std::set<std::string>& removed)
-        : root_(databaseDirectory), path_(databaseDirectory + "/" + name), removed_(removed) {
+             const std::set<std::string>& removed, const std::set<std::string>& beside)
+        : root_(databaseDirectory), path_(databaseDirectory + "/" + name), removed_(removed),
+          beside_(beside) {
         plan.name = name;
         if (!readEntry(path_, OfLink::itself, disk_))
             leave("it can't be read (" + errorText(GetLastError()) + ")");
@@ -134,11 +135,16 @@ private:
             plan.recreate = nullptr;
         } else if (disk_.kind != EntryState::missing && !plan.remove) {
             leave("another one stands there now");
-        } else if (disk_.kind == EntryState::missing && pathExists(path_)) {
+        } else if (disk_.kind == EntryState::missing && pathExists(path_) && !isOldTwin(resolvePath(path_))) {
             leave("one whose name differs only in case stands there now");
         }
         plan.content = content_;
         plan.checksum = checksumOf(content_);
+    }
+
+    // A name that differs only in case, and stood there before the deletion.
+    bool isOldTwin(const std::string& path) const {
+        return beside_.count(path.substr(std::min(root_.size() + 1, path.size()))) != 0;
     }
 
     bool isThere(const UndoItem& item) {
@@ -167,6 +173,7 @@ private:
     std::string root_;
     std::string path_;
     const std::set<std::string>& removed_;
+    const std::set<std::string>& beside_;
     EntryState disk_;
     Now now_ = Now::onDisk;
     bool known_ = false; // the content of the file on the disk
@@ -188,7 +195,9 @@ RestorePlan::RestorePlan(const UndoFile& undo, const std::string& databaseDirect
     std::map<std::string, Items> items;
     std::vector<std::string> order, second; // second names come last, when their files are known
     for (auto item = undo.items.rbegin(); item != undo.items.rend(); ++item) {
-        if (item->kind == UndoItem::times)
+        if (item->kind == UndoItem::beside)
+            beside_.insert(item->file);
+        if (item->kind == UndoItem::times || item->kind == UndoItem::beside)
             continue;
         Items& own = items[item->file];
         if (own.empty())
@@ -205,7 +214,7 @@ RestorePlan::RestorePlan(const UndoFile& undo, const std::string& databaseDirect
 }
 
 void RestorePlan::planFile(const std::string& name, const Items& items) {
-    FileWalk walk(root_, name, removed_);
+    FileWalk walk(root_, name, removed_, beside_);
     for (const UndoItem* item : items)
         walk.undo(*item);
     if (walk.plan.recreate != nullptr && items.size() == 1 &&

@@ -103,7 +103,7 @@ bool Restoring::recreate(const FileRestore& file) {
     } else {
         const PrivateFiles guard;
         ByteStream stream;
-        made = stream.open(path.c_str(), OpenMode::create) &&
+        made = stream.open(path.c_str(), OpenMode::recreate) &&
                (file.content.empty() || stream.write(file.content.data(), file.content.size()) > 0) &&
                stream.close();
     }

@@ -105,6 +105,7 @@ UndoItem readItem(Decoder& from) {
         break;
     case UndoItem::making:
     case UndoItem::times:
+    case UndoItem::beside:
         break;
     default:
         from.good = false;

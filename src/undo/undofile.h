@@ -35,7 +35,7 @@ struct FieldChange {
 };
 
 struct UndoItem {
-    enum Kind : std::uint8_t { keys = 1, deletion = 2, making = 3, made = 4, times = 5 };
+    enum Kind : std::uint8_t { keys = 1, deletion = 2, making = 3, made = 4, times = 5, beside = 6 };
 
     Kind kind = keys;
     std::uint64_t end = 0;           // offset behind it in the file

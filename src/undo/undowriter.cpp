@@ -5,6 +5,7 @@
 
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
+#include "platform/system/letters.h"
 #include "platform/system/path.h"
 #include "platform/system/plainfile.h"
 #include "platform/system/text.h"
@@ -123,6 +124,20 @@ bool UndoWriter::findOtherName(const std::string& directory, const std::string& 
     return true;
 }
 
+// A name that differs only in case and stands there already is no obstacle when the deletion is taken back.
+void UndoWriter::addTwins(const std::string& name) {
+    const std::size_t slash = name.rfind('/');
+    const std::string parent = slash == std::string::npos ? "" : name.substr(0, slash);
+    const auto [listing, isNew] = listings_.try_emplace(parent);
+    if (isNew)
+        listing->second = directoryEntries(under(parent));
+    for (const std::string& entry : listing->second) {
+        const std::string path = parent.empty() ? entry : parent + "/" + entry;
+        if (path != name && equalIgnoringCase(path, name))
+            addItem(UndoItem::beside, path, EntryState());
+    }
+}
+
 bool UndoWriter::addDeletion(const std::string& name) {
     EntryState state;
     std::string content, other;
@@ -135,6 +150,7 @@ bool UndoWriter::addDeletion(const std::string& name) {
         return failed(under(name) + " can't be read");
     if (!addParent(name))
         return false;
+    addTwins(name);
     addItem(UndoItem::deletion, name, state);
     group_.text(other).number(static_cast<std::uint32_t>(attributes.size()));
     for (const auto& [attribute, value] : attributes)
@@ -156,6 +172,7 @@ bool UndoWriter::addMaking(const std::string& name) {
 
 void UndoWriter::drop() {
     group_.bytes.clear();
+    listings_.clear();
     changes_ = 0;
     parents_.clear(); // a directory that is told twice is no harm, the first counts
     makings_.clear();
@@ -173,6 +190,7 @@ bool UndoWriter::commit() {
     if (path_.empty() ? makeFile() : append()) {
         standing_ = header_;
         group_.bytes.clear();
+        listings_.clear();
         changes_ = 0;
         return true;
     }
@@ -182,18 +200,8 @@ bool UndoWriter::commit() {
 }
 
 bool UndoWriter::makeFile() {
-    const std::string directory = undoDirectory();
-    if (directory.empty()) {
-        failure_ = "there is no directory for undo files: set XDG_STATE_HOME or HOME";
-        return false;
-    }
     const PrivateFiles guard;
-    if (!makePrivateDirectories(directory))
-        return failed("the directory " + directory + " can't be made");
-    return makeIn(directory);
-}
-
-bool UndoWriter::makeIn(const std::string& directory) {
+    const std::string directory = undoDirectory();
     const std::size_t slash = wanted_.rfind('/');
     std::string full;
     if (!wanted_.empty() &&
@@ -201,15 +209,27 @@ bool UndoWriter::makeIn(const std::string& directory) {
         return failed("the directory of " + wanted_ + " can't be entered");
     if (!wanted_.empty())
         full += "/" + wanted_.substr(slash + 1);
+    if (directory.empty())
+        failure_ = "there is no directory for undo files: set XDG_STATE_HOME or HOME";
+    else if (!makePrivateDirectories(directory))
+        failed("the directory " + directory + " can't be made");
+    else if (makeIn(directory, full))
+        return true;
+    // Elsewhere it serves a restore, though no later run finds it by itself.
+    unfound_ = failure_;
+    return !full.empty() && (makeUnder(full, "") || failed("the undo file " + full + " can't be written"));
+}
+
+bool UndoWriter::makeIn(const std::string& directory, const std::string& full) {
     constexpr int tries = 1000; // of one second
     for (int number = 0; number < tries; ++number) {
         const std::string name = directory + "/" + newName(header_.time, number);
-        if (wanted_.empty() ? makeUnder(name, "") : makeUnder(full, name))
+        if (full.empty() ? makeUnder(name, "") : makeUnder(full, name))
             return true;
         if (GetLastError() != ERROR_ALREADY_EXISTS || pathExists(full))
             break;
     }
-    return failed("the undo file " + (wanted_.empty() ? "in " + directory : full) + " can't be written");
+    return failed("the undo file in " + directory + " can't be written");
 }
 
 // A file elsewhere is found by its link, should the run be interrupted.
@@ -217,10 +237,12 @@ bool UndoWriter::makeUnder(const std::string& path, const std::string& link) {
     if (!link.empty() && !makeLink(link, path))
         return false;
     ByteStream file;
-    const std::string bytes = header_.encode() + group_.bytes;
+    const std::string header = header_.encode();
     const bool made = file.open(path.c_str(), OpenMode::create) &&
-                      file.write(bytes.data(), bytes.size()) == bytes.size() && file.close() &&
-                      syncDirectoryOf(path.c_str()) && (link.empty() || syncDirectoryOf(link.c_str()));
+                      file.write(header.data(), header.size()) == header.size() &&
+                      file.write(group_.bytes.data(), group_.bytes.size()) == group_.bytes.size() &&
+                      file.close() && syncDirectoryOf(path.c_str()) &&
+                      (link.empty() || syncDirectoryOf(link.c_str()));
     if (made) {
         path_ = path;
         return true;

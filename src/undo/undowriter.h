@@ -1,6 +1,7 @@
 // Writes an undo file: group by group, each on the disk itself before the first of its changes is made.
 #pragma once
 
+#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -35,16 +36,19 @@ public:
 
     const std::string& path() const { return path_; } // empty as long as there is no file
     const std::string& failure() const { return failure_; }
+    // Why a later run will not find the file by itself; empty where it will.
+    const std::string& unfound() const { return unfound_; }
 
 private:
     bool begin();
     bool addItem(UndoItem::Kind kind, const std::string& name, const EntryState& state);
     bool addParent(const std::string& name);
     bool addMade(const std::string& name);
+    void addTwins(const std::string& name);
     bool findOtherName(const std::string& directory, const std::string& name, const EntryState& state,
                        std::string& found) const;
     bool makeFile();
-    bool makeIn(const std::string& directory);
+    bool makeIn(const std::string& directory, const std::string& full);
     bool makeUnder(const std::string& path, const std::string& link);
     bool append();
     void putBack() const;
@@ -55,10 +59,12 @@ private:
     std::string wanted_; // the path that was given
     std::string path_;
     std::string failure_;
+    std::string unfound_;
     UndoHeader header_;
     UndoHeader standing_; // as it is in the file
     Encoder group_;       // of a new file with what stands in front of the first group
     std::uint32_t changes_ = 0;
     std::set<std::string> parents_; // directories whose times are in the file or the group
     std::vector<std::string> makings_;
+    std::map<std::string, std::vector<std::string>> listings_; // of directories in which the group deletes
 };

@@ -105,7 +105,7 @@ ByteStream::~ByteStream() {
 bool ByteStream::open(const char* path, OpenMode mode, Links links) {
     if (isOpen() || injectedFault(DiskOperation::open))
         return false;
-    mode_ = mode;
+    mode_ = mode == OpenMode::recreate ? OpenMode::create : mode;
     position_ = 0;
     atEnd_ = false;
     readFailure_ = 0;
@@ -115,21 +115,21 @@ bool ByteStream::open(const char* path, OpenMode mode, Links links) {
     newPath_.clear();
     if (mode != OpenMode::read)
         refuseOversizedWrites();
-    std::string resolved;
-    if (!findPath(path, resolved))
+    std::string resolved = path;
+    if (mode != OpenMode::recreate && !findPath(path, resolved))
         return false;
     const bool missing = countsAsGone(resolved) || (makesNew() && isMissing(resolved));
     if (missing && !makesNew()) {
         setLastErrorFromErrno(ENOENT, resolved);
         return false;
     }
-    if (mode == OpenMode::create && !missing) {
+    if (mode_ == OpenMode::create && !missing) {
         SetLastError(ERROR_ALREADY_EXISTS);
         return false;
     }
     if (!makesNew() || !missing)
         return openExisting(resolved, links);
-    file_ = makeNewFile(resolved, mode == OpenMode::create, newName_);
+    file_ = makeNewFile(resolved, mode_ == OpenMode::create, newName_);
     if (isOpen())
         newPath_ = resolved;
     return isOpen();
@@ -182,13 +182,20 @@ bool ByteStream::publish() {
 
 // A name must never lead to less than the whole content, whenever the machine stops.
 bool ByteStream::putOnDisk() const {
-    std::string written;
-    if (!succeeds(DiskOperation::sync, [this] { return fsync(file_); }) ||
-        !readWhole(file_, written, buffer_.size() + 1, 0))
+    if (!succeeds(DiskOperation::sync, [this] { return fsync(file_); }))
         return false;
-    if (written != buffer_)
-        SetLastError(ERROR_IO_DEVICE);
-    return written == buffer_;
+    std::string piece;
+    std::size_t done = 0;
+    do {
+        if (!readWhole(file_, piece, bufferSize, static_cast<std::int64_t>(done)))
+            return false;
+        if (std::string_view(buffer_).substr(done, bufferSize) != piece) {
+            SetLastError(ERROR_IO_DEVICE);
+            return false;
+        }
+        done += piece.size();
+    } while (!piece.empty());
+    return true;
 }
 
 bool ByteStream::sync() {
@@ -271,8 +278,9 @@ std::size_t ByteStream::holdBack(const char* bytes, std::size_t count) {
         return 0;
     }
     const auto start = static_cast<std::size_t>(position_);
-    buffer_.resize(std::max(buffer_.size(), start + count));
-    std::memcpy(buffer_.data() + start, bytes, count);
+    if (start > buffer_.size())
+        buffer_.resize(start);
+    buffer_.replace(start, count, bytes, count);
     position_ += static_cast<std::int64_t>(count);
     return count;
 }
@@ -287,18 +295,17 @@ bool ByteStream::standing(std::string& bytes, std::size_t count) const {
 
 // All or nothing: what stood there is known first, so that it can be put back.
 std::size_t ByteStream::overwrite(const char* bytes, std::size_t count) {
-    std::string old;
     struct stat state = {};
-    if (!standing(old, count))
+    if (!standing(replaced_, count))
         return 0;
-    if (old.size() < count && fstat(file_, &state) != 0) {
+    if (replaced_.size() < count && fstat(file_, &state) != 0) {
         setLastErrorFromErrno(errno, "");
         return 0;
     }
     const std::size_t done = writeAt(file_, bytes, count, position_);
     if (done < count) {
         buffer_.clear();
-        putBack(file_, old, done, position_, state.st_size);
+        putBack(file_, replaced_, done, position_, state.st_size);
         return 0;
     }
     if (buffered() >= count)

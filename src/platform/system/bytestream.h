@@ -10,12 +10,13 @@
 #include "platform/system/filestate.h"
 
 enum class OpenMode {
-    read,   // an existing file
-    write,  // a new file, or an existing one emptied; the file and its content appear together at close
-    update, // an existing file, read and written in place; each write reaches the system at once, in one
-            // piece
-    create, // a new file, which appears at close when its whole content is on the disk and was read back;
-            // an entry of that name is never replaced
+    read,     // an existing file
+    write,    // a new file, or an existing one emptied; the file and its content appear together at close
+    update,   // an existing file, read and written in place; each write reaches the system at once, in one
+              // piece
+    create,   // a new file, which appears at close when its whole content is on the disk and was read back;
+              // an entry of that name is never replaced
+    recreate, // the same, also beside a name that differs only in case, as one that has been there before
 };
 
 // Whether a link at the end of a path is followed to the file that it points to, or refused.
@@ -75,6 +76,7 @@ private:
     std::uint32_t readFailure_ = 0;
     bool incomplete_ = false;      // a new file: a write was not accepted, so the content must not appear
     std::string buffer_;           // read modes: a piece of the file; a new file: the whole content
+    std::string replaced_;         // what stood where the last write in place went
     std::int64_t bufferStart_ = 0; // where in the file the buffer's first byte stands
     std::string newPath_;          // the name that a file made by this stream is to have; else empty
     std::string newName_;          // the one it has meanwhile, if any
