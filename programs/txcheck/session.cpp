@@ -41,7 +41,7 @@ int Session::answer(const char* text, const char* title, std::uint32_t flags) {
     tell(first + (!asked ? "" : options.yes ? " Yes" : " No (--yes would say Yes)"));
     for (std::string line; std::getline(lines, line);)
         tell("  " + line);
-    if (!asked)
+    if (!asked && (flags & MB_ICONMASK) != MB_ICONINFORMATION)
         steps.failed = true;
     return !asked ? IDOK : (options.yes ? IDYES : IDNO);
 }

@@ -151,11 +151,22 @@ int TSXdatabase::deletefile(const char* fullpath) {
     return deletefiles(*this, doomed) ? 1 : 0;
 }
 
+namespace {
+
+// Why something that stands there under that name does not serve as the directory.
+std::string obstacletodirectory(const char* fullpath) {
+    if (canEnterDirectory(fullpath))
+        return "It has been made meanwhile.\nLoad the database again.";
+    if (isAbsence(GetLastError()))
+        return "A file of that name stands there, and no directory.\nMove it away, and repeat the solution.";
+    return errorText(GetLastError()) + "\nGive the right to enter it, and load the database again.";
+}
+
+} // namespace
+
 int TSXdatabase::createdirectory(const char* fullpath) {
     if (pathExists(fullpath)) {
-        tell(nodirectory, fullpath,
-             "Something of that name is there which is no directory, or which can't be entered.\n"
-             "Move it away or give the right to enter it, and repeat the solution.");
+        tell(nodirectory, fullpath, obstacletodirectory(fullpath));
         return 0;
     }
     const SignalHold untildone;

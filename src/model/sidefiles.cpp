@@ -10,6 +10,7 @@
 #include "model/problem.h"
 #include "platform/system/directory.h"
 #include "platform/system/errors.h"
+#include "platform/system/path.h"
 #include "reporting/log.h"
 
 namespace {
@@ -138,6 +139,8 @@ void TSXdatabase::checkdirectory(const char* fullpath) {
         return;
     if (!isAbsence(GetLastError()))
         addunreadpath(fullpath, errorText(GetLastError()), Unread::part);
+    else if (pathExists(fullpath))
+        logLine(("   no directory '" + diskname(fullpath) + "': A file of that name stands there.").c_str());
     addproblem(std::make_unique<TSXproblem>(*this, missingdirectory, 1, fullpath));
 }
 

@@ -17,8 +17,14 @@ bool UndoKeeper::before(const std::vector<Change>& group) {
         return goOnWithout();
     }
     waiting_ = !group.empty();
-    if (first && !path().empty())
+    if (first && !path().empty()) {
         removeOldUndoFiles();
+        if (!writer_.unfound().empty())
+            report(("Should this run be interrupted, the next one will not know of it: take the undo file " +
+                    path() + " to restore the database then. The reason: " + writer_.unfound())
+                       .c_str(),
+                   "Warning", MB_OK | MB_ICONINFORMATION);
+    }
     return true;
 }
 
