@@ -171,6 +171,10 @@ bool Steps::preen() {
 }
 
 bool Steps::changeKey(const ChangeKeyStep& step) {
+    // What is unread shifts the numbers of types and occurrences: they would speak of another record.
+    if (!database.picturecomplete())
+        return refuse("--change-key: something could not be read, and types and occurrences can't be counted "
+                      "without it. Put that right first");
     TSXkeyentry* entry = database.keytree.find(step.key);
     const int uses = entry != nullptr ? entry->occurrences(step.type) : 0;
     if (step.n < 1 || step.n > uses)

@@ -385,9 +385,10 @@ class Database:
                 self.scan("Library/" + name, "CMP", COMPARISON, True)
             elif not os.path.exists(self.place(path)):
                 self.unreadable(self.name_of(path), "part")
-        for name in [b""] + [b"\\" + name.encode() for name in DIRECTORIES]:
-            if not os.path.isdir(self.place(self.shown + name)):
-                path = self.shown + name
+        for path in [self.shown] + [self.shown + b"\\" + name.encode() for name in DIRECTORIES]:
+            if not os.path.isdir(self.place(path)):
+                if os.path.isfile(self.place(path)):
+                    self.log.append(b"   no directory '%s': A file of that name stands there." % self.name_of(path))
                 self.add(5, 1, b"Missing database directory '%s'" % path, self.name_of(path), path)
 
     def analyse(self):
@@ -514,7 +515,7 @@ class Database:
 
     def change_key(self, key, kind, n, new, yes):
         """True changed, None nothing to do, False refused."""
-        if n < 1 or n > self.count(key, kind):
+        if self.lacks("whole") or n < 1 or n > self.count(key, kind):
             return False
         old = self.entries[key.lower()]
         if new.lower() == key.lower():
