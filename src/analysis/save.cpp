@@ -16,6 +16,7 @@ public:
     explicit Save(TSXdatabase& saved) : database(saved) {}
 
     bool run() {
+        reserve();
         for (const auto& list : database.lists)
             collect(*list);
         if (database.keeper == nullptr || database.planning || group.empty()) {
@@ -36,6 +37,18 @@ private:
         TSXdatafile* file;
         std::size_t first;
     };
+
+    // A million changes are not to be moved again and again.
+    void reserve() {
+        std::size_t count = 0;
+        for (const auto& list : database.lists)
+            for (std::size_t i = 1; i < list->files.size(); ++i) {
+                const std::vector<std::int32_t>& dirty = list->files[i]->keydirty;
+                count += static_cast<std::size_t>(std::count(dirty.begin(), dirty.end(), 1));
+            }
+        group.reserve(count);
+        database.changes.reserve(database.changes.size() + count);
+    }
 
     void collect(TSXfilelist& list) {
         for (std::size_t i = 1; i < list.files.size(); ++i) {

@@ -32,8 +32,8 @@ std::int32_t decode(const Integer& bytes) {
 }
 
 void append(std::string& bytes, std::int32_t number) {
-    for (const unsigned char byte : encode(number))
-        bytes.push_back(static_cast<char>(byte));
+    const Integer encoded = encode(number);
+    bytes.append(encoded.begin(), encoded.end());
 }
 
 void logWithName(const char* what, const Text<200>& filename) {
@@ -131,10 +131,18 @@ int TSXbinfile::blockwrite(const void* bytes, int count) {
     return stream.write(bytes, wanted) == wanted ? 1 : 0;
 }
 
-std::string TSXbinfile::bytesat(std::int64_t position, int count) {
-    std::string bytes(static_cast<std::size_t>(count), '\0');
-    bytes.resize(stream.seek(position) ? stream.read(bytes.data(), bytes.size()) : 0);
-    return bytes;
+std::string_view TSXbinfile::bytesat(std::int64_t position, int count) {
+    piece.resize(static_cast<std::size_t>(count));
+    const std::size_t found = stream.seek(position) ? stream.read(piece.data(), piece.size()) : 0;
+    return std::string_view(piece).substr(0, found);
+}
+
+std::int32_t TSXbinfile::intin(std::string_view bytes, std::size_t at, std::int32_t missing) {
+    Integer found;
+    if (at + found.size() > bytes.size())
+        return missing;
+    std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), found.size(), found.begin());
+    return decode(found);
 }
 
 int TSXbinfile::seek(std::int64_t position) {
@@ -286,6 +294,7 @@ int TSXbinfile::writefield(const char* text, int capacity) {
 std::string TSXbinfile::fieldbytes(const char* text, int capacity) {
     const auto length = static_cast<std::int32_t>(std::strlen(text));
     std::string bytes;
+    bytes.reserve(2 * sizeof(Integer) + static_cast<std::size_t>(std::max(length, capacity)));
     append(bytes, length);
     append(bytes, capacity);
     bytes += text;

@@ -44,8 +44,9 @@ public:
     int blockread(void* bytes, int count);
     int blockwrite(const void* bytes, int count);
 
-    // The bytes that stand at a position, fewer where the file ends or the disk gives nothing.
-    std::string bytesat(std::int64_t position, int count);
+    // The bytes that stand at a position, fewer where the file ends or the disk gives nothing; until the next
+    // call.
+    std::string_view bytesat(std::int64_t position, int count);
     int seek(std::int64_t position); // 0 on success, else not: the one operation whose 0 is success
     std::int32_t tell() const;       // -1 where the position is beyond what 32 bits hold
     int iseof() const;               // non-zero once a read has asked for more than there was
@@ -72,6 +73,8 @@ public:
     int writestring(const char* text);
     int writefield(const char* text, int capacity);
     static std::string fieldbytes(const char* text, int capacity); // what writefield writes
+    // The integer that stands there in bytes of a file; missing where they end before it does.
+    static std::int32_t intin(std::string_view bytes, std::size_t at, std::int32_t missing);
 
 private:
     int open(const char* path, OpenMode mode);
@@ -85,6 +88,7 @@ private:
     std::int32_t chunkend = 0;
     std::int32_t endposition = 0; // where the end field of the chunk that is being written stands
     Text<200> filename = "???";   // for messages only
+    std::string piece;            // of bytesat
     ByteStream stream;
     std::int64_t frameend = 0; // where the body of the last chunk read begins
     bool endknown = false;     // whether that chunk's end could be read

@@ -22,14 +22,21 @@ constexpr const char* changedmeanwhile =
 constexpr const char* trylater =
     "What could not be written stays marked as changed: remove the cause, and save again.";
 
-std::string newfield(const Change& change) {
-    return TSXbinfile::fieldbytes(change.newkey.c_str(), keycapacity);
+// Whether these are the bytes of the key field as it is to be.
+bool isnewfield(std::string_view bytes, const Change& change) {
+    constexpr std::size_t head = 8;
+    return bytes.size() == fieldsize &&
+           TSXbinfile::intin(bytes, 0, -1) == static_cast<std::int32_t>(change.newkey.size()) &&
+           TSXbinfile::intin(bytes, 4, -1) == keycapacity &&
+           bytes.substr(head, change.newkey.size()) == change.newkey &&
+           bytes.find_first_not_of('\0', head + change.newkey.size()) == std::string_view::npos;
 }
 
 // Whether the bytes of a field give that key, as the reader takes it. The file may end behind the text.
-bool givekey(const std::string& bytes, std::int32_t length, const std::string& key) {
+bool givekey(std::string_view bytes, const std::string& key) {
+    const std::int32_t length = TSXbinfile::intin(bytes, 0, -1);
     const auto taken = static_cast<std::size_t>(std::clamp(length, 0, maxkeylength));
-    const std::string text = bytes.substr(std::min<std::size_t>(8, bytes.size()), taken);
+    const std::string_view text = bytes.substr(std::min<std::size_t>(8, bytes.size()), taken);
     return length >= 0 && bytes.size() >= 8 + taken && text.substr(0, text.find('\0')) == key;
 }
 
@@ -39,16 +46,12 @@ std::string lookat(TSXbinfile& file, Change& change) {
         return "The place of record " + std::to_string(change.record) + " in the file is not known.\n" +
                trylater;
     change.fieldbefore = file.bytesat(change.offset, fieldsize);
-    if (change.fieldbefore == newfield(change)) // by an earlier save that could not be confirmed
+    if (isnewfield(change.fieldbefore, change)) // by an earlier save that could not be confirmed
         return {};
-    std::int32_t length = -1;
-    std::int32_t capacity = 0;
-    file.seek(change.offset);
-    file.readint(length);
-    file.readint(capacity);
-    if (!givekey(change.fieldbefore, length, change.oldkey))
+    if (!givekey(change.fieldbefore, change.oldkey))
         return "The key of record " + std::to_string(change.record) + " is no longer '" + change.oldkey +
                "'. " + changedmeanwhile;
+    const std::int32_t capacity = TSXbinfile::intin(change.fieldbefore, 4, 0);
     if (capacity != keycapacity)
         return "The key field of record " + std::to_string(change.record) + " has the capacity " +
                std::to_string(capacity) + " in place of " + std::to_string(keycapacity) +
@@ -80,7 +83,7 @@ bool confirm(TSXbinfile& file, const std::vector<Change*>& changes) {
         return false;
     SetLastError(ERROR_IO_DEVICE);
     return std::all_of(changes.begin(), changes.end(), [&](const Change* change) {
-        return file.bytesat(change->offset, fieldsize) == newfield(*change);
+        return isnewfield(file.bytesat(change->offset, fieldsize), *change);
     });
 }
 

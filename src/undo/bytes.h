@@ -17,9 +17,11 @@ struct StoredBytes {
 class Encoder {
 public:
     template <class Number> Encoder& number(Number value) {
-        auto bits = static_cast<std::make_unsigned_t<Number>>(value);
+        const std::uint64_t bits = static_cast<std::make_unsigned_t<Number>>(value);
+        char stored[sizeof value];
         for (std::size_t i = 0; i < sizeof value; ++i)
-            bytes.push_back(static_cast<char>(static_cast<std::uint64_t>(bits) >> (8 * i)));
+            stored[i] = static_cast<char>(bits >> (8 * i));
+        bytes.append(stored, sizeof value);
         return *this;
     }
     Encoder& text(std::string_view value) {
