@@ -2,19 +2,12 @@
 
 #include <QStringDecoder>
 #include <algorithm>
-#include <array>
 
 #include "platform/system/utf8.h"
+#include "platform/system/windows1252.h"
 #include "platform/window/encoding.h"
 
 namespace {
-
-// Windows-1252 from 0x80 to 0x9F; all else is Latin-1.
-constexpr std::array<char16_t, 32> upperControls = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
-};
 
 QByteArrayView viewOf(std::string_view bytes) {
     return {bytes.data(), static_cast<qsizetype>(bytes.size())};
@@ -29,8 +22,10 @@ QString decodeUtf8(std::string_view bytes) {
 char windows1252Of(char16_t unit) {
     if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF))
         return static_cast<char>(unit);
-    const auto* const found = std::find(upperControls.begin(), upperControls.end(), unit);
-    return found == upperControls.end() ? '?' : static_cast<char>(0x80 + (found - upperControls.begin()));
+    const auto* const found = std::find(windows1252Specials.begin(), windows1252Specials.end(), unit);
+    return found == windows1252Specials.end()
+               ? '?'
+               : static_cast<char>(0x80 + (found - windows1252Specials.begin()));
 }
 
 } // namespace
@@ -45,7 +40,7 @@ QString unicodeOf(std::string_view bytes) {
     QString text = QString::fromLatin1(viewOf(bytes));
     for (QChar& letter : text) {
         if (letter >= QChar(0x80) && letter < QChar(0xA0))
-            letter = QChar(upperControls[letter.unicode() - 0x80U]);
+            letter = QChar(windows1252Specials[letter.unicode() - 0x80U]);
     }
     return text;
 }
