@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "model/change.h"
-#include "platform/system/filestate.h"
 #include "platform/system/cobject.h"
+#include "platform/system/filestate.h"
 #include "platform/system/text.h"
 
 class TSXbinfile;

@@ -9,8 +9,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "platform/system/filestate.h"
 #include "platform/system/cobject.h"
+#include "platform/system/filestate.h"
 
 class TSXdatabase;
 class TSXdatafile;

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/system/filestate.h"
 #include "platform/system/cobject.h"
+#include "platform/system/filestate.h"
 #include "platform/system/text.h"
 
 class TSXdatabase;

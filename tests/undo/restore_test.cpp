@@ -111,7 +111,7 @@ TEST_F(Restores, ReadsNothingThatMakesNoSense) {
             refused += sound ? 0 : 1;
             for (std::size_t n = 0; sound && n < file.items.size(); ++n) {
                 const UndoItem& item = file.items[n];
-                EXPECT_EQ(fs::path("/x/" + item.file).lexically_normal(), "/x/" + item.file) << i;
+                EXPECT_EQ(fs::path("/x/" + item.file).lexically_normal().string(), "/x/" + item.file) << i;
                 EXPECT_TRUE(item.state.size >= 0 && item.state.read.nanoseconds < 1000000000U) << i;
                 for (const FieldChange& field : item.fields)
                     EXPECT_TRUE(field.offset >= 0 && field.before.length <= 69 && field.after.length <= 69);
