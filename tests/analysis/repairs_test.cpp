@@ -41,6 +41,7 @@ TEST_F(Repairs, FilesBeyondTheLimitAreNotReadAndOrphansWithoutRoomStayAProblem) 
     database->adddatabaseentries();
     EXPECT_EQ(list.count, 3000);
     EXPECT_EQ(list.files[3000]->keycount, 100);
+    EXPECT_EQ(static_cast<TSXdbslist&>(list).newfile(), -1);
     database->analyse();
     EXPECT_EQ(database->getproblem(database->problemcount)->kind, orphankeys);
     EXPECT_EQ(database->visiblecount, 1);
@@ -51,10 +52,10 @@ TEST_F(Repairs, NothingIsDeletedOrWrittenThatIsNotAsItWasLookedAt) {
     const TempDir outside;
     std::filesystem::remove(root / "matrix");
     std::filesystem::create_directory_symlink(outside.path(), root / "matrix");
-    for (const auto& [fileclass, name] : {std::pair(2, "A"), {3, "A"}, {3, "B"}, {4, "A"}})
+    for (const auto& [fileclass, name] : {std::pair(2, "A"), {2, "B"}, {3, "A"}, {3, "B"}, {4, "A"}})
         put(fileclass, name, "corrupt");
     const std::string content = dataFile(0, "", {"twice", "twice"});
-    for (const char* name : {"A", "B", "C", "D"})
+    for (const char* name : {"A", "B", "C", "D", "E", "F"})
         put(0, name, content);
     load();
     writeFile(root / "seq/A.DEF", "changed");
@@ -62,8 +63,8 @@ TEST_F(Repairs, NothingIsDeletedOrWrittenThatIsNotAsItWasLookedAt) {
     std::string results;
     for (int row = 1; database->getproblem(row)->kind == corruptdatafile; ++row)
         results += std::to_string(database->getproblem(row)->solve(1));
-    EXPECT_EQ(results, "1000");
-    EXPECT_FALSE(std::filesystem::exists(root / "char/A.DEF"));
+    EXPECT_EQ(results, "11000");
+    EXPECT_TRUE(std::filesystem::is_empty(root / "char"));
     EXPECT_EQ(readFile(root / "seq/A.DEF") + readFile(outside / "A.DEF"), "changedcorrupt");
     database->renameduplicates(0);
     std::string other = content;
@@ -73,9 +74,11 @@ TEST_F(Repairs, NothingIsDeletedOrWrittenThatIsNotAsItWasLookedAt) {
     put(0, "C", content);
     std::filesystem::rename(root / "DBASE/D.DBS", outside / "D.DBS");
     std::filesystem::create_symlink(outside / "D.DBS", root / "DBASE/D.DBS");
+    for (const char* name : {"DBASE/E.DBS", "DBASE/F.DBS"})
+        std::filesystem::remove(root / name);
     reports.clear();
     EXPECT_EQ(database->saveall(), 0);
-    EXPECT_EQ(reports.size(), 3u);
+    EXPECT_EQ(reports.size(), 4u) << "three, and all others in one";
     EXPECT_NE(readFile(root / "DBASE/A.DBS"), content);
     for (const std::string& path : {root / "DBASE/C.DBS", outside / "D.DBS"})
         EXPECT_EQ(readFile(path), content);
