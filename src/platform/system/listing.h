@@ -10,9 +10,10 @@
 // The names are in the order of directoryEntries.
 const std::string* findName(const std::vector<std::string>& names, std::string_view name);
 
-// Reads the names in a directory, in the order of directoryEntries. False where it can't be read to its end,
-// and GetLastError tells why: half of it must not pass for the whole.
-bool readNames(const std::string& directory, std::vector<std::string>& names);
+// Reads the names in a directory, in the order of directoryEntries; with a wanted name only those that equal
+// it ignoring the case of ASCII letters. False where it can't be read to its end, and GetLastError tells why:
+// half of it must not pass for the whole.
+bool readNames(const std::string& directory, std::vector<std::string>& names, std::string_view wanted = {});
 
 // Drops the names of directories that look-ups have kept.
 void forgetListings();

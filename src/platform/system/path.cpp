@@ -67,11 +67,12 @@ constexpr std::int64_t settlingTime = 2000000000;
 // the process, by what was made before the first one.
 std::map<std::pair<dev_t, ino_t>, Listing> kept;
 
-// The names of a directory for look-ups. They are read once and kept while they are certainly current, since
-// each file of a directory full of names in other letters looks its own name up. The moment is that of the
-// last status change, because programs that copy trees set the modification time back.
-// None where the directory can't be read, and GetLastError then tells why.
-const std::vector<std::string>* namesForLookup(const std::string& directory) {
+// The names of a directory for the look-up of one. All are read once and kept while they are certainly
+// current, since each file of a directory full of names in other letters looks its own name up. While they
+// may not be, as each new file changes its directory, only those that may be meant are read. The moment is
+// that of the last status change, because programs that copy trees set the modification time back. None where
+// the directory can't be read, and GetLastError then tells why.
+const std::vector<std::string>* namesForLookup(const std::string& directory, std::string_view wanted) {
     timespec now = {};
     clock_gettime(CLOCK_REALTIME, &now);
     struct stat state = {};
@@ -82,13 +83,14 @@ const std::vector<std::string>* namesForLookup(const std::string& directory) {
 
     Listing& listing = kept[{state.st_dev, state.st_ino}];
     const std::int64_t changed = nanoseconds(state.st_ctim);
-    if (listing.changed != changed) {
-        listing.changed = -1;
-        if (!readNames(directory, listing.names))
-            return nullptr;
-        if (changed + settlingTime < nanoseconds(now))
-            listing.changed = changed;
-    }
+    if (listing.changed == changed)
+        return &listing.names;
+    listing.changed = -1;
+    const bool settled = changed + settlingTime < nanoseconds(now);
+    if (!readNames(directory, listing.names, settled ? std::string_view() : wanted))
+        return nullptr;
+    if (settled)
+        listing.changed = changed;
     return &listing.names;
 }
 
@@ -114,7 +116,7 @@ bool findComponent(const std::string& directory, std::string& component, bool& e
     exists = presence == Presence::there;
     if (presence != Presence::absent)
         return exists;
-    const std::vector<std::string>* names = namesForLookup(directory.empty() ? "." : directory);
+    const std::vector<std::string>* names = namesForLookup(directory.empty() ? "." : directory, component);
     if (names == nullptr)
         return isAbsence(GetLastError());
     if (const std::string* entry = findName(*names, component)) {
@@ -130,7 +132,7 @@ void forgetListings() {
     kept.clear();
 }
 
-bool readNames(const std::string& directory, std::vector<std::string>& names) {
+bool readNames(const std::string& directory, std::vector<std::string>& names, std::string_view wanted) {
     names.clear();
     const std::unique_ptr<DIR, CloseDirectory> stream(opendir(directory.c_str()));
     if (stream == nullptr) {
@@ -143,7 +145,7 @@ bool readNames(const std::string& directory, std::vector<std::string>& names) {
     errno = 0;
     while (const dirent* entry = readdir(stream.get())) {
         const std::string_view name = entry->d_name;
-        if (name != "." && name != "..")
+        if (name != "." && name != ".." && (wanted.empty() || equalIgnoringCase(name, wanted)))
             names.emplace_back(name);
     }
     const bool complete = errno == 0;
