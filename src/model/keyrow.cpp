@@ -1,7 +1,11 @@
 #include "model/keyrow.h"
 
 #include <algorithm>
+#include <array>
+#include <numeric>
+#include <span>
 #include <tuple>
+#include <utility>
 
 #include "model/database.h"
 #include "model/datafile.h"
@@ -30,6 +34,38 @@ constexpr auto before = [](const KeyRow::Record& a, const KeyRow::Record& b) {
     return a.piece != b.piece ? a.piece < b.piece : std::tie(a.file, a.record) < std::tie(b.file, b.record);
 };
 
+// Puts the records into the order of one byte of their pieces; those that are equal there keep their order.
+// False, and nothing is done, if all are.
+bool sortbybyte(std::span<const KeyRow::Record> records, std::span<KeyRow::Record> sorted, int shift) {
+    const auto byteof = [shift](const KeyRow::Record& record) { return record.piece >> shift & 0xFF; };
+    std::array<std::size_t, 257> starts = {};
+    for (const KeyRow::Record& record : records)
+        ++starts[byteof(record) + 1];
+    if (std::ranges::find(starts, records.size()) != starts.end())
+        return false;
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
+    for (const KeyRow::Record& record : records)
+        sorted[starts[byteof(record)]++] = record;
+    return true;
+}
+
+// Sorts a run of records, which stand in the order of the files, by their pieces.
+void sortrun(std::span<KeyRow::Record> run, std::vector<KeyRow::Record>& spare) {
+    constexpr std::size_t few = 1000; // so many are sooner compared with each other than counted
+    if (run.size() <= few) {
+        std::ranges::sort(run, before);
+        return;
+    }
+    spare.resize(std::max(spare.size(), run.size()));
+    std::span<KeyRow::Record> from = run;
+    std::span<KeyRow::Record> to = std::span(spare).first(run.size());
+    for (int shift = 0; shift < 64; shift += 8)
+        if (sortbybyte(from, to, shift))
+            std::swap(from, to);
+    if (from.data() != run.data())
+        std::ranges::copy(from, run.begin());
+}
+
 } // namespace
 
 // First all keys count as equal. Piece by piece those that are equal so far are sorted and told apart.
@@ -43,8 +79,21 @@ KeyRow::KeyRow(const TSXdatabase& database) {
         for (std::size_t i = 1; i < list->files.size(); ++i)
             if (list->files[i]->valid != 0)
                 addfile(*list->files[i]);
-    for (std::size_t depth = 0; tellapart(depth); depth += piecesize) {
+    for (std::size_t depth = commonlength(); tellapart(depth); depth += piecesize) {
     }
+}
+
+// How many bytes all keys have in common at the front.
+std::size_t KeyRow::commonlength() const {
+    std::size_t common = records.empty() ? 0 : records[0].length;
+    for (std::size_t i = 1; i < records.size() && common > 0; ++i) {
+        const char* const key = records[i].key;
+        std::size_t same = 0;
+        while (same < common && smallLetter(key[same]) == smallLetter(records[0].key[same]))
+            ++same;
+        common = same;
+    }
+    return common;
 }
 
 void KeyRow::addfile(TSXdatafile& file) {
@@ -60,6 +109,7 @@ void KeyRow::addfile(TSXdatafile& file) {
 bool KeyRow::tellapart(std::size_t depth) {
     readpieces(depth);
     bool found = false;
+    std::vector<Record> spare;
     for (auto begin = records.begin(); begin != records.end();) {
         auto end = begin + 1;
         while (end != records.end() && end->repeats)
@@ -67,7 +117,7 @@ bool KeyRow::tellapart(std::size_t depth) {
         if (end - begin > 1 && begin->length >= depth) {
             found = true;
             if (!std::is_sorted(begin, end, before))
-                std::sort(begin, end, before);
+                sortrun({begin, end}, spare);
             begin->repeats = false;
             for (auto record = begin + 1; record != end; ++record)
                 record->repeats = record->piece == (record - 1)->piece;

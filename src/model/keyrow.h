@@ -28,6 +28,7 @@ public:
 
 private:
     void addfile(TSXdatafile& file);
+    std::size_t commonlength() const;
     bool tellapart(std::size_t depth);
     void readpieces(std::size_t depth);
 };
