@@ -237,6 +237,16 @@ int TSXbinfile::readstring(std::string& text, int capacity) {
     return endread(text, length, lengthread, textread);
 }
 
+int TSXbinfile::passstring(int capacity) {
+    std::int32_t length = 0;
+    const int lengthread = readlength(length, capacity);
+    if (lengthread == 1 && length >= 0 && readwatcher == nullptr &&
+        stream.skipBuffered(static_cast<std::size_t>(length)))
+        return 1;
+    std::string text;
+    return endread(text, length, lengthread, lengthread == 1 ? readtext(text, length) : 0);
+}
+
 int TSXbinfile::readfield(std::string& text, int capacity) {
     std::int32_t length = 0;
     const int lengthread = readlength(length, capacity);

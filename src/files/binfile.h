@@ -66,6 +66,7 @@ public:
     // what exceeds the capacity is left unread; and a field string.
     int readstring(std::string& text, int capacity);
     int readfield(std::string& text, int capacity);
+    int passstring(int capacity); // passes over a counted string
 
     int writetag(const char* tag); // opens a chunk; always 1
     int endtag();                  // closes it; always 1

@@ -13,11 +13,10 @@ constexpr int valuecapacity = 300; // of field names and field values, which are
 // Behind the end of the file, or where the disk gives nothing more, there is nothing to pass over, however
 // many values are announced.
 void passstrings(TSXbinfile& file, std::int32_t count) {
-    std::string discarded;
     bool moved = true;
     for (std::int32_t i = 0; i < count && moved && file.iseof() == 0; ++i) {
         const std::int32_t before = file.tell();
-        file.readstring(discarded, valuecapacity);
+        file.passstring(valuecapacity);
         moved = file.tell() != before;
     }
 }

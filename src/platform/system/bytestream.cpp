@@ -347,6 +347,13 @@ bool ByteStream::skip(std::int64_t count) {
     return count <= left;
 }
 
+bool ByteStream::skipBuffered(std::size_t count) {
+    if (!isReadable(mode_) || count > buffered())
+        return false;
+    position_ += static_cast<std::int64_t>(count);
+    return true;
+}
+
 int failedWrites() {
     return failures;
 }

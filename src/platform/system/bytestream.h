@@ -50,6 +50,9 @@ public:
     // Passes over bytes as a read would, in a time that does not depend on their number. False if the end
     // came first.
     bool skip(std::int64_t count);
+    // Passes over bytes that an earlier read has brought into memory. False, and nothing is done, where not
+    // all are.
+    bool skipBuffered(std::size_t count);
     std::int64_t tell() const { return position_; }
     // True once a read or skip has asked for more than there was, until the next seek.
     bool atEnd() const { return atEnd_; }
