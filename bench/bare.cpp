@@ -53,7 +53,6 @@ void overwriteFields(const std::string& directory) {
             fdatasync(file);
             close(file);
         }
-        sync();
     });
 }
 
@@ -68,7 +67,9 @@ void makeFiles(const std::string& directory, int files) {
                 std::abort();
             close(file);
         }
-        sync();
+        const int holder = open(directory.c_str(), O_RDONLY | O_DIRECTORY);
+        fsync(holder);
+        close(holder);
     });
 }
 

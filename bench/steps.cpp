@@ -4,10 +4,14 @@
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <memory>
 #include <string>
+
+#include <sys/resource.h>
 
 #include "model/database.h"
 #include "model/datafile.h"
+#include "model/dbsfile.h"
 #include "reporting/log.h"
 
 namespace {
@@ -114,6 +118,34 @@ void measureNewFiles(const char* path, int files) {
     measure("make", [&] { save(database); });
 }
 
+// The largest database there can be, every key of its own, in memory: what it takes at its height, in GiB.
+void measureMemory(const char* path, int types) {
+    TSXdatabase database("");
+    database.readlists(path);
+    for (int type = 1; type <= types; ++type)
+        database.addexptype(1, std::to_string(type).c_str());
+    int key = 0;
+    for (const auto& list : database.lists)
+        for (int i = 0; i < maxfiles; ++i) {
+            auto file = std::make_unique<TSXdbsfile>(database, *list, std::to_string(i).c_str());
+            for (auto* table : {&file->keytypes, &file->keypos, &file->keydirty})
+                table->reserve(maxrecords + 1);
+            file->keys.reserve(maxrecords + 1);
+            for (int r = 0; r < maxrecords; ++r)
+                file->addentry(Text<60>().format("Isolate %08d (ref) A", ++key));
+            file->keysondisk = {}; // as of records that were read
+            if (list != database.lists[0])
+                for (int r = 1; r <= maxrecords; ++r)
+                    file->keytypes[static_cast<std::size_t>(r)] = 1 + r % types;
+            list->files.push_back(std::move(file));
+            ++list->count;
+        }
+    database.analyse();
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    std::printf("memory %.6f\n", static_cast<double>(usage.ru_maxrss) / (1 << 20));
+}
+
 bool run(const std::string& step, const char* first, const char* second) {
     if (step == "load")
         measureLoad(first, second);
@@ -125,6 +157,8 @@ bool run(const std::string& step, const char* first, const char* second) {
         measureSave(first);
     else if (step == "make")
         measureNewFiles(first, std::atoi(second));
+    else if (step == "memory")
+        measureMemory(first, std::atoi(second));
     else
         return false;
     return true;
@@ -137,6 +171,6 @@ int main(int argc, char** argv) {
         return 0;
     std::fprintf(stderr,
                  "usage: bench_steps load DATABASE KEYFILE | log LINES DIRECTORY | repairs DATABASE N | "
-                 "save DATABASE - | make DATABASE N\n");
+                 "save DATABASE - | make DATABASE N | memory DATABASE TYPES\n");
     return 2;
 }
