@@ -1,5 +1,6 @@
 #include "toolkit/buttonbar.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 
 #include "mosaic.h"
@@ -27,11 +28,9 @@ struct BarFrame : TSXframe {
 struct ButtonBar : testing::Test {
     using Edges = std::pair<COLORREF, COLORREF>; // at the top and at the bottom
 
-    COLORREF pixel(int x, int y, int index = 1) {
-        return surfacePixel(bar, bar.button(index).x + x, bar.button(index).y + y);
-    }
-    Edges edges(int index, int depth = 0) {
-        return {pixel(8, depth, index), pixel(8, bar.button(index).height - depth, index)};
+    Edges edges(int index) {
+        const BarButton& at = bar.button(index);
+        return {surfacePixel(bar, at.x + 8, at.y), surfacePixel(bar, at.x + 8, at.y + at.height)};
     }
     // The mouse, at the middle of a button; 5 is beyond all of them.
     QPoint at(int index) { return {2 + 33 * (index - 1) + 15, 15}; }
@@ -43,25 +42,30 @@ struct ButtonBar : testing::Test {
         QTest::mousePress(widget, Qt::LeftButton, keys, at(index));
     }
     void release(int index) { QTest::mouseRelease(widget, Qt::LeftButton, {}, at(index)); }
-    void repeat(int times) {
+    // The timers that run go off, before their time. Gives the periods.
+    std::vector<int> timersGoOff(int times = 1) {
+        std::vector<int> periods;
         for (int i = 0; i < times; ++i)
-            static_cast<MessageTarget&>(bar).onTimer(TSXbuttonbar::repeatTimer);
+            for (const auto& timer : QAbstractEventDispatcher::instance()->registeredTimers(widget)) {
+                periods.push_back(timer.interval);
+                QTimerEvent event(timer.timerId);
+                QApplication::sendEvent(widget, &event);
+            }
+        return periods;
     }
-    static bool hintIsOnScreen() {
-        const auto all = QApplication::topLevelWidgets();
-        return std::any_of(all.begin(), all.end(), [](const QWidget* each) {
-            return each->isVisible() && each->windowType() == Qt::ToolTip;
-        });
+    static QWidget* hintOnScreen() {
+        for (QWidget* const each : QApplication::topLevelWidgets())
+            if (each->isVisible() && each->windowType() == Qt::ToolTip)
+                return each;
+        return nullptr;
     }
 
     OnShow<BarFrame> frame;
     TSXbuttonbar& bar = frame->bar;
     QWidget* const widget = clientWidget(bar);
-    const COLORREF face = GetSysColor(COLOR_BTNFACE);
-    const COLORREF light = GetSysColor(COLOR_BTNHIGHLIGHT);
-    const COLORREF dark = GetSysColor(COLOR_BTNSHADOW);
+    const COLORREF face = GetSysColor(COLOR_BTNFACE), light = GetSysColor(COLOR_BTNHIGHLIGHT),
+                   dark = GetSysColor(COLOR_BTNSHADOW);
     const Edges flat{face, face}, raised{light, dark}, pressed{dark, light};
-    const Edges latched{light, GetSysColor(COLOR_3DDKSHADOW)};
 };
 
 } // namespace
@@ -70,8 +74,8 @@ TEST_F(ButtonBar, DrawsStatesIconsTicksAndDither) {
     Mosaic states(12, 36, 31);
     BarButton& button = bar.button(1);
     for (int i = 0; i < 6 * 4 * 3; ++i) {
-        constexpr int codes[] = {202, 10202, 11202,
-                                 12202}; // plain, with shadow and spark, with shadow, neither
+        // plain, with shadow and spark, with shadow, neither
+        constexpr int codes[] = {202, 10202, 11202, 12202};
         button.latched = i / 36;
         button.iconCode = codes[i % 12 / 3];
         button.ticked = i % 3 == 0 ? 0 : 1;
@@ -103,42 +107,43 @@ TEST_F(ButtonBar, GivesItsCommandWhenReleasedOnTheButtonOrHeldDown) {
     release(3);
     EXPECT_EQ(frame->commands, "");
     press(2, Qt::ControlModifier | Qt::ShiftModifier);
-    repeat(2);
+    EXPECT_EQ(timersGoOff(2), std::vector({50, 50}));
     release(2);
     EXPECT_EQ(frame->commands, "22"); // with Shift at each tick, and none at the end
     press(1);
     release(1);
     press(1);
-    repeat(28);
+    timersGoOff(28);
     move(2);
-    repeat(40);
+    timersGoOff(40);
     release(1);
     EXPECT_EQ(frame->commands, "22111"); // a click, the 24th tick and the 28th
 }
 
 TEST_F(ButtonBar, ShowsTheHintOfTheButtonUnderTheMouseAfterADelay) {
     move(1);
-    EXPECT_FALSE(hintIsOnScreen());
-    EXPECT_TRUE(QTest::qWaitFor(hintIsOnScreen));
+    EXPECT_FALSE(hintOnScreen());
+    EXPECT_EQ(timersGoOff(), std::vector({600}));
+    EXPECT_TRUE(hintOnScreen());
+    EXPECT_EQ(timersGoOff(), std::vector<int>());
     move(2); // has none
-    EXPECT_FALSE(hintIsOnScreen());
+    EXPECT_FALSE(hintOnScreen());
     move(3);
-    EXPECT_TRUE(hintIsOnScreen());
+    EXPECT_TRUE(hintOnScreen());
     press(3);
-    EXPECT_FALSE(hintIsOnScreen());
+    EXPECT_FALSE(hintOnScreen());
     release(3);
-    EXPECT_TRUE(QTest::qWaitFor(hintIsOnScreen));
+    timersGoOff();
+    EXPECT_TRUE(hintOnScreen());
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(widget, &leave);
-    EXPECT_FALSE(hintIsOnScreen());
+    EXPECT_FALSE(hintOnScreen());
     EXPECT_EQ(edges(3), flat);
     move(1); // the delay has to pass anew
-    EXPECT_FALSE(hintIsOnScreen());
+    EXPECT_FALSE(hintOnScreen());
     const TSXhintwindow one(bar, 10, 20, "one", "");
     const TSXhintwindow two(bar, GetSystemMetrics(SM_CXSCREEN), 20, "one", "and the other");
     EXPECT_EQ(widget->mapToGlobal(QPoint(10, 20)), QPoint(one.x, one.y));
-    EXPECT_EQ(one.height, 18);
-    EXPECT_EQ(two.height, 34);
-    EXPECT_GT(two.width, one.width);
-    EXPECT_EQ(two.x + two.width, GetSystemMetrics(SM_CXSCREEN) - 2);
+    EXPECT_EQ(std::pair(one.height, two.height), std::pair(18, 34));
+    EXPECT_TRUE(two.width > one.width && two.x + two.width == GetSystemMetrics(SM_CXSCREEN) - 2);
 }

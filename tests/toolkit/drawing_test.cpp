@@ -1,5 +1,7 @@
 #include "mosaic.h"
 #include "onshow.h"
+#include "platform/window/resources.h"
+#include "resources/resources.h"
 
 TEST(Drawing, ColoursFollowTheBaseColour) {
     static const int numbers[] = {1, 2, 3, -1, 0, 101, 4, 5};
@@ -20,26 +22,21 @@ TEST(Drawing, ColoursFollowTheBaseColour) {
         initDrawing(row.base);
         for (std::size_t i = 0; i < std::size(numbers); ++i)
             EXPECT_EQ(getColour(numbers[i]), hexColour(row.expected[i])) << "colour " << numbers[i];
-        const struct {
-            const CBrush* brush;
-            int colour;
-        } brushes[] = {
-            {getBrush(1), 1}, {getBrush(2), 2}, {getBrush(3), 3}, {getBrush(101), 101}, {getBrush(4), 4}};
-        for (const auto& each : brushes)
-            EXPECT_EQ(each.brush->colour, getColour(each.colour));
-        EXPECT_EQ(getPen(2)->colour, getColour(-1));
+        for (const int number : {1, 2, 3, 101, 4})
+            EXPECT_EQ(getBrush(number)->colour, getColour(number)) << "brush " << number;
         EXPECT_TRUE(getBrush(7) == getBrush(1) && getPen(4) == getPen(1) && getFont(0) == getFont(1));
-        EXPECT_EQ(getFont(2)->description.weight, 700);
+        EXPECT_TRUE(getPen(2)->colour == getColour(-1) && getPen(5)->colour == RGB(255, 0, 0));
     }
+    EXPECT_EQ(getFont(7)->description, (LOGFONT{-11, 0, 400, true, "arial"}));
 }
 
 TEST(Drawing, IconsAreDrawnPixelByPixel) {
     const OnShow<TSXframe> frame;
-    Mosaic icons(9, 30, 30);
-    for (const int number : {-4, 1, 2, 3, 4, 5, 6, 7, 11, 13, 199, 200, 201, 202, 203, 204, 205, 206}) {
+    Mosaic icons(9, 34, 34);
+    for (const int number : {-4, 1, 2, 3, 4, 5, 6, 7, 11, 13, 199, 200, 201, 202, 203, 204, 205, 206, 0}) {
         CClientDC dc(&*frame);
         dc.FillSolidRect(0, 0, 60, 60, hexColour(0x090909));
-        paintIcon(dc, 10, 20, number);
+        number == 0 ? dc.DrawIcon(6, 16, *LoadIconA(applicationIcon)) : paintIcon(dc, 10, 20, number);
         icons.add(*frame, 5, 15);
     }
     icons.compare("icons.png");

@@ -45,12 +45,18 @@ TEST(Encoding, BytesComeBackAsTheyWereInEitherEncoding) {
     } cases[] = {
         {"K\xC3\xA4se \xE2\x82\xAC", TextEncoding::utf8, u"K\u00E4se \u20AC"},
         {"\xF0\x9F\xA7\xAA", TextEncoding::utf8, u"\U0001F9EA"},
-        {"K\xE4se \x80\x81\x9F", TextEncoding::windows1252, u"K\u00E4se \u20AC\u0081\u0178"},
         {"\xC3\xA4\xE4", TextEncoding::windows1252, u"\u00C3\u00A4\u00E4"}, // not all of it is UTF-8
         {"cut \xC3", TextEncoding::windows1252, u"cut \u00C3"},
         {"\xC0\xAF", TextEncoding::windows1252, u"\u00C0\u00AF"},           // an overlong form
         {"\xED\xA0\x80", TextEncoding::windows1252, u"\u00ED\u00A0\u20AC"}, // half of a pair
         {"\xEF\xBB\xBFx", TextEncoding::utf8, u"\uFEFFx"},                  // the mark is part of the text
+        {"\x80\x81\x82\x83\x84\x85\x86\x87\x88\x89\x8A\x8B\x8C\x8D\x8E\x8F\x90\x91\x92\x93\x94\x95\x96\x97"
+         "\x98"
+         "\x99\x9A\x9B\x9C\x9D\x9E\x9F",
+         TextEncoding::windows1252,
+         u"\u20AC\u0081\u201A\u0192\u201E\u2026\u2020\u2021\u02C6\u2030\u0160\u2039\u0152\u008D\u017D\u008F"
+         u"\u0090"
+         u"\u2018\u2019\u201C\u201D\u2022\u2013\u2014\u02DC\u2122\u0161\u203A\u0153\u009D\u017E\u0178"},
     };
     for (const auto& row : cases) {
         EXPECT_EQ(encodingOf(row.bytes), row.encoding) << row.bytes;
@@ -92,6 +98,14 @@ TEST_F(Input, KeysReachTheFrameWithThePlatformsCodes) {
     for (const Qt::Key key : {Qt::Key_A, Qt::Key_F5, Qt::Key_Left, Qt::Key_Return})
         QTest::keyClick(outerWidget(*frame), key);
     EXPECT_EQ(taken(), Events({"key 65 0", "char 97", "key 116 0", "key 37 0", "key 13 0", "char 13"}));
+    const std::pair<Qt::Key, int> codes[] = {
+        {Qt::Key_Shift, 16},    {Qt::Key_Control, 17}, {Qt::Key_CapsLock, 20}, {Qt::Key_PageUp, 33},
+        {Qt::Key_PageDown, 34}, {Qt::Key_End, 35},     {Qt::Key_Home, 36},     {Qt::Key_Up, 38},
+        {Qt::Key_Right, 39},    {Qt::Key_Down, 40},    {Qt::Key_Insert, 45},   {Qt::Key_Delete, 46}};
+    for (const auto& [key, code] : codes) {
+        QTest::keyClick(outerWidget(*frame), key);
+        EXPECT_EQ(taken().at(0), "key " + std::to_string(code) + " 0");
+    }
 }
 
 TEST_F(Input, WheelAndBarsScrollByLinesAndPages) {
