@@ -52,7 +52,7 @@ StartWindow::StartWindow() : QDialog(nullptr, Qt::Window), home_(currentHome()) 
             &StartWindow::inspect); // Return takes the default button
     fillList();
     list_->setFocus();
-    resize(640, 360);
+    resize(90 * fontMetrics().averageCharWidth(), 24 * fontMetrics().height()); // room for a long path
 }
 
 QPushButton* StartWindow::addButton(const char* text, void (StartWindow::*action)()) {

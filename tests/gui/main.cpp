@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QTemporaryDir>
 
 #include "resources/resources.h"
 #include "toolkit/drawing.h"
@@ -8,6 +9,8 @@
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir runtime; // Qt would make one that stays
+    qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     setResources(programResources);

@@ -1,5 +1,7 @@
 #include "windowtest.h"
 
+#include <QTemporaryDir>
+
 namespace {
 
 constexpr MenuEntry menuEntries[] = {
@@ -48,6 +50,8 @@ void WindowTest::paintPane(std::function<void(CDC&)> paint) {
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir runtime; // Qt would make one that stays
+    qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
