@@ -155,7 +155,8 @@ def measure_window(work):
         tree = sample(work / f"window{files}", "--files", files, "--entries", entries, "--types", 4, "--experiments", 1)
         found = {}
         for _ in range(3):
-            done = subprocess.run([PROGRAMS / "bench/bench_repaint", tree, str(problems)], capture_output=True, text=True, check=True)
+            done = subprocess.run([PROGRAMS / "bench/bench_repaint", tree, str(problems)], capture_output=True, text=True, check=True,
+                                  env=dict(os.environ, XDG_RUNTIME_DIR=str(work)))
             for pane, whole, step in (line.split() for line in done.stdout.splitlines()[1:]):
                 found.setdefault(f"{pane} whole", []).append(float(whole) / 1000 / FRAME)
                 found.setdefault(f"{pane} one step", []).append(float(step) / 1000 / FRAME)

@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
 #include <QTreeWidget>
 #include <algorithm>
 
@@ -52,7 +53,8 @@ StartWindow::StartWindow() : QDialog(nullptr, Qt::Window), home_(currentHome()) 
             &StartWindow::inspect); // Return takes the default button
     fillList();
     list_->setFocus();
-    resize(90 * fontMetrics().averageCharWidth(), 24 * fontMetrics().height()); // room for a long path
+    const QSize wanted(90 * fontMetrics().averageCharWidth(), 24 * fontMetrics().height());
+    resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // room for a long path
 }
 
 QPushButton* StartWindow::addButton(const char* text, void (StartWindow::*action)()) {

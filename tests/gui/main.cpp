@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
-#include <QTemporaryDir>
+#include <QFileInfo>
 
 #include "resources/resources.h"
 #include "toolkit/drawing.h"
@@ -9,8 +9,7 @@
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QTemporaryDir runtime; // Qt would make one that stays
-    qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
+    qputenv("XDG_RUNTIME_DIR", QFileInfo(argv[0]).absolutePath().toUtf8() + "/runtime"); // Qt makes it
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
     setResources(programResources);

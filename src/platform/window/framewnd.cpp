@@ -1,6 +1,8 @@
 #include "platform/window/framewnd.h"
 
 #include <QIcon>
+#include <QScreen>
+#include <algorithm>
 
 #include "platform/window/bitmap.h"
 #include "platform/window/dc.h"
@@ -16,6 +18,15 @@ QIcon pictureOf(const IconResource& icon) {
     context.SelectObject(&picture);
     context.DrawIcon(0, 0, icon);
     return QPixmap::fromImage(picture.canvas()->image());
+}
+
+// On a screen that is smaller than the window, the window is as large as that.
+QRect onScreen(const RECT& wanted, const QRect& screen) {
+    QRect place(wanted.left, wanted.top, std::min(wanted.right - wanted.left, screen.width()),
+                std::min(wanted.bottom - wanted.top, screen.height()));
+    place.moveRight(std::min(place.right(), screen.right()));
+    place.moveBottom(std::min(place.bottom(), screen.bottom()));
+    return place;
 }
 
 } // namespace
@@ -36,8 +47,9 @@ bool CFrameWnd::Create(const WindowClass& windowClass, const char* title, const 
     if (const MenuResource* const menu = findMenu(menuNumber))
         host_->setMenu(*menu);
     SetWindowTextA(title);
-    host_->move(rectangle.left, rectangle.top);
-    host_->resize(rectangle.right - rectangle.left, rectangle.bottom - rectangle.top);
+    const QRect place = onScreen(rectangle, host_->screen()->availableGeometry());
+    host_->move(place.topLeft());
+    host_->resize(place.size());
     started();
     return host_ != nullptr;
 }

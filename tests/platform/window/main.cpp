@@ -1,6 +1,6 @@
 #include "windowtest.h"
 
-#include <QTemporaryDir>
+#include <QFileInfo>
 
 namespace {
 
@@ -50,8 +50,7 @@ void WindowTest::paintPane(std::function<void(CDC&)> paint) {
 int main(int argc, char** argv) {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    const QTemporaryDir runtime; // Qt would make one that stays
-    qputenv("XDG_RUNTIME_DIR", runtime.path().toUtf8());
+    qputenv("XDG_RUNTIME_DIR", QFileInfo(argv[0]).absolutePath().toUtf8() + "/runtime"); // Qt makes it
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);
