@@ -96,8 +96,9 @@ def log_of(work, tree):
 
 
 def bare_log(work, lines):
-    (work / "bare").unlink(missing_ok=True)
-    return steps("log", lines, work, program="bench_bare")["log"]
+    directory = fresh(work / "barelog")
+    directory.mkdir()
+    return steps("log", lines, directory, program="bench_bare")["log"]
 
 
 def measure_log(work, tree):

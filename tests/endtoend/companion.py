@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs txcheck and txsample as a script would, where the work does not go its plain way: a step that fails, wrong usage, a
+"""Runs txcheck and txsample as a script would, where the work does not go its plain way: a step that fails, a
 database that another holds, files that can't be written.  Usage: companion.py DIRECTORY-OF-THE-PROGRAMS"""
 
 import fcntl
@@ -75,34 +75,6 @@ class Steps(ProgramTest):
 
 
 class Surroundings(ProgramTest):
-    def test_wrong_usage_is_told_and_touches_nothing(self):
-        self.sample("--damage", "duplicates")
-        before = contents(self.root)
-        for options, error in [
-                (["--no-lock", "--preen"], "--no-lock"), (["--no-lock", "--save"], "--no-lock"),
-                (["--no-lock", "--solve", "1:1"], "--no-lock"),
-                (["--no-lock", "--change-key", "a", "0", "1", "b"], "--no-lock"), (["--solve", "1"], "--solve"),
-                (["--solve", "1:"], "--solve"), (["--solve", "1:1x"], "--solve"),
-                (["--change-key", "a", "0", "1", "n" * 61], "60"), (["--change-key", "a", "0", "1"], "--change-key"),
-                (["--change-key", "a", "x", "1", "b"], "--change-key"), (["--unheard-of"], "--unheard-of"),
-                ([self.root], "")]:
-            with self.subTest(options=options):
-                self.assertIsNone(self.check(*options, status=16, error=error))
-        self.check("--no-lock", status=4)
-        self.assert_tree(before)
-        self.assertFalse(os.path.exists(self.root + "/open_db.txf"))
-        for options in [["--damage", "unheard-of", "x"], [], ["--files", "-1", "x"], ["--home", "x", "y"]]:
-            self.assertEqual(self.run_program("txsample", *options).returncode, 16, options)
-
-    def test_work_that_cannot_be_begun_gives_no_document(self):
-        self.sample()
-        plain = os.path.join(self.root, "plain")
-        pathlib.Path(plain).write_bytes(b"")
-        for options, directory in [([], [plain]), ([], [self.root + "/nowhere"]), ([], [""]), ([], []), ([], ["n" * 600]),
-                                   (["--log", self.root + "/nowhere"], [self.root])]:
-            self.assertIsNone(self.check(*options, status=8, error="txcheck: ", directory=directory), directory)
-        with open("/dev/full", "w") as full:
-            self.assertEqual(self.run_program("txcheck", self.root, capture_output=False, stdout=full).returncode, 8)
 
     def test_one_that_another_holds_is_refused_and_not_touched(self):
         self.sample("--damage", "duplicates")
@@ -128,18 +100,6 @@ class Surroundings(ProgramTest):
         pathlib.Path(self.root, "far.XDB").write_bytes(b"")
         self.check(status=0, error="There is a connected database present")
 
-    def test_a_plan_shows_what_is_then_done_and_touches_nothing(self):
-        self.sample("--damage", "all")
-        before = contents(self.root)
-        steps = ["--solve-all", "side:1", "--solve-all", "corrupt:1", "--solve-all", "empty:1", "--preen", "--save"]
-        plan = self.check("--plan", *steps, status=8)
-        self.assert_tree(before)
-        self.assertFalse(os.path.exists(self.root + "/open_db.txf"))
-        done = self.check(*steps, status=8)
-        self.assertEqual((plan["saved"], done["saved"]), (0, 1))
-        for part in "problems", "solved", "changes", "keys", "types":
-            self.assertEqual(plan[part], done[part])
-
     def test_an_anonymous_copy_has_the_same_problems_and_none_of_the_texts(self):
         self.sample("--damage", "duplicates,experiment-duplicates,blank-keys,orphans,empty-files,corrupt-files,side-files,"
                     "missing-directories,odd-bytes")
@@ -157,14 +117,6 @@ class Surroundings(ProgramTest):
         self.assertEqual(self.run_program("txcheck", self.root, "--no-progress").stderr, b"")
         told = self.run_program("txcheck", self.root, "--progress").stderr
         self.assertRegex(told, rb"^\rReading DBASE +5 %  1 files, 40 records \r.*94 %  17 files, 602 records \r +\r$")
-        self.check("--progress", "--no-progress", status=16, error="--no-progress")
-
-    def test_equal_options_give_equal_samples(self):
-        trees = []
-        for name, seed in [("a", "3"), ("b", "3"), ("c", "4")]:
-            self.sample("--damage", "all", "--seed", seed, root=os.path.join(self.work, name))
-            trees.append(contents(os.path.join(self.work, name)))
-        self.assertTrue(trees[0] == trees[1] != trees[2])
 
 
 if __name__ == "__main__":

@@ -422,6 +422,7 @@ class Database:
             len(uses) > 1 and (key or kind == 0) for kind, uses in self.entries[key][1].items())]
 
     def index(self):
+        self.counted = [file for files in self.files for file in files if file.valid]
         self.entries = {}  # key in small letters: as first met, with its records by type
         for files in self.files:
             for file in files:
@@ -628,7 +629,7 @@ class Run:
 
     def document(self):
         database, types = self.database, range(len(self.database.types))
-        files = [file for files in database.files for file in files if file.valid]
+        files = database.counted
         records = [record for file in files for record in file.records]
         found = {
             **text("directory", database.shown),

@@ -2,38 +2,6 @@
 
 struct Restores : UndoTest {};
 
-// Runs of random groups, taken back one by one, and the taking back taken back too.
-TEST_F(Restores, EveryByteAndAttributeAfterRandomChanges) {
-    for (int round = 0; round < 12; ++round) {
-        SCOPED_TRACE(round);
-        if (HasFailure())
-            break;
-        std::vector<std::pair<std::string, Snapshot>> runs;
-        for (int run = 0; run < 2; ++run) {
-            const Snapshot before = snapshot(root.path());
-            UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse);
-            for (int group = 0; group < 3; ++group)
-                ASSERT_TRUE(change(keeper, randomGroup()));
-            if (!keeper.path().empty())
-                runs.emplace_back(keeper.path(), before);
-        }
-        for (; !runs.empty(); runs.pop_back()) {
-            const Snapshot after = snapshot(root.path());
-            const RestoreResult back = bringBack(runs.back().first);
-            EXPECT_TRUE(back.complete()) << back.refused << (back.left.empty() ? "" : back.left[0]);
-            EXPECT_EQ(differences(snapshot(root.path()), runs.back().second), Texts());
-            const RestoreResult forth = bringBack(back.ownUndoFile);
-            EXPECT_EQ(forth.refused, "");
-            EXPECT_EQ(forth.left, Texts());
-            EXPECT_EQ(differences(snapshot(root.path()), after), Texts());
-            EXPECT_TRUE(bringBack(runs.back().first).complete());
-            EXPECT_EQ(bringBack(runs.back().first).changes.size(), 0U); // again, which finds nothing to do
-            EXPECT_EQ(differences(snapshot(root.path()), runs.back().second), Texts());
-        }
-        EXPECT_EQ(reports, Texts());
-    }
-}
-
 // What was changed since is left and named; the rest comes back only when the person says so.
 TEST_F(Restores, LeavesWhatHasChangedSince) {
     std::vector<Change> group;

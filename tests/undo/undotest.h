@@ -116,23 +116,6 @@ protected:
         return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
     }
 
-    // Changes of up to five entries, each of another.
-    std::vector<Change> randomGroup() {
-        std::vector<Change> group;
-        for (const std::string& name : listTree(root.path())) {
-            if (name.back() == '/' || pick(4) != 0)
-                continue;
-            if (fs::is_regular_file(root / name) && pick(3) != 0)
-                addKeys(group, name);
-            else
-                group.push_back({Change::deletion, name, 0, 0, "", "", ""});
-        }
-        if (pick(2) == 0)
-            group.push_back({Change::making, "DBASE/N" + std::to_string(++made), 0, 0, "", "", ""});
-        if (pick(3) == 0)
-            group.push_back({Change::making, "new" + std::to_string(++made), 0, 0, "", "", ""});
-        return group;
-    }
     void addKeys(std::vector<Change>& group, const std::string& name) {
         if (fs::is_symlink(root / name) || fs::path(name).extension() == ".CNF")
             return; // a second name of a file, or one without keys
