@@ -1,5 +1,5 @@
-// The characters of Windows-1252 from 0x80 to 0x9F; a byte without a meaning there is the control character of
-// its number. All others are those of Latin-1.
+// The characters of Windows-1252 from 0x80 to 0x9F; a byte without a meaning there is the control character
+// of its number. All others are those of Latin-1.
 #pragma once
 
 #include <array>
