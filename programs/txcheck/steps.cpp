@@ -1,10 +1,14 @@
 #include "steps.h"
 
+#include <algorithm>
 #include <set>
 
+#include "model/exptype.h"
+#include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
 #include "page.h"
+#include "platform/system/letters.h"
 #include "told.h"
 
 namespace {
@@ -16,6 +20,28 @@ SolvedStep record(const TSXproblem& problem, int row, std::string id, int number
             problem.solutionlabel(number),
             problem.message.c_str(),
             result};
+}
+
+// The class in whose directory something stands; below 0 for none.
+int classOf(const Unread& thing) {
+    const std::string_view directory = std::string_view(thing.name).substr(0, thing.name.find('/'));
+    int fileclass = fileclasscount - 1;
+    while (fileclass >= 0 && !equalIgnoringCase(fileclasses[fileclass].directory, directory))
+        --fileclass;
+    return fileclass;
+}
+
+// What is unread and may shift the number of the type or of an occurrence in it, so that they would speak of
+// another record: types and records are counted in the order of the classes. None if there is nothing.
+const Unread* shifting(const TSXdatabase& database, int type) {
+    const TSXexptype* const counted = database.gettype(type);
+    const int first = type == 0 ? 0 : 1;
+    const int last = counted != nullptr ? counted->classid : 0;
+    const auto found = std::ranges::find_if(database.unread, [&](const Unread& thing) {
+        const int fileclass = classOf(thing);
+        return thing.weight == Unread::whole && (fileclass < 0 || (fileclass >= first && fileclass <= last));
+    });
+    return found == database.unread.end() ? nullptr : &*found;
 }
 
 } // namespace
@@ -171,10 +197,10 @@ bool Steps::preen() {
 }
 
 bool Steps::changeKey(const ChangeKeyStep& step) {
-    // What is unread shifts the numbers of types and occurrences: they would speak of another record.
-    if (!database.picturecomplete())
-        return refuse("--change-key: something could not be read, and types and occurrences can't be counted "
-                      "without it. Put that right first");
+    if (const Unread* thing = shifting(database, step.type))
+        return refuse("--change-key: '" + thing->name +
+                      "' could not be read, and without it types and "
+                      "occurrences may have other numbers. Make it readable, and start again");
     TSXkeyentry* entry = database.keytree.find(step.key);
     const int uses = entry != nullptr ? entry->occurrences(step.type) : 0;
     if (step.n < 1 || step.n > uses)

@@ -516,7 +516,10 @@ class Database:
 
     def change_key(self, key, kind, n, new, yes):
         """True changed, None nothing to do, False refused."""
-        if self.lacks("whole") or n < 1 or n > self.count(key, kind):
+        folders = [row[0].encode() for row in CLASSES]
+        counted = folders[:1] if kind == 0 else folders[1:self.types[kind][0] + 1] if kind < len(self.types) else []
+        if any(weight == "whole" and name.split(b"/")[0].lower() in [folder.lower() for folder in counted]
+               for name, weight, _ in self.unread) or n < 1 or n > self.count(key, kind):
             return False
         old = self.entries[key.lower()]
         if new.lower() == key.lower():
