@@ -42,20 +42,28 @@ public:
     }
 
 private:
+    // Where the last search has ended. One for the same key begins there: of fewer digits all were tried.
+    struct Reached {
+        std::string key;
+        int digits = 1;
+        int first = 2; // of that many digits
+    };
+
     template <class Test> std::string firstfree(std::string_view key, Test isfree) {
-        int first = 2;
-        for (int digits = 1;; ++digits) {
-            const int end = first < 10 ? 10 : first * 10;
-            std::string stem(
-                key.substr(0, maxcandidatelength - suffixmark.size() - static_cast<std::size_t>(digits)));
+        if (key != reached.key)
+            reached = {std::string(key)};
+        for (;; ++reached.digits) {
+            const int end = reached.digits == 1 ? 10 : reached.first * 10;
+            std::string stem(key.substr(0, maxcandidatelength - suffixmark.size() -
+                                               static_cast<std::size_t>(reached.digits)));
             stem += suffixmark;
-            int& number = numbers.try_emplace({digits, stem}, first).first->second;
+            int& number = numbers.try_emplace({reached.digits, stem}, reached.first).first->second;
             while (number < end) {
                 std::string candidate = stem + std::to_string(number++); // taken, or taken by this record
                 if (isfree(candidate))
                     return candidate;
             }
-            first = end;
+            reached.first = end;
         }
     }
 
@@ -67,6 +75,7 @@ private:
 
     TSXkeytree& tree;
     int type;
+    Reached reached;
     // By the number's digits and the text in front of it, the lowest number that was not yet tried.
     std::map<std::pair<int, std::string>, int, IgnoringCase> numbers;
 };
