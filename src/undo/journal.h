@@ -6,8 +6,8 @@
 #include <vector>
 
 struct FinishedWork {
-    std::vector<std::string>
-        texts;            // for the person: what was finished, and what was left; empty: nothing was waiting
+    // For the person: what was finished, and what was left. Empty: nothing was waiting.
+    std::vector<std::string> texts;
     bool complete = true; // false: something still waits, and the database must not be used as it is
 };
 

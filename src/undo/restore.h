@@ -16,8 +16,8 @@ struct RestoreOptions {
 
 struct RestoreResult {
     std::string refused; // why nothing was done; empty otherwise
-    std::vector<std::string>
-        left;                    // what has changed since or could not be brought back, each with the reason
+    // What has changed since or could not be brought back, each with the reason.
+    std::vector<std::string> left;
     std::vector<Change> changes; // what was done, in this order
     std::string ownUndoFile;     // empty when nothing had to be done
     bool complete() const { return refused.empty() && left.empty(); }
