@@ -1,6 +1,7 @@
 #include "concern.h"
 
 #include "model/datafile.h"
+#include "model/fileclass.h"
 #include "model/problem.h"
 
 namespace {
@@ -80,6 +81,10 @@ void forEachFile(const TSXproblem& problem, const std::function<void(const std::
     for (std::size_t i = 1; i < files.size(); ++i)
         if (problem.kind == emptyfiles ? files[i]->isempty() : static_cast<int>(i) == problem.fileindex)
             take(database.diskname(files[i]->path.view()));
+}
+
+std::string placeOf(const TSXdatafile& file) {
+    return std::string(fileclasses[file.classid].directory) + '/' + file.name.c_str();
 }
 
 const char* kindText(int kind) {

@@ -8,6 +8,7 @@
 #include "model/database.h"
 #include "model/keyentry.h"
 
+class TSXdatafile;
 class TSXproblem;
 
 // Names the keys that a problem is about, each with its records of those types that are concerned.
@@ -19,6 +20,8 @@ void forEachKey(const TSXproblem& problem, const std::function<void(const KeyCon
 
 // Names the files and directories that a problem is about, relative to the database's directory.
 void forEachFile(const TSXproblem& problem, const std::function<void(const std::string&)>& take);
+
+std::string placeOf(const TSXdatafile& file); // its directory and its name without an ending
 
 const char* kindText(int kind);        // what the kind means for the data
 const char* solutionText(int command); // what the solution does to the data

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "concern.h"
 #include "model/datafile.h"
 #include "model/exptype.h"
 #include "model/fileclass.h"
@@ -183,14 +184,10 @@ std::string types(const TSXdatabase& database) {
     return table("types", {"Type", "Name", "Class", "Files", "Entries"}, rows);
 }
 
-std::string fileText(const TSXdatafile& file) {
-    return std::string(fileclasses[file.classid].directory) + '/' + file.name.c_str();
-}
-
 std::string records(const TSXkeyentry& entry) {
     std::vector<std::string> places;
     for (const Occurrence& record : entry.records())
-        places.push_back("type " + std::to_string(record.type) + ": " + name(fileText(*record.file)) +
+        places.push_back("type " + std::to_string(record.type) + ": " + name(placeOf(*record.file)) +
                          ", record " + std::to_string(record.record));
     return listInCell(places);
 }
@@ -199,12 +196,14 @@ std::string entry(const TSXdatabase& database, const std::string& wanted) {
     const TSXkeyentry* found = database.keytree.find(wanted);
     std::string rows;
     if (found != nullptr)
-        for (const Occurrence& record : found->records())
-            rows += "<tr>" + number(record.type) + cell(name(fileText(*record.file))) +
-                    number(record.record) + "</tr>\n";
+        found->foreachlist([&](std::span<const Occurrence> list) {
+            for (std::size_t n = 0; n < list.size(); ++n)
+                rows += "<tr>" + number(list[n].type) + number(static_cast<long>(n) + 1) +
+                        number(list[n].record) + cell(name(placeOf(*list[n].file))) + "</tr>\n";
+        });
     return section("entry", "Entry " + keyName(wanted),
                    rows.empty() ? "<p>No record uses this key.</p>\n"
-                                : table("entry", {"Type", "File", "Record"}, rows));
+                                : table("entry", {"Type", "N", "Record", "File"}, rows));
 }
 
 std::string keys(const TSXdatabase& database) {

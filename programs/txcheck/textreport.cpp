@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "model/datafile.h"
+#include "concern.h"
 #include "model/exptype.h"
 #include "model/fileclass.h"
 #include "model/keyentry.h"
@@ -109,10 +109,9 @@ void writeEntry(Page& page, const TSXdatabase& database, const std::string& want
     page.line("", "   Type      N  Record  File");
     entry->foreachlist([&](std::span<const Occurrence> list) {
         for (std::size_t n = 0; n < list.size(); ++n) {
-            const TSXdatafile& file = *list[n].file;
             page.line(rightAligned(list[n].type, 7) + rightAligned(static_cast<long>(n) + 1, 7) +
                           rightAligned(list[n].record, 8) + "  ",
-                      std::string(fileclasses[file.classid].directory) + '/' + printable(file.name.view()));
+                      printable(placeOf(*list[n].file)));
         }
     });
 }

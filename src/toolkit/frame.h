@@ -38,8 +38,8 @@ public:
     // To be changed before the window is made.
     std::int32_t hasStatusBar = 1; // anything else: no status bar
     std::int32_t hasBorder = 1;    // 0: no border
-    std::string* place =
-        nullptr; // the window opens where this tells, and notes there where it was at its end
+    // The window opens where this tells, and notes there where it was at its end.
+    std::string* place = nullptr;
     std::unique_ptr<CStatusBarCtrl> statusBar; // from the creation of the window on
 
 private:
