@@ -163,7 +163,6 @@ class NarrowHelp : public CLI::Formatter {
         constexpr std::size_t column = 26;
         std::string text =
             "  " + make_option_name(option, positional) + (positional ? "" : " " + option->get_type_name());
-        text.resize(text.find_last_not_of(' ') + 1);
         text +=
             text.size() < column ? std::string(column - text.size(), ' ') : "\n" + std::string(column, ' ');
         return text + wrapped(make_option_desc(option), 80 - column, column) + '\n';
