@@ -87,6 +87,13 @@ class Display:
     def key(self, *keys):
         self.xdotool("key", "--delay", 40, *keys)
 
+    def answer(self, title, text, ending):
+        """Types into a dialogue and leaves it by a key."""
+        self.window(title)
+        self.xdotool("type", "--delay", 30, text)
+        self.key(ending)
+        self.gone(title)
+
     def menu(self, window, x, number):
         """Chooses entry number, from 1, of the menu whose title stands at x."""
         self.xdotool("windowactivate", "--sync", window)
@@ -293,6 +300,23 @@ def keys(display, work):
     expect("Changed 3" in place.keys(), "Yes did not save the change")
 
 
+def chosen_by_hand(display, place):
+    """From nothing to the tool on a database that is added at the second try, beside one that is there."""
+    display.start("txstart")
+    window = display.window(START_TITLE)
+    display.xdotool("windowactivate", "--sync", window)
+    display.key("Return")  # what is to be done first
+    display.answer("Home directory", place.home, "Return")
+    width, height = map(int, display.box(window)[2:])
+    for ending in "Escape", "Return":
+        display.click(window, 40, height - 25)
+        display.answer("Directory of the database", place.database, "Return")
+        display.answer("Add a database", "Zoo", ending)
+        expect((place.home / "Zoo.dbs").exists() == (ending == "Return"), "added, or not, against the answer")
+    display.click(window, width - 40, height - 25)
+    return Tool(display, "Zoo")
+
+
 def starting(display, work):
     """What the start-up program writes and refuses, and what keeps the tool from starting: it then stays away."""
     place = Place(display, work)
@@ -312,10 +336,8 @@ def starting(display, work):
                       ["--add", "a/b", place.database], ["--database", "nobody"], ["--home", work / "nowhere"]):
         expect(display.run("txstart", *arguments) == 8, "not refused: %s" % arguments)
     expect(display.run("txstart", "--add", "Other") == 16 and display.run("txstart", "--help") == 0, "usage")
-    display.start("txstart")
-    display.xdotool("windowactivate", "--sync", display.window(START_TITLE))
-    display.key("Return")  # inspects the current database
-    tool = Tool(display, place.name)
+    shutil.rmtree(work / "config")
+    tool = chosen_by_hand(display, place)
     refused("Return", 0)  # the database is held
     tool.leave()
     (place.database / "outside.xdb").touch()
