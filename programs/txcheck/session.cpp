@@ -145,10 +145,10 @@ bool Session::save() {
 }
 
 int Session::status() const {
-    if (options.restore)
-        return steps.failed ? statusFailed : statusClean;
     if (steps.failed || database.unreadcount() > 0)
         return statusFailed;
+    if (options.restore)
+        return statusClean;
     if (options.plan)
         return steps.found ? statusLeft : statusClean;
     if (known.unknownIn(database) > 0 || database.ismodified() == 1)

@@ -3,16 +3,19 @@
    FAULT_FROM=N    that one and all behind it fail
    FAULT_SHORT=N   the read or write of that number, counted by themselves, moves only half of its bytes
    FAULT_SECTOR=PATH:N    no byte of that sector of 512 bytes of the file can be read
+   FAULT_KILL=N    the program is killed in front of the call of that number
    FAULT_REPORT=PATH      gets the numbers of calls at the end: all, then the reads and writes among them */
 #include "paths.h"
 
 #include <dirent.h>
 #include <errno.h>
+#include <signal.h>
 #include <stdarg.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 
 static const char *sector;
-static long at, from, shortened, calls, moves, sector_number;
+static long at, from, shortened, killed, calls, moves, sector_number;
 
 static long number(const char *name) {
     const char *value = getenv(name);
@@ -24,6 +27,7 @@ __attribute__((constructor)) static void start(void) {
     at = number("FAULT_AT");
     from = number("FAULT_FROM");
     shortened = number("FAULT_SHORT");
+    killed = number("FAULT_KILL");
     sector = getenv("FAULT_SECTOR");
     if (sector != NULL)
         sector_number = atol(strrchr(sector, ':') + 1);
@@ -43,7 +47,8 @@ __attribute__((destructor)) static void finish(void) {
 static int fails(int counted) {
     if (!counted)
         return 0;
-    ++calls;
+    if (++calls == killed)
+        raise(SIGKILL);
     if (calls != at && (from == 0 || calls < from))
         return 0;
     errno = EIO;
@@ -110,6 +115,19 @@ ON_PATH(int, statx, (int d, const char *p, int f, unsigned m, struct statx *s), 
 ON_FILE(int, fstat, (int f, struct stat *s), f, (f, s))
 ON_FILE(int, fstat64, (int f, struct stat64 *s), f, (f, s))
 ON_PATH(int, access, (const char *p, int m), AT_FDCWD, p, (p, m))
+ON_PATH(int, faccessat, (int d, const char *p, int m, int f), d, p, (d, p, m, f))
+ON_PATH(ssize_t, readlink, (const char *p, char *b, size_t n), AT_FDCWD, p, (p, b, n))
+ON_PATH(int, symlink, (const char *o, const char *p), AT_FDCWD, p, (o, p))
+ON_PATH(int, rmdir, (const char *p), AT_FDCWD, p, (p))
+ON_PATH(int, truncate, (const char *p, off_t n), AT_FDCWD, p, (p, n))
+ON_PATH(int, truncate64, (const char *p, off64_t n), AT_FDCWD, p, (p, n))
+ON_PATH(int, chmod, (const char *p, mode_t m), AT_FDCWD, p, (p, m))
+ON_PATH(int, lchown, (const char *p, uid_t u, gid_t g), AT_FDCWD, p, (p, u, g))
+ON_PATH(int, utimensat, (int d, const char *p, const struct timespec t[2], int f), d, p, (d, p, t, f))
+ON_PATH(int, renameat2, (int c, const char *o, int d, const char *p, unsigned f), d, p, (c, o, d, p, f))
+ON_PATH(ssize_t, llistxattr, (const char *p, char *b, size_t n), AT_FDCWD, p, (p, b, n))
+ON_PATH(ssize_t, lgetxattr, (const char *p, const char *a, void *b, size_t n), AT_FDCWD, p, (p, a, b, n))
+ON_PATH(int, lsetxattr, (const char *p, const char *a, const void *b, size_t n, int f), AT_FDCWD, p, (p, a, b, n, f))
 ON_PATH(int, mkdir, (const char *p, mode_t m), AT_FDCWD, p, (p, m))
 ON_PATH(int, unlink, (const char *p), AT_FDCWD, p, (p))
 ON_PATH(int, unlinkat, (int d, const char *p, int f), d, p, (d, p, f))
@@ -124,6 +142,7 @@ ON_FILE(off64_t, lseek64, (int f, off64_t n, int w), f, (f, n, w))
 ON_FILE(int, fsync, (int f), f, (f))
 ON_FILE(int, fdatasync, (int f), f, (f))
 ON_FILE(int, syncfs, (int f), f, (f))
+ON_FILE(int, fchown, (int f, uid_t u, gid_t g), f, (f, u, g))
 ON_FILE(int, fchmod, (int f, mode_t m), f, (f, m))
 
 #define READS(name, offset)                                                                                            \
