@@ -27,6 +27,7 @@ class Tree:
     def __init__(self, root, seed):
         self.chance, self.root = random.Random(seed), root
         self.pick = self.chance.choice
+        self.often = self.pick(KEYS)
         for name in ["DBASE", "fprint", "images", "char", "seq", "matrix", "gel2d", "Library", "bundles", "Library/A.LIB"]:
             if self.rarely(12):
                 name = self.pick([name.lower(), name.upper(), "away", name, name + "/../" + name.title()])
@@ -67,7 +68,7 @@ class Tree:
     def data_file(self, fileclass):
         row = oracle.CLASSES[fileclass]
         kind, fields = oracle.field(self.pick(TYPES)), self.pick([0, 0, 2])
-        records = [self.record(row, fileclass, fields) for _ in range(1 if fileclass == 5 else self.pick([0, 1, 2, 3, 4, 5, 8]))]
+        records = [self.record(row, fileclass, fields) for _ in range(1 if fileclass == 5 else self.pick([0, 1, 2, 3, 4, 5, 8, 40]))]
         names = struct.pack("<i", fields) + oracle.counted(b"name") * fields
         known = [(row[3], kind if fileclass else names)] if row[3] else []
         if records:
@@ -77,7 +78,7 @@ class Tree:
         return self.chunks(oracle.counted(row[2]), known)
 
     def record(self, row, fileclass, fields):
-        key = self.pick(KEYS) if self.rarely(2) else b"k%d" % self.chance.randrange(12)
+        key = self.pick([self.often, self.pick(KEYS), b"k%d" % self.chance.randrange(12)])
         capacity = self.pick([61] * 12 + [60, 70])
         record = struct.pack("<ii", len(key), capacity) + key.ljust(capacity, b"\0")
         if fileclass in (1, 5):
