@@ -91,6 +91,8 @@ TEST_F(Repairs, ChangeKeyRefusesAsksOrMoves) {
     TSXdatafile& experiments = newFile({"a", "a", "b"}, database->addexptype(1, "T"));
     database->analyse();
     TSXkeyentry &a = database->findoraddkey("a"), &b = database->findoraddkey("b");
+    const std::string tooLong(61, 'x'),
+        tooLongText = "Error 48: The new key is too long: a key has at most 60 bytes. Nothing was changed";
     const struct {
         int type, n, answer;
         std::string text;
@@ -98,12 +100,7 @@ TEST_F(Repairs, ChangeKeyRefusesAsksOrMoves) {
         Texts report;
     } rows[] = {
         {0, 1, IDYES, "A", 0, {}},
-        {0,
-         1,
-         IDYES,
-         std::string(61, 'x'),
-         -1,
-         {"Error 48: The new key is too long: a key has at most 60 bytes. Nothing was changed"}},
+        {0, 1, IDYES, tooLong, -1, {tooLongText}},
         {0, 2, IDYES, "new", -1, {}},
         {2, 1, IDYES, "new", -1, {}},
         {0, 1, IDNO, "B", -1, {"Warning 52: This database entry exists already. Continue?"}},
@@ -118,6 +115,8 @@ TEST_F(Repairs, ChangeKeyRefusesAsksOrMoves) {
         EXPECT_EQ(reports, row.report);
         EXPECT_EQ(database->keytotal, 3) << "a refusal adds no key";
     }
+    EXPECT_EQ(database->renamekey(b, tooLong.c_str()), -1);
+    EXPECT_EQ(reports.back(), tooLongText);
     EXPECT_EQ(keysOf(experiments), (Texts{"B", "c", "b"}));
     EXPECT_EQ(a.occurrences(0), 1);
     EXPECT_EQ(a.occurrences(1), 0);
@@ -129,4 +128,21 @@ TEST_F(Repairs, ChangeKeyRefusesAsksOrMoves) {
     experiments.keyreading[3] = Reading::ended;
     EXPECT_EQ(database->changekey(b, 1, 1, "d"), -1) << "a record that could not be read";
     EXPECT_EQ(b.occurrences(1), 1);
+}
+
+TEST_F(Repairs, WhatIsOutsideOfTheListsIsNeitherChangedNorDeleted) {
+    load();
+    newFile({"twice", "twice"});
+    database->analyse();
+    for (const int outside : {-1, 2, 6}) {
+        EXPECT_EQ(database->deletecorruptfile(0, outside) + database->getproblem(1)->solve(outside + 1), 0);
+        EXPECT_EQ(database->getproblem(1)->solutioncommand(outside + 1), 0);
+    }
+    for (const int outside : {-1, 6}) {
+        EXPECT_EQ(database->removeemptyfiles(outside) + database->deletecorruptfile(outside, 1), 0);
+        database->renameduplicates(outside);
+    }
+    EXPECT_EQ(database->ismodified() + database->lists[0]->count, 1);
+    std::filesystem::remove_all(root.path());
+    EXPECT_EQ(load().problemcount, 9);
 }

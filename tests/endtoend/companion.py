@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Runs txcheck and txsample as a script would, where the work does not go its plain way: a step that fails, a
-database that another holds, files that can't be written.  Usage: companion.py DIRECTORY-OF-THE-PROGRAMS"""
+"""Runs txcheck and txsample as a script would, where what is around them is in the way: a database that another holds,
+files that can't be written.  Usage: companion.py DIRECTORY-OF-THE-PROGRAMS"""
 
 import fcntl
 import os
@@ -14,33 +14,7 @@ from programtest import BUSY, ProgramTest, contents, load_programs
 ProgramTest.programs = load_programs()
 
 
-class Steps(ProgramTest):
-    def test_one_that_fails_ends_the_work_with_a_report(self):
-        self.sample("--damage", "duplicates,blank-keys")
-        before = contents(self.root)
-        keys = {key["counts"][0]: key["key"] for key in self.check("--all", status=4)["keys"]}
-        used, other = keys[1], keys[3]
-        for options, error, solved in [
-                (["--solve", "9:1"], "9:1", 0), (["--solve", "0:1"], "0:1", 0), (["--solve", "1:3"], "1:3", 0),
-                (["--solve", "1:2", "--solve", "3:1", "--preen"], "Left out, since --solve 3:1 failed: --preen, --save", 1),
-                (["--change-key", used, "0", "2", "new"], "no occurrence 2", 0),
-                (["--change-key", "nobody", "0", "1", "new"], "no occurrence 1", 0),
-                (["--change-key", used, "99", "1", "new"], "no occurrence 1", 0),
-                (["--change-key", used, "0", "1", other], "This database entry exists already", 0)]:
-            with self.subTest(options=options):
-                done = self.check(*options, "--save", status=8, error=error)
-                self.assertEqual((len(done["solved"]), done["saved"]), (solved, 0))
-                self.assert_tree(before)
-        self.check("--change-key", used, "0", "1", "n" * 60, status=4)
-        self.check("--change-key", used, "0", "1", other, "--yes", status=4, error="exists already. Continue? Yes")
-
-    def test_preen_goes_on_behind_one_that_fails(self):
-        self.sample("--damage", "duplicates,missing-directories")
-        pathlib.Path(self.root, "images").write_bytes(b"")
-        done = self.check("--preen", "--save", status=8, error="Unable to create the directory '%s\\images'" % self.root)
-        self.assertEqual([(step["command"], step["result"]) for step in done["solved"]], [(7007, 0), (7007, 1), (7003, 1)])
-        self.assertEqual(([p["kind"] for p in done["problems"]], done["modified"], done["saved"]), ([5], 0, 1))
-
+class Rights(ProgramTest):
     def test_what_permissions_refuse_is_told_and_stays(self):
         self.sample("--damage", "duplicates,corrupt-files")
         program = self.run_as_nobody()

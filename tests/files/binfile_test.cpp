@@ -42,6 +42,11 @@ TEST_F(DatabaseTest, BinFileTellsEveryMisuseAndFailure) {
     EXPECT_EQ(file.readstring(text, 100), 0);
     expect(
         {"tried to blockread from closed file " + name, "could not read string from " + name + " (0 0 0)"});
+    text = "of before";
+    writeFile(name, integer(0));
+    EXPECT_EQ(file.openread(name.c_str()) + file.readstring(text, 100), 2);
+    EXPECT_EQ(text, "");
+    file.close();
     { EXPECT_EQ(TSXbinfile().openread(name.c_str()), 1); }
     expect({"file not closed"});
 }
