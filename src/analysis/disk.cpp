@@ -173,7 +173,7 @@ int TSXdatabase::createdirectory(const char* fullpath) {
     const Change change = filechange(Change::making, diskname(fullpath));
     if (!ask(*this, {change}))
         return 0;
-    const bool made = (planning ? planDirectory(fullpath) : CreateDirectoryA(fullpath)) != 0;
+    const bool made = planning ? planDirectory(fullpath) : CreateDirectoryA(fullpath) != 0;
     if (made)
         addchange(change);
     else

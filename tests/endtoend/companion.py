@@ -49,7 +49,6 @@ class Rights(ProgramTest):
 
 
 class Surroundings(ProgramTest):
-
     def test_one_that_another_holds_is_refused_and_not_touched(self):
         self.sample("--damage", "duplicates")
         log = pathlib.Path(self.work, "TXLOG.TXT")
@@ -64,16 +63,6 @@ class Surroundings(ProgramTest):
             self.assertEqual(log.read_bytes(), b"of the run before")
         self.check("--preen", "--save", status=1)
 
-    def test_the_current_database_of_the_settings_is_taken_and_a_connected_one_warned_of(self):
-        self.sample("--home", self.work, "--name", "My base")
-        store = pathlib.Path(self.work, "config", "txinspect", "settings.ini")
-        store.parent.mkdir(parents=True)
-        entry = "Hesperon%%20Labs\\Trelvanexis\\1.0\\%s=%s\n"
-        store.write_text("[SOFTWARE]\n" + entry % ("Home%20Directory", self.work) + entry % ("Current%20Database", "My base"))
-        self.assertEqual(self.check(status=0, directory=[])["directory"], os.path.realpath(self.root))
-        pathlib.Path(self.root, "far.XDB").write_bytes(b"")
-        self.check(status=0, error="There is a connected database present")
-
     def test_an_anonymous_copy_has_the_same_problems_and_none_of_the_texts(self):
         self.sample("--damage", "duplicates,experiment-duplicates,blank-keys,orphans,empty-files,corrupt-files,side-files,"
                     "missing-directories,odd-bytes")
@@ -85,12 +74,6 @@ class Surroundings(ProgramTest):
         copy = b"".join(bytes_ for bytes_ in contents(self.work + "/copy").values() if bytes_)
         for key in found[0]["keys"]:
             self.assertFalse(len(key["key"]) > 5 and key["key"].encode() in copy, key)
-
-    def test_progress_is_told_on_request_only(self):
-        self.sample()
-        self.assertEqual(self.run_program("txcheck", self.root, "--no-progress").stderr, b"")
-        told = self.run_program("txcheck", self.root, "--progress").stderr
-        self.assertRegex(told, rb"^\rReading DBASE +5 %  1 files, 40 records \r.*94 %  17 files, 602 records \r +\r$")
 
 
 if __name__ == "__main__":

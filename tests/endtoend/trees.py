@@ -54,8 +54,8 @@ class Tree:
             content = self.damaged(content)
         if self.rarely(25):
             path.mkdir()
-        elif self.rarely(25):
-            path.symlink_to(self.pick(["nowhere", "../images", "A." + extension]))
+        elif self.rarely(12):
+            path.symlink_to(self.pick(["nowhere", "../images", "A." + extension, "A." + extension]))
         elif self.rarely(25):
             path.with_suffix(".real").write_bytes(content)
             path.symlink_to(path.with_suffix(".real").name)

@@ -61,19 +61,19 @@ bool planRemoval(const char* path) {
     return true;
 }
 
-int planDirectory(const char* path) {
+bool planDirectory(const char* path) {
     if (injectedFault(DiskOperation::makeDirectory))
-        return 0;
+        return false;
     const std::string resolved = resolvePath(path);
     if (pathExists(resolved)) {
         SetLastError(ERROR_ALREADY_EXISTS);
-        return 0;
+        return false;
     }
     if (obstacleAt(resolved) != ERROR_SUCCESS)
-        return 0;
+        return false;
     made.insert(placeOf(resolved));
     forgetListings();
-    return 1;
+    return true;
 }
 
 unsigned obstacleToChange(const char* path) {
@@ -81,8 +81,6 @@ unsigned obstacleToChange(const char* path) {
 }
 
 void forgetPlan() {
-    if (gone.empty() && made.empty())
-        return;
     gone.clear();
     made.clear();
     forgetListings();

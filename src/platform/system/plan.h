@@ -9,9 +9,8 @@
 // Counts a plain file or a link as gone, where removeFile would delete it. False on failure, as there.
 bool planRemoval(const char* path);
 
-// Counts a directory as made, where CreateDirectoryA would make it. Non-zero on success; 0 on failure, as
-// there.
-int planDirectory(const char* path);
+// Counts a directory as made, where CreateDirectoryA would make it. False on failure, as there.
+bool planDirectory(const char* path);
 
 // Whether entries of the directory in which the path's last component stands can be made and taken away: 0,
 // else the number of the reason.

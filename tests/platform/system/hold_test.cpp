@@ -14,6 +14,7 @@
 
 #include "child.h"
 #include "platform/system/bytestream.h"
+#include "platform/system/signalhold.h"
 #include "tempdir.h"
 
 namespace {
@@ -98,4 +99,22 @@ TEST_F(Hold, IsRefusedByAFileSystemWithoutLocks) {
     if (status == notPossibleHere)
         GTEST_SKIP() << "the answers of the system can't be changed here";
     EXPECT_EQ(status, ERROR_NOT_SUPPORTED);
+}
+
+TEST(SignalHold, EachSignalWaitsForTheEndOfTheOuterHold) {
+    static int arrived;
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        arrived = 0;
+        const auto before = std::signal(signal, [](int) { ++arrived; });
+        {
+            const SignalHold outer;
+            { const SignalHold inner; }
+            std::raise(signal);
+            EXPECT_EQ(arrived, 0);
+        }
+        EXPECT_EQ(arrived, 1);
+        std::raise(signal);
+        EXPECT_EQ(arrived, 2);
+        std::signal(signal, before);
+    }
 }
