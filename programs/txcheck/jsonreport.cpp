@@ -104,7 +104,7 @@ Json unread(const Unread& thing) {
 template <class Item> void writeList(std::ostream& out, const char* name, int count, Item item) {
     out << ",\n\"" << name << "\":[";
     for (int i = 1; i <= count; ++i)
-        out << (i > 1 ? ",\n" : "\n") << item(i).dump();
+        out << (i > 1 ? ",\n" : "\n") << escaped(item(i).dump());
     out << ']';
 }
 
@@ -118,7 +118,7 @@ void writeJson(std::ostream& out, const Session& session, const Options& options
     const TSXdatabase& database = session.database;
     Json head;
     put(head, "directory", database.directory.view());
-    std::string opening = head.dump();
+    std::string opening = escaped(head.dump());
     opening.pop_back();
     out << opening;
     writeList(out, "problems", database.problemcount,
@@ -129,7 +129,7 @@ void writeJson(std::ostream& out, const Session& session, const Options& options
     writeList(out, "keys", database.visiblecount,
               [&](int i) { return key(*database.getvisiblekey(i), database.lasttype); });
     if (options.entry)
-        out << ",\n\"entry\":" << entry(database, *options.entry).dump();
+        out << ",\n\"entry\":" << escaped(entry(database, *options.entry).dump());
     const auto at = [](const auto& items, int n) -> const auto& {
         return items[static_cast<std::size_t>(n) - 1];
     };

@@ -1,5 +1,6 @@
 #include "shown.h"
 
+#include "platform/system/text.h"
 #include "platform/system/utf8.h"
 #include "platform/system/windows1252.h"
 
@@ -20,6 +21,21 @@ std::string hex(std::string_view bytes) {
     for (const char byte : bytes) {
         const auto number = static_cast<unsigned char>(byte);
         text += {digits[number >> 4], digits[number & 15]};
+    }
+    return text;
+}
+
+std::string escaped(const std::string& json) {
+    if (json.find_first_of("\x7F\xC2") == std::string::npos) // where each of them begins
+        return json;
+    std::string text;
+    for (std::string_view rest = json; !rest.empty();) {
+        const Utf8Character first = utf8Character(rest);
+        if (first.number >= 0x7F && first.number < 0xA0)
+            text += Text<10>().format("\\u%04x", first.number).view();
+        else
+            text += rest.substr(0, first.length);
+        rest.remove_prefix(first.length);
     }
     return text;
 }

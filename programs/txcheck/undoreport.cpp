@@ -48,7 +48,7 @@ int writeUndoList(std::ostream& out, bool json) {
         else
             writeEntry(out, entry);
     if (json)
-        out << nlohmann::ordered_json({{"undo", list}}).dump(1) << '\n';
+        out << escaped(nlohmann::ordered_json({{"undo", list}}).dump(1)) << '\n';
     out.flush();
     if (out)
         return statusClean;

@@ -143,6 +143,8 @@ TEST_F(Repairs, WhatIsOutsideOfTheListsIsNeitherChangedNorDeleted) {
         database->renameduplicates(outside);
     }
     EXPECT_EQ(keysOf(file), (Texts{"twice", "twice"}));
+    database->lists[0]->removeat(1);
+    EXPECT_STREQ(newFile({}).name, "DBSF001");
     std::filesystem::remove_all(root.path());
     EXPECT_EQ(load().problemcount, 9);
 }

@@ -33,7 +33,7 @@ class Tree:
                 name = self.pick([name.lower(), name.upper(), "away", name, name + "/../" + name.title()])
             os.makedirs(os.path.join(root, name), exist_ok=True)
         for fileclass, row in enumerate(oracle.CLASSES):
-            names = ["A", "b", "B", "_", "dbsf001", "\\c" if self.rarely(9) else ".c"]
+            names = ["A", "b", "B", "_", "z", "dbsf001", "\\c" if self.rarely(9) else ".c"]
             for name in self.chance.sample(names, self.pick([0, 1, 1, 2, 3])):
                 self.put(row[0], name, row[1], self.data_file(fileclass))
             if row[6] and self.rarely(3):
