@@ -1,4 +1,5 @@
 #include "databasetest.h"
+#include "platform/system/faults.h"
 
 namespace {
 
@@ -132,7 +133,7 @@ TEST_F(Repairs, ChangeKeyRefusesAsksOrMoves) {
 
 TEST_F(Repairs, WhatIsOutsideOfTheListsIsNeitherChangedNorDeleted) {
     load();
-    const TSXdatafile& file = newFile({"twice", "twice"});
+    TSXdatafile& file = newFile({"twice", "twice"});
     database->analyse();
     for (const int outside : {-1, 2, 6}) {
         EXPECT_EQ(database->deletecorruptfile(0, outside) + database->getproblem(1)->solve(outside + 1), 0);
@@ -142,9 +143,43 @@ TEST_F(Repairs, WhatIsOutsideOfTheListsIsNeitherChangedNorDeleted) {
         EXPECT_EQ(database->removeemptyfiles(outside) + database->deletecorruptfile(outside, 1), 0);
         database->renameduplicates(outside);
     }
+    const TSXproblem unknown(*database, corruptsidefile + 1, 0, "");
+    EXPECT_EQ(unknown.message.c_str() + unknown.id() + unknown.solutionlabel(1), "Unknown error:Database");
+    EXPECT_EQ(unknown.solutioncost(1), Cost::safe);
+    for (const auto& [subkind, id] : {std::pair(-1, "empty:"), {6, "empty:"}})
+        EXPECT_EQ(TSXproblem(*database, emptyfiles, subkind, "").id(), id);
+    EXPECT_STREQ(TSXproblem(*database, duplicatekeys, 9, "").message, "Unknown error");
+    for (const int outside : {-1, 0, 3})
+        file.setkey(outside, "new");
     EXPECT_EQ(keysOf(file), (Texts{"twice", "twice"}));
+    file.unread = true;
+    file.setkey(1, "new");
+    file.addentry("new");
+    EXPECT_EQ(keysOf(file), (Texts{"twice", "twice"}));
+    EXPECT_EQ(newFile(Texts(1001, "many")).keycount, 1000);
     database->lists[0]->removeat(1);
     EXPECT_STREQ(newFile({}).name, "DBSF001");
     std::filesystem::remove_all(root.path());
     EXPECT_EQ(load().problemcount, 9);
+}
+
+// As a save does it, for one file; what can't be done is told and stays to be done.
+TEST_F(Repairs, OneFileIsWrittenBackAndRemoved) {
+    put(0, "A", dataFile(0, "", {"twice", "twice"}));
+    load();
+    TSXdatafile &changed = *database->lists[0]->files[1], &made = newFile({"made"});
+    database->renameduplicates(0);
+    for (const bool faulty : {true, false}) {
+        diskFaultHook = [](DiskOperation operation) { return operation == DiskOperation::sync; };
+        diskFaultHook = faulty ? diskFaultHook : nullptr;
+        for (TSXdatafile* file : {&changed, &made}) {
+            file->writeback();
+            EXPECT_EQ(file->anydirty(), faulty ? 1 : 0);
+        }
+        EXPECT_EQ(reports.size(), 2U);
+    }
+    load();
+    EXPECT_EQ(database->keytotal, 3);
+    for (const int result : {0, -1})
+        EXPECT_EQ(database->lists[0]->files[1]->removefile(), result);
 }

@@ -2,43 +2,6 @@
 
 struct Restores : UndoTest {};
 
-// What was changed since is left and named; the rest comes back only when the person says so.
-TEST_F(Restores, LeavesWhatHasChangedSince) {
-    std::vector<Change> group;
-    while (group.size() < 2)
-        addKeys(group, "DBASE/F1.DBS");
-    group.push_back({Change::making, "DBASE/N1", 0, 0, "", "", ""});
-    group.push_back({Change::making, "new2", 0, 0, "", "", ""});
-    for (const char* name : {"DBASE/F0.DBS", "DBASE/F3.DBS", "DBASE/F4.DBS"})
-        group.push_back({Change::deletion, name, 0, 0, "", "", ""});
-    const Snapshot before = snapshot(root.path());
-    UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse);
-    ASSERT_TRUE(change(keeper, group));
-    std::string content = readFile(root / "DBASE/F1.DBS");
-    writeFile(root / "DBASE/F1.DBS",
-              content.replace(static_cast<std::size_t>(group[0].offset) + 9, 3, "..."));
-    writeFile(root / "DBASE/N1", "other");
-    writeFile(root / "new2/inside", "");
-    writeFile(root / "DBASE/F3.DBS", "other");
-    writeFile(root / "DBASE/f4.dbs", "other");
-    const Snapshot changed = snapshot(root.path());
-    const RestoreResult refused = bringBack(keeper.path());
-    EXPECT_NE(refused.refused, "");
-    EXPECT_EQ(refused.left.size(), 5U);
-    EXPECT_EQ(differences(snapshot(root.path()), changed), Texts());
-    EXPECT_EQ(bringBack(keeper.path(), true).left, refused.left);
-    const Snapshot after = snapshot(root.path());
-    EXPECT_EQ(after.at("DBASE/F0.DBS"), before.at("DBASE/F0.DBS"));
-    EXPECT_EQ(readFile(root / "DBASE/F1.DBS").substr(static_cast<std::size_t>(group[1].offset), 69),
-              group[1].fieldbefore);
-    EXPECT_EQ(readFile(root / "DBASE/F1.DBS").substr(static_cast<std::size_t>(group[0].offset) + 9, 3),
-              "...");
-    for (const char* name : {"DBASE/N1", "new2/inside", "DBASE/F3.DBS", "DBASE/f4.dbs"})
-        EXPECT_EQ(after.at(name), changed.at(name));
-    const TempDir elsewhere;
-    EXPECT_NE(restore({keeper.path(), elsewhere.path(), true, true, ""}).refused, "");
-}
-
 // Neither a byte nor the end can be another; what is refused changes nothing, and neither does a journal.
 TEST_F(Restores, RefusesAFileDamagedAnywhere) {
     UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse);
