@@ -230,20 +230,21 @@ void RestorePlan::planFile(const std::string& name, const Items& items) {
     files.push_back(std::move(walk.plan));
 }
 
-// The other name, where it leads to the file that both were: its number tells, or its content; where it is
-// restored too, that is known. False on failure.
+// The other name, where it still leads to what both led to: one that is restored too does, else its content
+// tells and not its number, which a file made since may have got. False on failure.
 bool RestorePlan::isSecondName(const UndoItem& deletion, std::string& secondOf) const {
+    if (deletion.otherName.empty())
+        return true;
     EntryState other;
     std::string content;
     const std::string path = root_ + "/" + deletion.otherName;
     bool same = known_.count(deletion.otherName) != 0;
-    if (deletion.otherName.empty() || (!same && !readEntry(path, OfLink::itself, other)))
-        return deletion.otherName.empty();
-    if (!same && other.kind == EntryState::plain && other.inode != deletion.state.inode &&
-        !readContent(path, content))
-        return false;
-    same = same || (other.kind == EntryState::plain &&
-                    (other.inode == deletion.state.inode || content == deletion.content));
+    if (!same) {
+        if (!readEntry(path, OfLink::itself, other) ||
+            (other.kind == EntryState::plain && !readContent(path, content)))
+            return false;
+        same = other.kind == EntryState::plain && content == deletion.content;
+    }
     if (same)
         secondOf = deletion.otherName;
     return true;
