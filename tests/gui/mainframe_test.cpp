@@ -3,7 +3,7 @@
 #include "platform/system/faults.h"
 #include "platform/window/statusbarctrl.h"
 
-TEST_F(DesktopTest, MainWindowHasItsTitleSizePanesAndGrooves) {
+TEST_F(DesktopTest, MainWindowHasItsTitleSizeAndPanes) {
     EXPECT_EQ(outerWidget(*main)->windowTitle(), "Database Check- Strains");
     EXPECT_EQ(outerWidget(*main)->size(), QSize(750, 550));
     const RECT client = main->GetClientRect();
@@ -13,16 +13,6 @@ TEST_F(DesktopTest, MainWindowHasItsTitleSizePanesAndGrooves) {
     EXPECT_EQ(place(*main->problemPane), QRect(1, 24, right - 1, 171));
     EXPECT_EQ(place(*main->typesPane), QRect(1, 222, 244, bottom - 222));
     EXPECT_EQ(place(*main->entriesPane), QRect(250, 222, right - 250, bottom - 222));
-    const COLORREF groove[] = {white, getColour(1), getColour(2), getColour(3), black};
-    for (int i = 0; i < 5; ++i) {
-        EXPECT_EQ(surfacePixel(*main, 100, 195 + i), groove[i]) << i;
-        EXPECT_EQ(surfacePixel(*main, 245 + i, 300), groove[i]) << i;
-    }
-    EXPECT_EQ(surfacePixel(*main, 247, 197), getColour(2)) << "the grooves meet";
-    for (const int y : {22, 220}) {
-        EXPECT_EQ(surfacePixel(*main, 400, y), white);
-        EXPECT_EQ(surfacePixel(*main, 400, y + 1), getColour(-1));
-    }
 }
 
 TEST_F(DesktopTest, ASolutionThatFailsBeepsAndLeavesTheList) {

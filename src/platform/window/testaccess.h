@@ -5,6 +5,7 @@
 #include <functional>
 
 #include "platform/window/colour.h"
+#include "platform/window/drawingobjects.h"
 
 class CDialog;
 class CMenu;
@@ -20,6 +21,9 @@ struct Answers {
     // The id of the chosen entry, or 0 for none.
     std::function<std::uint32_t(const CMenu& menu)> popupMenu;
     std::function<void()> beep;
+    // Told of each text where it would be painted. No letters appear then: pictures are the same with any
+    // font.
+    std::function<void(int x, int y, const char* text, const LOGFONT& font, COLORREF colour)> text;
 };
 extern Answers answers;
 
