@@ -14,21 +14,9 @@ protected:
     Appearance() {
         // So wide that the buttons stand at the edge with any font, and below any temporary directory.
         put("fprint/" + std::string(200, 'w') + ".CNF", "junk");
-        telling = [this](int x, int y, const char* text, const LOGFONT& font, COLORREF colour) {
-            std::string line = Text<400>()
-                                   .format("%d,%d  %d/%d/%d/%d  %06x  %s\n", x, y, font.height, font.weight,
-                                           font.escapement, font.italic, colour, text)
-                                   .c_str();
-            const std::size_t place = line.find(root.path());
-            texts += place == std::string::npos ? line : line.replace(place, root.path().size(), "ROOT");
-        };
     }
     void paint(const char* name, CWnd& window, int width, int height) {
-        texts += std::string(name) + "\n";
-        answers.text = telling;
-        window.InvalidateRect(true);
-        window.UpdateWindow();
-        answers.text = nullptr;
+        texts += std::string(name) + "\n" + textsOn(window);
         Mosaic picture(1, width, height);
         picture.add(window, 0, 0);
         picture.compare((std::string(name) + ".png").c_str());
@@ -38,7 +26,6 @@ protected:
         paint((name + "types").c_str(), *main->typesPane, 244, 160);
         paint((name + "entries").c_str(), *main->entriesPane, 490, 160);
     }
-    std::function<void(int, int, const char*, const LOGFONT&, COLORREF)> telling;
     std::string texts;
 };
 

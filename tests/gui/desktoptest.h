@@ -95,20 +95,24 @@ protected:
         return x;
     }
 
-    // Whether text of that colour, or nearly so, stands in the rectangle.
-    static bool hasInk(const CWnd& window, const RECT& place, COLORREF ink) {
-        for (int y = place.top; y < place.bottom; ++y)
-            for (int x = place.left; x < place.right; ++x) {
-                int distance = 0;
-                for (int shift = 0; shift < 24; shift += 8)
-                    distance = std::max(
-                        distance, std::abs(channel(surfacePixel(window, x, y), shift) - channel(ink, shift)));
-                if (distance < 40)
-                    return true;
-            }
-        return false;
+    // What is written on a window, a line for each text: its place, font, colour, and itself.
+    std::string textsOn(CWnd& window) const {
+        std::string texts;
+        answers.text = [&](int x, int y, const char* text, const LOGFONT& font, COLORREF colour) {
+            Text<60> line;
+            line.format("%d,%d  %d/%d/%d/%d  %06x  ", x, y, font.height, font.weight, font.escapement,
+                        font.italic, colour);
+            const std::string_view shown = text, path = root.path();
+            const std::size_t place =
+                std::min(shown.find(path), shown.size()); // it has another name each time
+            texts += std::string(line.view()) + std::string(shown.substr(0, place)) +
+                     std::string(place < shown.size() ? shown.substr(place + path.size()) : "") + "\n";
+        };
+        window.InvalidateRect(true);
+        window.UpdateWindow();
+        answers.text = nullptr;
+        return texts;
     }
-    static int channel(COLORREF colour, int shift) { return static_cast<int>(colour >> shift & 0xFF); }
 
     TSXmainframe* main = nullptr;
     int beeps = 0;

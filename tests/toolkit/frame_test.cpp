@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
 
@@ -58,6 +59,20 @@ TEST(Frame, DrawsTheBorderOverItsContentAndKeepsAStripForTheStatusBar) {
             ASSERT_EQ(surfacePixel(*frame, x, y), light || dark ? edge : RGB(1, 1, 1)) << x << ", " << y;
         }
     EXPECT_EQ(outerWidget(*frame->statusBar)->geometry(), QRect(0, client.bottom - 18, right, 21));
+}
+
+TEST(Frame, IsNotPlacedWhereNobodyWouldFindIt) {
+    const OnShow<TSXframe> frame;
+    QWidget* const window = outerWidget(*frame);
+    const QRect before = window->geometry(),
+                small[] = {{60, 70, 99, 200}, {60, 70, 200, 99}, {60, 70, 100, 100}};
+    for (const QRect& place : small) {
+        window->setGeometry(place);
+        const std::string kept = frame->GetWindowPlacement();
+        window->setGeometry(before);
+        frame->SetWindowPlacement(kept);
+        EXPECT_EQ(window->geometry(), place == small[2] ? place : before);
+    }
 }
 
 TEST(Frame, TakesCommandsOfItsRangeAndKeysAndClosesWhenItMay) {
@@ -138,6 +153,8 @@ TEST(Prompt, GivesBackWhatTheFieldHoldsInItsEncodingUpToTheLimit) {
         QTimer::singleShot(0, [&] {
             auto* const dialog = outerWidget(*frame)->findChild<QDialog*>();
             auto* const field = dialog->findChild<QLineEdit*>();
+            EXPECT_EQ(dialog->findChild<QLabel*>()->text(), "Enter new key");
+            EXPECT_FALSE(clientWidget(*frame)->isEnabled());
             QApplication::clipboard()->setText(QString::fromStdString(row.typed));
             row.paste ? field->paste() : QTest::keyClicks(field, QString::fromStdString(row.typed));
             for (const Qt::Key key : row.keys)
@@ -146,6 +163,7 @@ TEST(Prompt, GivesBackWhatTheFieldHoldsInItsEncodingUpToTheLimit) {
                 QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
         });
         EXPECT_EQ(promptForText(*frame, "Change key", "Enter new key", text, 99), row.result) << row.typed;
+        EXPECT_TRUE(clientWidget(*frame)->isEnabled());
         EXPECT_EQ(text, row.text);
     }
 }

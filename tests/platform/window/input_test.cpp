@@ -66,6 +66,7 @@ TEST(Encoding, BytesComeBackAsTheyWereInEitherEncoding) {
     EXPECT_EQ(bytesOf(QString::fromUtf16(u"\u0394\U0001F9EAx"), TextEncoding::windows1252).toStdString(),
               "??x");
     EXPECT_EQ(cutBetweenCharacters("a\xC3\xA4", 2), 1U);
+    EXPECT_EQ(cutBetweenCharacters("a\xC3\xA5", 2), 1U);
     EXPECT_EQ(cutBetweenCharacters("a\xC3\xA4", 3), 3U);
     EXPECT_EQ(cutBetweenCharacters("a\xE4\xE4", 2), 2U);
 }
