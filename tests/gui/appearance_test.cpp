@@ -15,16 +15,19 @@ protected:
         // So wide that the buttons stand at the edge with any font, and below any temporary directory.
         put("fprint/" + std::string(200, 'w') + ".CNF", "junk");
     }
-    void paint(const char* name, CWnd& window, int width, int height) {
-        texts += std::string(name) + "\n" + textsOn(window);
+    static void compare(const std::string& name, const CWnd& window, int width, int height) {
         Mosaic picture(1, width, height);
         picture.add(window, 0, 0);
-        picture.compare((std::string(name) + ".png").c_str());
+        picture.compare((name + ".png").c_str());
+    }
+    void paint(const std::string& name, CWnd& window, int width, int height) {
+        texts += name + "\n" + textsOn(window);
+        compare(name, window, width, height);
     }
     void paintMain(const std::string& name) {
-        paint((name + "problems").c_str(), *main->problemPane, 748, 171);
-        paint((name + "types").c_str(), *main->typesPane, 244, 160);
-        paint((name + "entries").c_str(), *main->entriesPane, 490, 160);
+        paint(name + "problems", *main->problemPane, 748, 171);
+        paint(name + "types", *main->typesPane, 244, 160);
+        paint(name + "entries", *main->entriesPane, 490, 160);
     }
     std::string texts;
 };
@@ -32,13 +35,15 @@ protected:
 } // namespace
 
 TEST_F(Appearance, WindowsAreAsTheyWere) {
+    answers.text = [](int, int, const char*, const LOGFONT&, COLORREF) {};
     paintMain("first-");
     paint("frame", *main, 749, 240);
     command(103);
     click(*main->problemPane, 10, 90);
     click(*main->entriesPane, 10, 50);
-    answers.popupMenu = [this](const CMenu&) { return paintMain("pressed-"), 0U; };
+    answers.popupMenu = [this](const CMenu&) { return compare("pressed", *main->problemPane, 748, 171), 0U; };
     click(*main->problemPane, solveX() + 20, 30);
+    paintMain("later-");
     ::database->addunread({"seq/X.DEF", "no reason", Unread::whole});
     command(102);
     paint("status", *main->statusBar, 300, 20);

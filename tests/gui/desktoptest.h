@@ -98,6 +98,7 @@ protected:
     // What is written on a window, a line for each text: its place, font, colour, and itself.
     std::string textsOn(CWnd& window) const {
         std::string texts;
+        const auto before = std::exchange(answers.text, {});
         answers.text = [&](int x, int y, const char* text, const LOGFONT& font, COLORREF colour) {
             Text<60> line;
             line.format("%d,%d  %d/%d/%d/%d  %06x  ", x, y, font.height, font.weight, font.escapement,
@@ -110,7 +111,7 @@ protected:
         };
         window.InvalidateRect(true);
         window.UpdateWindow();
-        answers.text = nullptr;
+        answers.text = before;
         return texts;
     }
 
