@@ -13,7 +13,7 @@
 namespace {
 
 constexpr std::int64_t keptSeconds = std::int64_t{30} * 24 * 60 * 60;
-constexpr int keptOfDatabase = 10;
+constexpr std::size_t keptOfDatabase = 10;
 
 bool isUndoName(const std::string& name) {
     constexpr std::string_view extension = ".undo";
@@ -34,6 +34,15 @@ UndoListEntry entryOf(const std::string& path) {
     entry.changes = file.header.changes;
     entry.open = file.header.isOpen();
     return entry;
+}
+
+bool isOld(std::int64_t time) {
+    return time + keptSeconds < std::time(nullptr);
+}
+
+bool mayGo(const std::string& path) {
+    UndoHeader header;
+    return readUndoHeader(path, header) && !header.isOpen() && isOld(header.time);
 }
 
 bool leadsNowhere(const std::string& path) {
@@ -72,13 +81,17 @@ std::vector<UndoListEntry> listUndoFiles() {
 }
 
 void removeOldUndoFiles() {
-    for (const std::string& path : undoFilePaths())
+    const std::vector<std::string> paths = undoFilePaths();
+    for (const std::string& path : paths)
         if (leadsNowhere(path))
             removeFile(path.c_str());
+    // Most often that is known without reading all of them, and the new one is large.
+    if (paths.size() <= keptOfDatabase || std::none_of(paths.begin(), paths.end(), mayGo))
+        return;
     std::vector<UndoListEntry> entries = listUndoFiles();
-    std::map<std::string, int> newer; // of each database
+    std::map<std::string, std::size_t> newer; // of each database
     for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
         if (entry->damage.empty() && newer[entry->directory]++ >= keptOfDatabase && !entry->open &&
-            entry->time + keptSeconds < std::time(nullptr))
+            isOld(entry->time))
             removeFile(entry->path.c_str());
 }
