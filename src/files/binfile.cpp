@@ -297,20 +297,19 @@ int TSXbinfile::writestring(const char* text) {
 }
 
 // The whole field goes out in one write, so that a failure leaves it old or new.
-int TSXbinfile::writefield(const char* text, int capacity) {
-    return writebytes(fieldbytes(text, capacity));
+int TSXbinfile::writefield(std::string_view text, int capacity) {
+    makefield(piece, text, capacity);
+    return writebytes(piece);
 }
 
-std::string TSXbinfile::fieldbytes(const char* text, int capacity) {
-    const auto length = static_cast<std::int32_t>(std::strlen(text));
-    std::string bytes;
-    bytes.reserve(2 * sizeof(Integer) + static_cast<std::size_t>(std::max(length, capacity)));
+void TSXbinfile::makefield(std::string& bytes, std::string_view text, int capacity) {
+    const auto length = static_cast<std::int32_t>(text.size());
+    bytes.clear();
     append(bytes, length);
     append(bytes, capacity);
     bytes += text;
     if (capacity > length)
         bytes.append(static_cast<std::size_t>(capacity - length), '\0');
-    return bytes;
 }
 
 int TSXbinfile::writebytes(const std::string& bytes) {

@@ -45,7 +45,7 @@ public:
     int blockwrite(const void* bytes, int count);
 
     // The bytes that stand at a position, fewer where the file ends or the disk gives nothing; until the next
-    // call.
+    // call of this or writefield.
     std::string_view bytesat(std::int64_t position, int count);
     int seek(std::int64_t position); // 0 on success, else not: the one operation whose 0 is success
     std::int32_t tell() const;       // -1 where the position is beyond what 32 bits hold
@@ -72,8 +72,8 @@ public:
     int endtag();                  // closes it; always 1
     int writeint(std::int32_t number);
     int writestring(const char* text);
-    int writefield(const char* text, int capacity);
-    static std::string fieldbytes(const char* text, int capacity); // what writefield writes
+    int writefield(std::string_view text, int capacity);
+    static void makefield(std::string& bytes, std::string_view text, int capacity); // what writefield writes
     // The integer that stands there in bytes of a file; missing where they end before it does.
     static std::int32_t intin(std::string_view bytes, std::size_t at, std::int32_t missing);
 
@@ -89,7 +89,7 @@ private:
     std::int32_t chunkend = 0;
     std::int32_t endposition = 0; // where the end field of the chunk that is being written stands
     Text<200> filename = "???";   // for messages only
-    std::string piece;            // of bytesat
+    std::string piece;            // of bytesat and writefield
     ByteStream stream;
     std::int64_t frameend = 0; // where the body of the last chunk read begins
     bool endknown = false;     // whether that chunk's end could be read

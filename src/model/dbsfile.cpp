@@ -73,7 +73,7 @@ std::string TSXdbsfile::writewhole() {
     std::vector<std::int32_t> places(keys.size());
     for (std::size_t i = 1; i < keys.size(); ++i) {
         places[i] = file.tell();
-        file.writefield(keys[i].data(), keycapacity);
+        file.writefield(keys[i], keycapacity);
     }
     file.endtag();
     if (file.close() == 0) // any write that failed keeps the file from appearing

@@ -70,7 +70,7 @@ std::string writefields(TSXbinfile& file, Change* first, const Change* last, std
                        changedmeanwhile;
             continue;
         }
-        if (file.seek(change->offset) != 0 || file.writefield(change->newkey.c_str(), keycapacity) != 1)
+        if (file.seek(change->offset) != 0 || file.writefield(change->newkey, keycapacity) != 1)
             return unwritten();
         written.push_back(change);
     }

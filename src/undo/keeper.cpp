@@ -1,5 +1,7 @@
 #include "undo/keeper.h"
 
+#include <algorithm>
+
 #include "files/binfile.h"
 #include "model/datafile.h"
 #include "platform/system/messagebox.h"
@@ -29,21 +31,33 @@ bool UndoKeeper::before(const std::vector<Change>& group) {
 }
 
 bool UndoKeeper::add(const std::vector<Change>& group) {
-    for (std::size_t i = 0; i < group.size();) {
-        const Change& change = group[i];
-        std::vector<NewField> fields;
-        for (; i < group.size() && group[i].kind == Change::key && group[i].file == change.file; ++i)
-            fields.push_back({group[i].record, group[i].offset, group[i].fieldbefore,
-                              TSXbinfile::fieldbytes(group[i].newkey.c_str(), keycapacity)});
-        const bool added = change.kind == Change::key        ? writer_.addKeys(change.file, fields)
-                           : change.kind == Change::deletion ? writer_.addDeletion(change.file)
-                                                             : writer_.addMaking(change.file);
-        if (!added)
+    writer_.expect(group.size());
+    for (auto first = group.begin(), last = first; first != group.end(); first = last) {
+        last = std::find_if(first + 1, group.end(), [&](const Change& next) {
+            return first->kind != Change::key || next.kind != Change::key || next.file != first->file;
+        });
+        if (!addFile(first, last))
             return false;
-        if (change.kind != Change::key)
-            ++i;
     }
     return true;
+}
+
+bool UndoKeeper::addFile(Changes first, Changes last) {
+    return first->kind == Change::key        ? addKeys(first, last)
+           : first->kind == Change::deletion ? writer_.addDeletion(first->file)
+                                             : writer_.addMaking(first->file);
+}
+
+bool UndoKeeper::addKeys(Changes first, Changes last) {
+    fields_.resize(static_cast<std::size_t>(last - first));
+    auto field = fields_.begin();
+    for (Changes change = first; change != last; ++change, ++field) {
+        field->record = change->record;
+        field->offset = change->offset;
+        field->before = change->fieldbefore;
+        TSXbinfile::makefield(field->after, change->newkey, keycapacity);
+    }
+    return writer_.addKeys(first->file, fields_);
 }
 
 bool UndoKeeper::goOnWithout() const {

@@ -22,10 +22,14 @@ public:
     const std::string& path() const { return writer_.path(); } // of the undo file; empty while there is none
 
 private:
+    using Changes = std::vector<Change>::const_iterator;
     bool add(const std::vector<Change>& group);
+    bool addFile(Changes first, Changes last);
+    bool addKeys(Changes first, Changes last);
     bool goOnWithout() const;
 
     UndoWriter writer_;
+    std::vector<NewField> fields_; // of the file at work; stays, since a million would be allocated anew
     WithoutPlace withoutPlace_;
     bool waiting_ = false; // a group has been kept and is being done
 };

@@ -62,6 +62,11 @@ bool UndoWriter::begin() {
     return true;
 }
 
+void UndoWriter::expect(std::size_t keys) {
+    constexpr std::size_t usualField = 80; // with two keys of 24 letters
+    group_.bytes.reserve(keys * usualField);
+}
+
 bool UndoWriter::addItem(UndoItem::Kind kind, const std::string& name, const EntryState& state) {
     group_.number(static_cast<std::uint8_t>(kind)).text(name);
     encodeState(group_, state);
@@ -70,21 +75,20 @@ bool UndoWriter::addItem(UndoItem::Kind kind, const std::string& name, const Ent
 
 bool UndoWriter::addKeys(const std::string& name, const std::vector<NewField>& fields, std::int64_t size) {
     EntryState state;
-    std::string content;
     if (!begin())
         return false;
-    if (!readEntry(under(name), OfLink::target, state) || !readContent(under(name), content))
+    if (!readEntry(under(name), OfLink::target, state) || !readContent(under(name), content_))
         return failed(under(name) + " can't be read");
     std::int64_t grown = state.size;
     for (const NewField& field : fields) {
-        if (bytesAt(content, field.offset, field.before.size()) != field.before) {
+        if (bytesAt(content_, field.offset, field.before.size()) != field.before) {
             failure_ = under(name) + " has been changed by another program since it was read";
             return false;
         }
         grown = std::max(grown, field.offset + static_cast<std::int64_t>(field.after.size()));
     }
     addItem(UndoItem::keys, name, state);
-    group_.number(checksumOf(content)).number(size < 0 ? grown : size);
+    group_.number(checksumOf(content_)).number(size < 0 ? grown : size);
     group_.number(static_cast<std::uint32_t>(fields.size()));
     for (const NewField& field : fields)
         group_.number(field.record).number(field.offset).field(field.before).field(field.after);

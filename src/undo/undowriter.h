@@ -24,6 +24,7 @@ public:
     // Goes on with one that was left open.
     UndoWriter(const UndoFile& file, const std::string& root);
 
+    void expect(std::size_t keys); // makes room for so many changes of keys
     // Takes a change into the group with what stands on the disk now. Names are relative to the database
     // directory. size is that of the file behind the change; below 0, as the fields make it.
     bool addKeys(const std::string& name, const std::vector<NewField>& fields, std::int64_t size = -1);
@@ -62,6 +63,7 @@ private:
     std::string unfound_;
     UndoHeader header_;
     UndoHeader standing_; // as it is in the file
+    std::string content_; // of the file that addKeys is at
     Encoder group_;       // of a new file with what stands in front of the first group
     std::uint32_t changes_ = 0;
     std::set<std::string> parents_; // directories whose times are in the file or the group
