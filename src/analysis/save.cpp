@@ -27,6 +27,7 @@ public:
         } else {
             complete = false;
         }
+        database.addnoted(group);
         tellrest();
         return complete;
     }
@@ -47,7 +48,6 @@ private:
                 count += static_cast<std::size_t>(std::count(dirty.begin(), dirty.end(), 1));
             }
         group.reserve(count);
-        database.changes.reserve(database.changes.size() + count);
     }
 
     void collect(TSXfilelist& list) {

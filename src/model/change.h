@@ -17,6 +17,7 @@ struct Change {
     std::string newkey;      // as it is to be
     // The bytes of the field as they stand on the disk; fewer where the file ends in it.
     std::string fieldbefore;
+    bool made = false; // of a group: it stands on the disk
 };
 
 Change filechange(Change::Kind kind, std::string file); // a deletion or a making

@@ -1,6 +1,7 @@
 #include "model/database.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "files/finder.h"
 #include "model/datafile.h"
@@ -141,9 +142,22 @@ std::string TSXdatabase::diskname(std::string_view fullpath) const {
 }
 
 void TSXdatabase::addchange(Change change) {
+    notechange(change);
+    changes.push_back(std::move(change));
+}
+
+void TSXdatabase::notechange(Change& change) const {
+    change.made = true;
     if (!planning && logEnabled == 1)
         logLine(describe(change).c_str());
-    changes.push_back(std::move(change));
+}
+
+void TSXdatabase::addnoted(std::vector<Change>& group) {
+    std::erase_if(group, [](const Change& change) { return !change.made; });
+    if (changes.empty())
+        changes.swap(group);
+    else
+        std::move(group.begin(), group.end(), std::back_inserter(changes));
 }
 
 bool TSXdatabase::takeaway(const char* fullpath) const {

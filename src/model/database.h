@@ -67,6 +67,10 @@ public:
     std::string diskname(std::string_view fullpath) const;
     // Keeps a change that was made, or while planning would have been, and writes its line to the log.
     void addchange(Change change);
+    // The same of a group in two steps: each change when it was made, and those behind the last of them. A
+    // million are not moved one by one.
+    void notechange(Change& change) const;
+    void addnoted(std::vector<Change>& group);
     bool takeaway(const char* fullpath) const; // removeFile, or while planning as if
 
     // Adds a problem for each damaged file with that extension in a directory relative to the database's.

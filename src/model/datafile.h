@@ -49,8 +49,8 @@ public:
     // Looks at the disk and adds the changes that can be made there, in their order.
     std::string collectchanges(std::vector<Change>& group);
     // Makes changes that were collected, whatever else has happened meanwhile, and puts them on the disk.
-    // Each that succeeds is kept by the database, and its record is no longer changed.
-    std::string makechanges(Change* first, const Change* last);
+    // Each that succeeds is noted by the database, and its record is no longer changed.
+    std::string makechanges(Change* first, Change* last);
     bool isempty() const { return valid == 1 && keycount == 0; }
     // Whether record i could not be read, because the disk failed or its lengths lead nowhere. Such a record
     // keeps its place in the tables with "???"; it is neither changed nor written.

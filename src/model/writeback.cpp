@@ -171,10 +171,9 @@ std::string TSXdatafile::whynotmade() const {
     return {};
 }
 
-std::string TSXdatafile::makechanges(Change* first, const Change* last) {
+std::string TSXdatafile::makechanges(Change* first, Change* last) {
     if (database.planning)
-        std::for_each<const Change*>(first, last,
-                                     [this](const Change& change) { database.addchange(change); });
+        std::for_each(first, last, [this](Change& change) { database.notechange(change); });
     if (first == last || database.planning)
         return {};
     if (first->kind == Change::making)
@@ -199,12 +198,12 @@ void TSXdatafile::settle(Change& change) {
     const auto record = static_cast<std::size_t>(change.record);
     keydirty[record] = 0;
     keysondisk[record] = {};
-    database.addchange(std::move(change));
+    database.notechange(change);
 }
 
 std::string TSXdatafile::endmaking(Change& change, const std::string& obstacle) {
     if (obstacle.empty()) {
-        database.addchange(std::move(change));
+        database.notechange(change);
         return {};
     }
     removeFile(path);
@@ -230,4 +229,5 @@ void TSXdatafile::writeback() {
     const bool making = !group.empty() && group[0].kind == Change::making && !database.planning;
     if (tell(makechanges(group.data(), group.data() + group.size())) && making)
         tell(endmaking(group[0], syncDirectoryOf(path) ? std::string() : unwritten()));
+    database.addnoted(group);
 }
