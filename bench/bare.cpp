@@ -1,8 +1,9 @@
-// What the disk itself costs: bare loops of the system calls that a step can't do without. Prints a line with
-// the name and the seconds, as bench_steps does.
+// What the disk itself costs: bare loops of the system calls that a step can't do without. Prints two lines
+// with the name and the seconds, as bench_steps does.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -17,8 +18,10 @@ using Clock = std::chrono::steady_clock;
 
 template <class Step> void measure(const char* name, Step step) {
     const auto start = Clock::now();
+    const std::clock_t used = std::clock();
     step();
     std::printf("%s %.6f\n", name, std::chrono::duration<double>(Clock::now() - start).count());
+    std::printf("%s-processor %.6f\n", name, static_cast<double>(std::clock() - used) / CLOCKS_PER_SEC);
 }
 
 void put(int file, const std::string& bytes) {

@@ -142,6 +142,9 @@ def measure_writing(work):
     compare("save 1,000,000 changed keys in 1,000 files", "seek, write, fdatasync a file",
             lambda: steps("save", tree(), "-")["save"],
             lambda: steps("save", work / "save" / "DBASE", "-", program="bench_bare")["save"], 1.5, 3)
+    compare("the same with its undo file, processor time", "the same loop",
+            lambda: steps("save", tree(), "undo")["save-processor"],
+            lambda: steps("save", work / "save" / "DBASE", "-", program="bench_bare")["save-processor"], 2, 3)
 
     def empty(name):
         (fresh(work / name) / "DBASE").mkdir(parents=True)
@@ -182,7 +185,7 @@ def first_picture(work, surroundings):
 def measure_start(work):
     tree = sample(work / "start", "--files", 550, "--entries", 1000, "--experiments", 0, "--home", work / "home", "--name", "Bench")
     surroundings = dict(os.environ, QT_QPA_PLATFORM="offscreen", QT_LOGGING_RULES="qt.widgets.painting=true",
-                        QT_FORCE_STDERR_LOGGING="1", XDG_CONFIG_HOME=str(work / "config"), XDG_STATE_HOME=str(work / "state"))
+                        QT_FORCE_STDERR_LOGGING="1", XDG_CONFIG_HOME=str(work / "config"))
     subprocess.run([PROGRAMS / "txstart", "--home", work / "home", "--database", "Bench"], check=True, env=surroundings,
                    stdout=subprocess.DEVNULL)
     lines = log_of(work, tree)
@@ -228,6 +231,7 @@ def main():
     costs = {}
     with tempfile.TemporaryDirectory() as directory:
         work = pathlib.Path(directory)
+        os.environ["XDG_STATE_HOME"] = str(work / "state")
         for files in (5, 55, 550):
             for style in STYLES if files > 5 else ("shuffled",):
                 tree = sample(work / f"{style}{files}", "--files", files, "--entries", 1000, "--experiments", 0, "--keys", style)
