@@ -25,7 +25,7 @@ bool readOwnContent(const std::string& path, const EntryState& state, std::strin
 }
 
 std::string_view bytesAt(std::string_view content, std::int64_t offset, std::size_t count) {
-    if (offset < 0 || static_cast<std::uint64_t>(offset) > content.size())
+    if (static_cast<std::uint64_t>(offset) > content.size())
         return "";
     return content.substr(static_cast<std::size_t>(offset), count);
 }

@@ -29,7 +29,8 @@ public:
                               std::to_string(rewritten_) +
                               " key fields got their new bytes from the undo file " + undo_.path);
         work_.texts.insert(work_.texts.end(), texts_.begin(), texts_.end());
-        work_.complete = work_.complete && good_;
+        if (!good_)
+            work_.complete = false;
     }
 
 private:

@@ -36,7 +36,7 @@ public:
     }
 
     void end() {
-        if (now_ == Now::recreated && plan.recreate != nullptr)
+        if (now_ == Now::recreated)
             endRecreated(*plan.recreate);
         else if (now_ == Now::onDisk && known_)
             endOnDisk();
@@ -142,7 +142,7 @@ private:
         plan.checksum = checksumOf(content_);
     }
 
-    // A name that differs only in case, and stood there before the deletion.
+    // A name that differs only in case, and stood there before the deletion or is taken back with it.
     bool isOldTwin(const std::string& path) const {
         return beside_.count(path.substr(std::min(root_.size() + 1, path.size()))) != 0;
     }
@@ -195,7 +195,7 @@ RestorePlan::RestorePlan(const UndoFile& undo, const std::string& databaseDirect
     std::map<std::string, Items> items;
     std::vector<std::string> order, second; // second names come last, when their files are known
     for (auto item = undo.items.rbegin(); item != undo.items.rend(); ++item) {
-        if (item->kind == UndoItem::beside)
+        if (item->kind == UndoItem::beside || item->kind == UndoItem::deletion)
             beside_.insert(item->file);
         if (item->kind == UndoItem::times || item->kind == UndoItem::beside)
             continue;
@@ -217,8 +217,7 @@ void RestorePlan::planFile(const std::string& name, const Items& items) {
     FileWalk walk(root_, name, removed_, beside_);
     for (const UndoItem* item : items)
         walk.undo(*item);
-    if (walk.plan.recreate != nullptr && items.size() == 1 &&
-        !isSecondName(*walk.plan.recreate, walk.plan.secondOf))
+    if (walk.plan.recreate != nullptr && !isSecondName(*walk.plan.recreate, walk.plan.secondOf))
         walk.left.push_back(root_ + "/" + walk.plan.recreate->otherName + ": it can't be read (" +
                             errorText(GetLastError()) + ")");
     walk.end();

@@ -151,7 +151,7 @@ bool Restoring::verify(const FileRestore& file) {
 bool Restoring::giveBackState(const FileRestore& file) {
     const std::string path = under(file.name);
     EntryState now;
-    if (file.state == nullptr || !file.secondOf.empty() || (file.remove && file.recreate == nullptr))
+    if (file.state == nullptr || !file.secondOf.empty())
         return true;
     if (file.attributes == nullptr)
         return giveTimes(path, *file.state) && syncEntry(path);
