@@ -140,7 +140,8 @@ void measureMemory(const char* path, int types) {
             file->keys.reserve(maxrecords + 1);
             for (int r = 0; r < maxrecords; ++r)
                 file->addentry(Text<60>().format("Isolate %08d (ref) A", ++key));
-            file->keysondisk = {}; // as of records that were read
+            file->keysondisk.clear(); // as of records that were read
+            file->keysondisk.shrink_to_fit();
             if (list != database.lists[0])
                 for (int r = 1; r <= maxrecords; ++r)
                     file->keytypes[static_cast<std::size_t>(r)] = 1 + r % types;
