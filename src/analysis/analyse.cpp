@@ -33,7 +33,6 @@ void TSXdatabase::indexfiles() {
         for (std::size_t i = 1; i < list->files.size(); ++i)
             if (list->files[i]->valid != 0)
                 countfile(*list->files[i]);
-    keyarray = std::vector<TSXkeyentry*>(1); // gives its memory back before the index takes the most
     keytree.build();
     keytotal = 0;
     keytree.flatten();

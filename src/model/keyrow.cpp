@@ -4,6 +4,7 @@
 #include <array>
 #include <numeric>
 #include <span>
+#include <string_view>
 #include <tuple>
 #include <utility>
 
@@ -29,6 +30,18 @@ std::uint64_t pieceof(const char* text) {
     return piece;
 }
 
+// Record r of a file of that number.
+KeyRow::Record recordof(const TSXdatafile& file, std::size_t number, std::size_t r, bool repeats) {
+    const std::string_view key = file.keys[r];
+    return {0,
+            key.data(),
+            static_cast<std::uint16_t>(key.size()),
+            static_cast<std::uint16_t>(number),
+            static_cast<std::uint16_t>(r),
+            static_cast<std::uint8_t>(file.keytypes[r]),
+            repeats};
+}
+
 // No function, so that the sort has it inside of its loops.
 constexpr auto before = [](const KeyRow::Record& a, const KeyRow::Record& b) {
     return a.piece != b.piece ? a.piece < b.piece : std::tie(a.file, a.record) < std::tie(b.file, b.record);
@@ -50,15 +63,14 @@ bool sortbybyte(std::span<const KeyRow::Record> records, std::span<KeyRow::Recor
 }
 
 // Sorts a run of records, which stand in the order of the files, by their pieces.
-void sortrun(std::span<KeyRow::Record> run, std::vector<KeyRow::Record>& spare) {
+void sortrun(std::span<KeyRow::Record> run, std::span<KeyRow::Record> spare) {
     constexpr std::size_t few = 1000; // so many are sooner compared with each other than counted
     if (run.size() <= few) {
         std::ranges::sort(run, before);
         return;
     }
-    spare.resize(std::max(spare.size(), run.size()));
     std::span<KeyRow::Record> from = run;
-    std::span<KeyRow::Record> to = std::span(spare).first(run.size());
+    std::span<KeyRow::Record> to = spare.first(run.size());
     for (int shift = 0; shift < 64; shift += 8)
         if (sortbybyte(from, to, shift))
             std::swap(from, to);
@@ -68,17 +80,23 @@ void sortrun(std::span<KeyRow::Record> run, std::vector<KeyRow::Record>& spare) 
 
 } // namespace
 
-// First all keys count as equal. Piece by piece those that are equal so far are sorted and told apart.
 KeyRow::KeyRow(const TSXdatabase& database) {
-    std::size_t total = 0;
     for (const auto& list : database.lists)
         for (std::size_t i = 1; i < list->files.size(); ++i)
-            total += static_cast<std::size_t>(list->files[i]->keycount);
-    records.reserve(total);
-    for (const auto& list : database.lists)
-        for (std::size_t i = 1; i < list->files.size(); ++i)
-            if (list->files[i]->valid != 0)
-                addfile(*list->files[i]);
+            if (list->files[i]->valid != 0 && !list->files[i]->keys.empty()) {
+                files.push_back(list->files[i].get());
+                count += files.back()->keys.size() - 1;
+            }
+}
+
+// First all keys count as equal. Piece by piece those that are equal so far are sorted and told apart.
+void KeyRow::fill(std::span<Record> place, std::span<Record> spareplace) {
+    records = place;
+    spare = spareplace;
+    auto record = records.begin();
+    for (std::size_t number = 0; number < files.size(); ++number)
+        for (std::size_t r = 1; r < files[number]->keys.size(); ++r, ++record)
+            *record = recordof(*files[number], number, r, record != records.begin());
     for (std::size_t depth = commonlength(); tellapart(depth); depth += piecesize) {
     }
 }
@@ -96,20 +114,11 @@ std::size_t KeyRow::commonlength() const {
     return common;
 }
 
-void KeyRow::addfile(TSXdatafile& file) {
-    for (std::size_t r = 1; r < file.keys.size(); ++r)
-        records.push_back({0, file.keys[r].data(), static_cast<std::uint16_t>(file.keys[r].size()),
-                           static_cast<std::uint16_t>(files.size()), static_cast<std::uint16_t>(r),
-                           static_cast<std::uint8_t>(file.keytypes[r]), !records.empty()});
-    files.push_back(&file);
-}
-
 // Sorts the keys that are equal in front of the depth, and go on there, by their next piece. False if there
 // are none.
 bool KeyRow::tellapart(std::size_t depth) {
     readpieces(depth);
     bool found = false;
-    std::vector<Record> spare;
     for (auto begin = records.begin(); begin != records.end();) {
         auto end = begin + 1;
         while (end != records.end() && end->repeats)
@@ -128,7 +137,6 @@ bool KeyRow::tellapart(std::size_t depth) {
 }
 
 void KeyRow::readpieces(std::size_t depth) {
-    const std::size_t count = records.size();
     const auto wanted = [&](std::size_t i) {
         return records[i].length >= depth &&
                (records[i].repeats || (i + 1 < count && records[i + 1].repeats));

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 class TSXdatabase;
@@ -23,12 +24,18 @@ public:
 
     explicit KeyRow(const TSXdatabase& database);
 
-    std::vector<Record> records;
+    std::size_t size() const { return count; }
+    // Puts the records into a place of just their size and sorts them, for which the spare one is as large.
+    void fill(std::span<Record> place, std::span<Record> spareplace);
+
+    std::span<Record> records;
     std::vector<TSXdatafile*> files;
 
 private:
-    void addfile(TSXdatafile& file);
     std::size_t commonlength() const;
     bool tellapart(std::size_t depth);
     void readpieces(std::size_t depth);
+
+    std::size_t count = 0;
+    std::span<Record> spare;
 };

@@ -34,6 +34,7 @@ TSXkeyentry& TSXkeytree::insert(Link& link, std::string_view key, bool& taller) 
         link = new (allocate<TSXkeyentry>(1)) TSXkeyentry(database, database.keytexts.keep(key));
         taller = true;
         added = 1;
+        ++size;
         return *link;
     }
     const int order = compareIgnoringCase(key, link->key);
@@ -102,25 +103,29 @@ void TSXkeytree::repairright(Link& link) {
     link = middle;
 }
 
+// There are at most as many entries as records. Before there is any, the row is sorted with the help of their
+// memory. The occurrences take the memory of the row from its front, none of them beyond the last record that
+// was read.
 void TSXkeytree::build() {
+    using Record = KeyRow::Record;
+    static_assert(sizeof(Occurrence) <= sizeof(Record) && sizeof(Record) <= sizeof(TSXkeyentry));
     clear();
-    const KeyRow row(database);
-    const auto isnew = [](const KeyRow::Record& record) { return !record.repeats; };
-    const auto keys = static_cast<std::size_t>(std::ranges::count_if(row.records, isnew));
-    TSXkeyentry* const entries = allocate<TSXkeyentry>(keys);
-    Occurrence* occurrence = makerecords(row.records.size());
-    TSXkeyentry* entry = entries;
-    for (auto record = row.records.begin(); record != row.records.end(); ++entry) {
-        const auto next = std::find_if(record + 1, row.records.end(), isnew);
+    KeyRow row(database);
+    TSXkeyentry* const entries = builtentries.place<TSXkeyentry>(row.size()).data();
+    row.fill(builtrecords.place<Record>(row.size()), builtentries.place<Record>(row.size()));
+    Occurrence* occurrence = builtrecords.place<Occurrence>(row.size()).data();
+    for (auto record = row.records.begin(); record != row.records.end(); ++size) {
+        const auto next =
+            std::find_if(record + 1, row.records.end(), [](const Record& other) { return !other.repeats; });
         const std::string_view key(record->key, record->length);
         Occurrence* const first = occurrence;
         for (; record != next; ++record)
-            *occurrence++ = {row.files[record->file], record->record, record->type};
+            new (occurrence++) Occurrence{row.files[record->file], record->record, record->type};
         if (!std::ranges::is_sorted(first, occurrence, {}, &Occurrence::type))
             std::ranges::stable_sort(first, occurrence, {}, &Occurrence::type);
-        new (entry) TSXkeyentry(database, key, {first, occurrence});
+        new (entries + size) TSXkeyentry(database, key, {first, occurrence});
     }
-    root = balanced(entries, keys);
+    root = balanced(entries, size);
 }
 
 // The tree of entries that stand in a row by their keys, as low as it can be.
@@ -136,14 +141,16 @@ TSXkeyentry* TSXkeytree::balanced(TSXkeyentry* entries, std::size_t count) {
     return middle;
 }
 
-// Nothing that stands in the arena needs its destructor.
+// Nothing that stands in this memory needs its destructor.
 void TSXkeytree::clear() {
     root = nullptr;
+    size = 0;
     arena.release();
 }
 
 void TSXkeytree::flatten() {
     database.keyarray.resize(static_cast<std::size_t>(database.keytotal) + 1);
+    database.keyarray.reserve(database.keyarray.size() + size);
     walk(root);
 }
 

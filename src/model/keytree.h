@@ -7,6 +7,7 @@
 #include <memory_resource>
 #include <string_view>
 
+#include "model/keptmemory.h"
 #include "platform/system/cobject.h"
 
 class TSXdatabase;
@@ -47,6 +48,9 @@ private:
         return static_cast<Thing*>(arena.allocate(count * sizeof(Thing), alignof(Thing)));
     }
 
-    // Entries and their records, all of which go at once.
+    // Entries and their records, all of which go at once: those of the last build, and what came since.
+    KeptMemory builtentries;
+    KeptMemory builtrecords;
     std::pmr::monotonic_buffer_resource arena;
+    std::size_t size = 0; // entries in the tree
 };
