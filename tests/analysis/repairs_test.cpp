@@ -17,12 +17,14 @@ TEST_F(Repairs, ManyDuplicatesAndLongKeysThatDifferBehindTheCutAreRenamedInOnePa
                 std::string(56, 's') + std::to_string(1000 + (i * 1000 + r) % 5000);
         newFile(keys);
     }
+    const TSXdatafile& longest = newFile(Texts(12, std::string(60, 'l')));
     database->analyse();
     database->renameduplicates(0);
     EXPECT_EQ(database->lists[0]->files[100]->keys[1000], "many/#100000");
+    EXPECT_EQ(longest.keys[10], std::string(55, 'l') + "/#10");
     database->analyse();
     EXPECT_EQ(database->problemcount, 0);
-    EXPECT_EQ(database->keytotal, 150000);
+    EXPECT_EQ(database->keytotal, 150012);
 }
 
 TEST_F(Repairs, FilesBeyondTheLimitAreNotReadAndOrphansWithoutRoomStayAProblem) {
