@@ -67,6 +67,11 @@ protected:
             row = 1;
         }
         database->saveall();
+        for (const Change& change : database->changes) { // what is told stands on the disk
+            const auto text = static_cast<std::size_t>(change.offset) + 8;
+            EXPECT_TRUE(change.kind != Change::key ||
+                        readFile(root / change.file).compare(text, change.newkey.size(), change.newkey) == 0);
+        }
         return !reports.empty() || failedWrites() > failures;
     }
 
