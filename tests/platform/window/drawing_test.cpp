@@ -61,15 +61,17 @@ protected:
             return;
         }
         case 3: {
-            const bool inside = any(0, 1) == 1;
-            if (!inside)
-                dc.SelectStockObject(NULL_BRUSH);
+            constexpr StockObject stock[] = {NULL_BRUSH, WHITE_BRUSH, BLACK_BRUSH};
+            const int kind = any(0, 3); // three is the brush that is selected
+            const COLORREF filling = kind == 3 ? brush.colour : kind == 1 ? RGB(255, 255, 255) : black;
+            if (kind < 3)
+                dc.SelectStockObject(stock[kind]);
             dc.Rectangle(x, y, x + w, y + h);
             if (w > 0 && h > 0)
                 for (int i = 0; i < w * h; ++i) {
                     const bool edge = i % w == 0 || i % w == w - 1 || i < w || i >= w * (h - 1);
-                    if (edge || inside)
-                        model.set(x + i % w, y + i / w, edge ? colour : brush.colour);
+                    if (edge || kind > 0)
+                        model.set(x + i % w, y + i / w, edge ? colour : filling);
                 }
             return;
         }
