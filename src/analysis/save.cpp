@@ -5,6 +5,7 @@
 #include "model/database.h"
 #include "model/datafile.h"
 #include "platform/system/messagebox.h"
+#include "platform/system/path.h"
 #include "platform/system/plainfile.h"
 #include "platform/system/signalhold.h"
 #include "reporting/report.h"
@@ -61,6 +62,7 @@ private:
 
     void make() {
         std::vector<Part> made;
+        names.renew();
         for (std::size_t i = 0; i < parts.size(); ++i) {
             const std::size_t end = i + 1 < parts.size() ? parts[i + 1].first : group.size();
             if (!made.empty() && !makesfile(parts[i]))
@@ -76,12 +78,20 @@ private:
         return group[part.first].kind == Change::making && !database.planning;
     }
 
-    // One sync of their directory serves all files that were made one behind the other.
+    // One look at the names of their directory, and one sync of it, serve all files that were made one behind
+    // the other. One beside which a name in other letters has appeared meanwhile is taken away again.
     void endmaking(std::vector<Part>& made) {
         if (made.empty())
             return;
-        const std::string obstacle = syncDirectoryOf(made[0].file->path) ? std::string() : unwritten();
+        names.renew();
+        std::vector<Part> alone;
         for (const Part& part : made)
+            if (standsAlone(part.file->path.view()))
+                alone.push_back(part);
+            else
+                tell(part.file->endmaking(group[part.first], unwritten()));
+        const std::string obstacle = syncDirectoryOf(made[0].file->path) ? std::string() : unwritten();
+        for (const Part& part : alone)
             tell(part.file->endmaking(group[part.first], obstacle));
         made.clear();
     }
@@ -105,6 +115,7 @@ private:
     }
 
     TSXdatabase& database;
+    OneLook names;
     std::vector<Change> group;
     std::vector<Part> parts;
     bool complete = true;

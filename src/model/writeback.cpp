@@ -206,7 +206,8 @@ std::string TSXdatafile::endmaking(Change& change, const std::string& obstacle) 
         database.notechange(change);
         return {};
     }
-    removeFile(path);
+    if (stateOf(path) == onread) // else another program has written it, or put its own in its place
+        removeFile(path);
     ondisk = 0;
     keypos.assign(keypos.size(), -1);
     keydirty.assign(keydirty.size(), 1);

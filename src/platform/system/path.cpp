@@ -63,6 +63,9 @@ struct Listing {
 // seconds.
 constexpr std::int64_t settlingTime = 2000000000;
 
+// Whether what was read once counts as current for the time being.
+bool onelook = false;
+
 // By device and number of the directory. Not inside of a function: look-ups are made up to the very end of
 // the process, by what was made before the first one.
 std::map<std::pair<dev_t, ino_t>, Listing> kept;
@@ -83,13 +86,13 @@ const std::vector<std::string>* namesForLookup(const std::string& directory, std
 
     Listing& listing = kept[{state.st_dev, state.st_ino}];
     const std::int64_t changed = nanoseconds(state.st_ctim);
-    if (listing.changed == changed)
+    if (listing.changed == changed || (onelook && listing.changed != -1))
         return &listing.names;
     listing.changed = -1;
-    const bool settled = changed + settlingTime < nanoseconds(now);
-    if (!readNames(directory, listing.names, settled ? std::string_view() : wanted))
+    const bool keeping = onelook || changed + settlingTime < nanoseconds(now);
+    if (!readNames(directory, listing.names, keeping ? std::string_view() : wanted))
         return nullptr;
-    if (settled)
+    if (keeping)
         listing.changed = changed;
     return &listing.names;
 }
@@ -216,4 +219,31 @@ std::vector<std::string> directoryEntries(const std::string& directory) {
     std::vector<std::string> names;
     readNames(resolvePath(directory), names);
     return names;
+}
+
+bool standsAlone(std::string_view path) {
+    const std::string found = resolvePath(path);
+    const std::string name = found.substr(found.rfind('/') + 1);
+    const std::vector<std::string>* names = namesForLookup(directoryOf(found), name);
+    if (names == nullptr)
+        return false;
+    const auto [first, end] = std::equal_range(names->begin(), names->end(), name, before);
+    if (end - first < 2)
+        return true;
+    SetLastError(ERROR_ALREADY_EXISTS);
+    return false;
+}
+
+OneLook::OneLook() {
+    forgetListings();
+    onelook = true;
+}
+
+OneLook::~OneLook() {
+    onelook = false;
+    forgetListings();
+}
+
+void OneLook::renew() {
+    forgetListings();
 }

@@ -25,3 +25,19 @@ std::vector<std::string> directoryEntries(const std::string& directory);
 
 // Whether a path leads to something inside of a directory, whatever links it goes through.
 bool leadsInto(std::string_view path, std::string_view directory);
+
+// Whether no other entry of its directory equals the path's last component ignoring case. False also where
+// that can't be known; GetLastError then tells why, 183 where there is one.
+bool standsAlone(std::string_view path);
+
+// While one lives the names of a directory in which one was missing are read once, and what other programs
+// do there since is not seen, so that many new files cost one reading and not one each. At most one at a
+// time.
+class OneLook {
+public:
+    OneLook();
+    OneLook(const OneLook&) = delete;
+    OneLook& operator=(const OneLook&) = delete;
+    ~OneLook();
+    static void renew(); // from here on the next look counts
+};
