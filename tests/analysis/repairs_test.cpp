@@ -70,8 +70,7 @@ TEST_F(Repairs, NothingIsDeletedOrWrittenThatIsNotAsItWasLookedAt) {
     EXPECT_TRUE(std::filesystem::is_empty(root / "char"));
     EXPECT_EQ(readFile(root / "seq/A.DEF") + readFile(outside / "A.DEF"), "changedcorrupt");
     database->renameduplicates(0);
-    std::string other = content;
-    other[other.size() - 60] = 'T'; // in the second key
+    const std::string other = std::string(content).replace(content.size() - 60, 1, "T"); // in the second key
     put(0, "B", other);
     std::filesystem::rename(root / "DBASE/C.DBS", outside / "C.DBS");
     put(0, "C", content);
@@ -79,9 +78,14 @@ TEST_F(Repairs, NothingIsDeletedOrWrittenThatIsNotAsItWasLookedAt) {
     std::filesystem::create_symlink(outside / "D.DBS", root / "DBASE/D.DBS");
     for (const char* name : {"DBASE/E.DBS", "DBASE/F.DBS"})
         std::filesystem::remove(root / name);
+    newFile({"new"});
+    static const std::string twin = root / "DBASE/dbsf001.dbs"; // which appears while ours is made
+    diskFaultHook = [](DiskOperation kind) { return kind == DiskOperation::link && !std::ofstream(twin); };
     reports.clear();
     EXPECT_EQ(database->saveall(), 0);
+    diskFaultHook = nullptr;
     EXPECT_EQ(reports.size(), 4u) << "three, and all others in one";
+    EXPECT_TRUE(std::filesystem::exists(twin) && !std::filesystem::exists(root / "DBASE/DBSF001.DBS"));
     EXPECT_NE(readFile(root / "DBASE/A.DBS"), content);
     for (const std::string& path : {root / "DBASE/C.DBS", outside / "D.DBS"})
         EXPECT_EQ(readFile(path), content);
