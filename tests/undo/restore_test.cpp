@@ -2,6 +2,19 @@
 
 struct Restores : UndoTest {};
 
+TEST_F(Restores, TakesBackWhatOneRunHasChangedTwice) {
+    const Snapshot before = snapshot(root.path());
+    UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse);
+    for (int save = 0; save < 3; ++save) {
+        std::vector<Change> group;
+        while (group.empty())
+            addKeys(group, "DBASE/F1.DBS");
+        ASSERT_TRUE(change(keeper, group));
+    }
+    EXPECT_EQ(bringBack(keeper.path()).left, Texts());
+    EXPECT_EQ(differences(snapshot(root.path()), before), Texts());
+}
+
 // Neither a byte nor the end can be another; what is refused changes nothing, and neither does a journal.
 TEST_F(Restores, RefusesAFileDamagedAnywhere) {
     UndoKeeper keeper(root.path(), UndoKeeper::WithoutPlace::refuse);
