@@ -8,5 +8,6 @@
 std::string shown(std::string_view bytes); // as UTF-8
 std::string hex(std::string_view bytes);   // two small digits for each byte
 
-// A text of JSON in which the control characters that its library leaves, and a terminal may obey, are escapes.
+// A text of JSON in which the control characters that its library leaves, and a terminal may obey, are
+// escapes.
 std::string escaped(const std::string& json);

@@ -36,7 +36,7 @@ public:
     }
 
     void end() {
-        if (now_ == Now::recreated)
+        if (plan.recreate != nullptr)
             endRecreated(*plan.recreate);
         else if (now_ == Now::onDisk && known_)
             endOnDisk();
