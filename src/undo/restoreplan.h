@@ -39,7 +39,7 @@ private:
 
     std::string root_;
     std::set<std::string> removed_; // names that go
-    std::set<std::string> beside_;  // names that stood beside deleted ones that differ only in case
+    std::set<std::string> beside_;  // names of deleted ones, and those beside them that differ only in case
     std::set<std::string> known_;   // names that are in the end what they were
 };
 
