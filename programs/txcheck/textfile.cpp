@@ -31,7 +31,11 @@ std::string writeTextFile(const std::string& path, std::string_view content, con
     if (leadsInto(path, databaseDirectory))
         return path + ": The file is not written, since it would stand in the database. Give another place";
     ByteStream stream;
-    if (!stream.open(path.c_str(), OpenMode::write))
+    const bool opened = stream.open(path.c_str(), OpenMode::write);
+    if (!opened && GetLastError() == ERROR_ALREADY_EXISTS)
+        return path + ": The file is not written, since it has a second name, which may be one of the data. "
+                      "Give another place";
+    if (!opened)
         return failure(path, "The file can't be made");
     const bool written = stream.write(content.data(), content.size()) == content.size();
     return stream.close() && written ? std::string() : failure(path, "The file can't be written");

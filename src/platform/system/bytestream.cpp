@@ -96,6 +96,17 @@ void refuseOversizedWrites() {
     [[maybe_unused]] static const auto before = std::signal(SIGXFSZ, SIG_IGN);
 }
 
+// Empties a file, but none that has a second name, under which it may be one of the data. The system's error
+// number of a failure, 0 if there is none.
+int emptied(int file) {
+    struct stat state = {};
+    if (fstat(file, &state) != 0)
+        return errno;
+    if (state.st_nlink > 1)
+        return EEXIST;
+    return ftruncate(file, 0) == 0 ? 0 : errno;
+}
+
 } // namespace
 
 ByteStream::~ByteStream() {
@@ -140,9 +151,10 @@ bool ByteStream::openExisting(const std::string& path, Links links) {
     file_ = openPlainFile(path, flagsOf(mode_) | refusal, false);
     if (!isOpen())
         return false;
-    if (mode_ != OpenMode::write || ftruncate(file_, 0) == 0)
+    const int failure = mode_ == OpenMode::write ? emptied(file_) : 0;
+    if (failure == 0)
         return true;
-    setLastErrorFromErrno(errno, path);
+    setLastErrorFromErrno(failure, path);
     ::close(file_);
     file_ = -1;
     return false;

@@ -10,12 +10,13 @@
 #include "platform/system/filestate.h"
 
 enum class OpenMode {
-    read,     // an existing file
-    write,    // a new file, or an existing one emptied; the file and its content appear together at close
-    update,   // an existing file, read and written in place; each write reaches the system at once, in one
-              // piece
-    create,   // a new file, which appears at close when its whole content is on the disk and was read back;
-              // an entry of that name is never replaced
+    read,   // an existing file
+    write,  // a new file, which appears with its content at close, or an existing one emptied, but none that
+            // has a second name
+    update, // an existing file, read and written in place; each write reaches the system at once, in one
+            // piece
+    create, // a new file, which appears at close when its whole content is on the disk and was read back;
+            // an entry of that name is never replaced
     recreate, // the same, also beside a name that differs only in case, as one that has been there before
 };
 
