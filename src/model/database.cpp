@@ -9,6 +9,7 @@
 #include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
+#include "platform/system/directory.h"
 #include "platform/system/errors.h"
 #include "platform/system/letters.h"
 #include "platform/system/path.h"
@@ -95,6 +96,29 @@ void TSXdatabase::notesearch(const TSXfinder& search, const char* relative, Unre
             addunread({place, "Its name holds a backslash, so it can't be opened: give it another name.",
                        weight, 0, !looking});
     }
+}
+
+// Of directories whose names differ in case alone one is read; what lies in another is not known, unless it
+// is that very directory.
+void TSXdatabase::notetwins(const std::string& name, Unread::Weight weight) {
+    const std::string path = std::string(directory) + "/" + name;
+    const std::string read = diskname(path);
+    const FileIdentity identity = stateOf(path.c_str()).identity;
+    TSXfinder finder;
+    int match = finder.findfirst((path + "*").c_str());
+    notesearch(finder, ".", weight);
+    for (; match != 0; match = finder.findnext()) {
+        const std::string twin = finder.entryname.c_str();
+        if (twin == read || !equalIgnoringCase(twin, name) ||
+            !mayBeDirectory((std::string(directory) + "/" + twin).c_str()))
+            continue;
+        if (finder.entryidentity == identity)
+            addunread({twin, "It is another name of '" + read + "'.", Unread::told, 0, !looking});
+        else
+            addunread({twin, "'" + read + "' is read in its place: bring the files of both together.", weight,
+                       0, !looking});
+    }
+    finder.findclose();
 }
 
 void TSXdatabase::forgetrecords(const std::string& name) {

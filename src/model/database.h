@@ -55,6 +55,9 @@ public:
     // The same for what a search could not read of its directory, given below the database's, and what it
     // passed over.
     void notesearch(const TSXfinder& search, const char* relative, Unread::Weight weight);
+    // The same for the directories beside one of the database's whose names differ from its own in case
+    // alone.
+    void notetwins(const std::string& name, Unread::Weight weight);
     void forgetrecords(const std::string& name); // takes the records of a data file off the list
     // False while something of weight whole is unread: no key can be judged then.
     bool picturecomplete() const;

@@ -28,7 +28,7 @@ TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass) : database(owner), f
     Text<700> pattern;
     pattern.format("%s/%s/*.%s", database.directory.c_str(), format.directory, format.extension);
     logLine(Text<800>().format("*** Scanning %s files at %s ***", format.scanlabel, pattern.c_str()));
-    notetwins(format.directory);
+    database.notetwins(format.directory, Unread::whole);
     TSXfinder finder;
     int match = finder.findfirst(pattern);
     missing = finder.missing;
@@ -36,22 +36,6 @@ TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass) : database(owner), f
     for (; match != 0; match = finder.findnext())
         if (finder.entrykind == TSXfinder::file)
             takematch(finder, fileclass);
-    finder.findclose();
-}
-
-// Of directories whose names differ in case alone one is read; what lies in another is not known.
-void TSXfilelist::notetwins(const std::string& directory) {
-    const std::string path = database.directory.c_str() + ("/" + directory);
-    const std::string read = database.diskname(path);
-    TSXfinder finder;
-    int match = finder.findfirst((path + "*").c_str());
-    database.notesearch(finder, ".", Unread::whole);
-    for (; match != 0; match = finder.findnext())
-        if (finder.entrykind == TSXfinder::directory && finder.entryname.view() != read &&
-            equalIgnoringCase(finder.entryname.view(), directory))
-            database.addunread({finder.entryname.c_str(),
-                                "'" + read + "' is read in its place: bring the files of both together.",
-                                Unread::whole});
     finder.findclose();
 }
 

@@ -44,7 +44,6 @@ protected:
     int lowestnumber = 1;                  // files of all numbers below are in the list
 
 private:
-    void notetwins(const std::string& directory);
     void takematch(const TSXfinder& match, int fileclass);
     bool issecondname(const TSXfinder& match, const char* fullpath);
 

@@ -27,16 +27,11 @@ bool hasPlainFile(const std::string& pattern) {
     return found || !finder.passedover.empty();
 }
 
-// A directory that can't be looked into counts: it is no reason to think that nothing is there.
-bool hasDirectory(const std::string& path) {
-    return canEnterDirectory(path.c_str()) || !isAbsence(GetLastError());
-}
-
 } // namespace
 
 bool isDatabase(const char* directory) {
     const std::string below = std::string(directory) + "\\";
-    const auto has = [&](const char* name) { return hasDirectory(below + name); };
+    const auto has = [&](const char* name) { return mayBeDirectory((below + name).c_str()); };
     return std::any_of(treedirectories.begin(), treedirectories.end(), has) ||
            std::any_of(std::begin(fileclasses), std::end(fileclasses),
                        [&](const FileClass& format) { return has(format.directory); }) ||

@@ -122,6 +122,7 @@ void TSXdatabase::scanlibraries() {
     Text<700> pattern;
     pattern.format("%s/Library/*.LIB", directory.c_str());
     logLine(Text<800>().format("*** Scanning library directories at %s ***", pattern.c_str()));
+    notetwins("Library", Unread::part);
     TSXfinder finder;
     int match = finder.findfirst(pattern);
     notesearch(finder, "Library", Unread::part);

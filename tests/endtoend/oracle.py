@@ -115,9 +115,6 @@ class Stream:
             return UNREAD
         return text.split(b"\0")[0]
 
-    def key(self):
-        return self.string(61, True)
-
     def tag(self):
         """The tag of the chunk that stands here, b"" at the end of the file, None where there is no chunk."""
         frame = self.take(5)
@@ -191,7 +188,7 @@ class DataFile:
         return True
 
     def read_type(self, stream):
-        name = stream.key()
+        name = stream.string(61, wide=True)
         return self.database.addtype(self.fileclass, name), name is UNREAD
 
     def pass_strings(self, stream):
@@ -201,7 +198,7 @@ class DataFile:
             stream.string()
 
     def read_record(self, stream):
-        at, key = stream.at, stream.key()
+        at, key = stream.at, stream.string(61, wide=True)
         own = self.fileclass in (1, 5)
         kind, type_unread = self.read_type(stream) if own else (self.type, self.type_unread)
         if self.fileclass == 5:
@@ -261,12 +258,15 @@ class Database:
         for fileclass, row in enumerate(CLASSES):
             pattern = b"%s/%s/*.%s" % (self.shown, row[0].encode(), row[1].encode())
             self.log.append(b"*** Scanning %s files at %s ***" % (row[7].encode(), pattern))
-            for name in sorted(os.listdir(root), key=order):
-                read = self.name_of(self.shown + b"/" + row[0].encode())
-                if name.lower() == row[0].lower() and os.fsencode(name) != read and os.path.isdir(os.path.join(root, name)):
-                    self.unreadable(os.fsencode(name), "whole")
+            self.twins(row[0], "whole")
             self.files.append([DataFile(self, fileclass, name[:-4]) for name in self.once(row[0], self.search(row[0], row[1]))])
         self.analyse()
+
+    def twins(self, folder, weight):
+        read = self.place(self.shown + b"/" + folder.encode())
+        for path in [os.path.join(self.root, name) for name in sorted(os.listdir(self.root), key=order)]:
+            if os.path.basename(path).lower() == folder.lower() and path != read and os.path.isdir(path):
+                self.unreadable(os.fsencode(os.path.basename(path)), "told" if os.path.samefile(path, read) else weight)
 
     def once(self, below, found):
         """The names of plain files, each file under its first name."""
@@ -379,6 +379,7 @@ class Database:
             self.scan(row[0], "CNF", row[6], False)
         self.scan(".", "CMP", COMPARISON, True)
         self.log.append(b"*** Scanning library directories at %s/Library/*.LIB ***" % self.shown)
+        self.twins("Library", "part")
         for name, is_file in self.search("Library", "LIB"):
             path = self.shown + b"/Library/" + os.fsencode(name)
             if not is_file:

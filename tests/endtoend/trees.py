@@ -28,10 +28,12 @@ class Tree:
         self.chance, self.root = random.Random(seed), root
         self.pick = self.chance.choice
         self.often = self.pick(KEYS)
-        for name in ["DBASE", "fprint", "images", "char", "seq", "matrix", "gel2d", "Library", "bundles", "Library/A.LIB"]:
+        for name in ["images", "DBASE", "fprint", "char", "seq", "matrix", "gel2d", "Library", "bundles", "Library/A.LIB"]:
             if self.rarely(12):
                 name = self.pick([name.lower(), name.upper(), "away", name, name + "/../" + name.title()])
-            os.makedirs(os.path.join(root, name), exist_ok=True)
+            elif self.rarely(15) and os.path.isdir(root) and "/" not in name:
+                os.symlink(name, os.path.join(root, name.swapcase()))
+            os.makedirs(os.path.join(root, name), 0o555 if ".." in name else 0o777, exist_ok=True)
         for fileclass, row in enumerate(oracle.CLASSES):
             names = ["A", "b", "B", "_", "z", "dbsf001", "\\c" if self.rarely(9) else ".c"]
             for name in self.chance.sample(names, self.pick([0, 1, 1, 2, 3])):

@@ -37,6 +37,10 @@ bool canEnterDirectory(const char* path) {
     return false;
 }
 
+bool mayBeDirectory(const char* path) {
+    return canEnterDirectory(path) || !isAbsence(GetLastError());
+}
+
 std::string GetCurrentDirectoryA() {
     std::error_code failure;
     return std::filesystem::current_path(failure).string();

@@ -10,6 +10,9 @@ int CreateDirectoryA(const char* path);
 // Whether the directory can be entered; if not, GetLastError tells why, 3 where no directory stands there.
 bool canEnterDirectory(const char* path);
 
+// Whether a directory stands there, or that can't be known: one that can't be looked into counts.
+bool mayBeDirectory(const char* path);
+
 // The current directory; empty if it has gone. Unlike the platform's call it has no limit to its length.
 std::string GetCurrentDirectoryA();
 
