@@ -62,12 +62,6 @@ void refuseLongDirectory() {
           MB_ICONEXCLAMATION);
 }
 
-// A marker and nine missing directories in a place that is no database would help nobody.
-void refuseForeignDirectory() {
-    if (canEnterDirectory(databaseDirectory) && !isDatabase(databaseDirectory))
-        leave(noDatabaseText(databaseDirectory).c_str(), MB_ICONEXCLAMATION);
-}
-
 void takeHold() {
     lockHandle = openMarker(databaseDirectory);
     if (lockHandle == INVALID_HANDLE_VALUE)
@@ -113,7 +107,6 @@ TSXapp::TSXapp() {
     });
     findDatabase();
     refuseLongDirectory();
-    refuseForeignDirectory();
     takeHold();
     warnOfConnectedDatabase();
     initDrawing({192, 192, 192});

@@ -7,7 +7,7 @@
 #include "platform/system/hold.h"
 
 // Whether the directory holds anything of a database: one of its directories, a plain file *.CMP or the
-// marker. One that holds nothing of it should get no marker.
+// marker. One that was typed and holds nothing of it should get no marker.
 bool isDatabase(const char* directory);
 // What to tell the person where it doesn't.
 std::string noDatabaseText(const char* directory);

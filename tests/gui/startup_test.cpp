@@ -72,9 +72,6 @@ TEST_F(StartTest, WhatKeepsTheToolFromStartingIsTold) {
         writeFile(home / "Strains.dbs", "[DIR]\n" + root.path() + "/" + std::string(length, '/') + "\n");
         leaves(0, "Error 48: The path of the database directory is too long: it has at most 599 bytes\n");
     }
-    settings.databaseDirectory = home.path().c_str();
-    choose();
-    leaves(0, "Error 48: There is no database here: '/.+\n");
     settings.databaseDirectory = root.path().c_str();
     choose();
     const HANDLE held = openMarker(root.path().c_str());
@@ -83,8 +80,9 @@ TEST_F(StartTest, WhatKeepsTheToolFromStartingIsTold) {
     CloseHandle(held);
     put("outside.XDB", "");
     leaves(255, "Warning 65: There is a connected database present. ");
-    std::filesystem::remove(root / "outside.XDB");
-    std::filesystem::create_directory(root / "directory.xdb");
+    settings.databaseDirectory = home.path().c_str(); // in which nothing of a database stands
+    choose();
+    std::filesystem::create_directory(home / "directory.xdb");
     std::filesystem::remove(home / "TXLOG.TXT");
     std::filesystem::create_directory(home / "TXLOG.TXT");
     leaves(0, "Error 16: Could not create log file in /.+\n");
