@@ -8,7 +8,7 @@
 namespace {
 
 // Reads one line and cuts it at its first carriage return or line feed. At the end of the file the line is
-// left as it is. False if the line was longer than what was read of it, as far as that can be seen.
+// left as it is. False if it may go on behind what was read of it.
 bool readLine(ByteStream& stream, std::string& line) {
     std::string text;
     char byte = '\0';
@@ -17,9 +17,10 @@ bool readLine(ByteStream& stream, std::string& line) {
         if (byte == '\n')
             break;
     }
+    const std::size_t end = text.find_first_of(std::string("\r\n\0", 3));
     if (!text.empty())
-        line = text.substr(0, text.find_first_of(std::string("\r\n\0", 3)));
-    return text.size() < maxsettingsline || byte == '\n';
+        line = text.substr(0, end);
+    return text.size() < maxsettingsline || end != std::string::npos;
 }
 
 // Reads a directory's line with all its pieces: cut, it could name another directory.

@@ -12,10 +12,19 @@ namespace {
 
 constexpr const char* homeValue = "Home Directory";
 constexpr const char* currentValue = "Current Database";
+constexpr std::size_t maxvalue = 998; // bytes; a longer one is not taken: cut, it could name another place
 
 std::string storePath() {
     return std::string("SOFTWARE\\") + makerName(makerId(), productId()) + "\\" +
            productName(makerId(), productId()) + "\\1.0";
+}
+
+bool readValue(const HKEY& key, const char* name, Text<2000>& value) {
+    std::string text;
+    if (RegQueryValueExA(key, name, text) != 0 || text.size() > maxvalue)
+        return false;
+    value = text.c_str();
+    return true;
 }
 
 } // namespace
@@ -24,14 +33,10 @@ bool readSettingsStore(DatabaseSettings& settings) {
     HKEY key;
     if (RegOpenKeyExA(storePath().c_str(), key) != 0)
         return false;
-    std::string home;
-    std::string current;
-    const int homeResult = RegQueryValueExA(key, homeValue, home);
-    const int currentResult = RegQueryValueExA(key, currentValue, current);
+    const bool home = readValue(key, homeValue, settings.homeDirectory);
+    const bool current = readValue(key, currentValue, settings.currentDatabase);
     RegCloseKey(key);
-    settings.homeDirectory = home.c_str();
-    settings.currentDatabase = current.c_str();
-    return homeResult == 0 && currentResult == 0;
+    return home && current;
 }
 
 bool writeSettingsStore(const DatabaseSettings& settings) {

@@ -4,7 +4,8 @@
 
 #include "files/databasefile.h"
 
-// Reads the home directory and the current database from the settings store. False if either is missing.
+// Reads the home directory and the current database from the settings store. False if either is missing or
+// has more than 998 bytes; it is then left as it is.
 bool readSettingsStore(DatabaseSettings& settings);
 
 // Writes these two to the settings store; an empty one is left as it stands there. False if the store can't
