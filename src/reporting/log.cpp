@@ -61,8 +61,9 @@ bool startLog(int enabled, const char* directory) {
     logEnabled = enabled;
     if (logEnabled != 1)
         return true;
-    logPath.format("%s\\TXLOG.TXT", directory);
-    if (writeHead()) {
+    const std::string path = std::string(directory) + "\\TXLOG.TXT";
+    logPath = path.c_str();
+    if (logPath.view() == path && writeHead()) { // cut, it would be the path of another file
         foundPath = resolvePath(logPath.view());
         return true;
     }
