@@ -1,6 +1,6 @@
-// A child window of a frame: its messages as plain operations to override. Keys reach the frame only. A pane
-// is made by its frame with Create and the background of getBrush(baseBrush), laid out with placeAt, and
-// deleted by the frame.
+// A child window of a frame: its messages as plain operations to override, but for those of the keys, which
+// reach the frame too. A pane is made by its frame with Create and the background of getBrush(baseBrush),
+// laid out with placeAt, and deleted by the frame.
 #pragma once
 
 #include "platform/window/wnd.h"

@@ -4,7 +4,6 @@
 #include "model/exptype.h"
 #include "platform/window/dc.h"
 #include "views/entryframe.h"
-#include "views/entrygridpane.h"
 #include "views/table.h"
 
 namespace {
@@ -24,8 +23,7 @@ void TSXentrytypespane::paintPane(CDC& dc) {
     int height = 0;
     getClientSize(width, height);
     beginTable(dc);
-    // The grid's position, as this pane's own bar stays at 0.
-    int top = -owner.gridPane->vStep * owner.gridPane->vPos;
+    int top = -vStep * vPos;
     for (int t = 0; t <= owner.database.lasttype; ++t) {
         dc.SetBkColor(rowColour(false));
         paintCell(dc, nameX, {0, top, nameRight, top + rowHeight}, owner.database.gettype(t)->name);
@@ -33,11 +31,6 @@ void TSXentrytypespane::paintPane(CDC& dc) {
         top += rowHeight;
     }
     fillBelow(dc, top, width, height);
-}
-
-RECT TSXentrytypespane::rowPlace(int row) const {
-    const RECT place = owner.gridPane->rowPlace(row);
-    return {0, place.top, GetClientRect().right, place.bottom};
 }
 
 int TSXentrytypespane::rowCount() const {

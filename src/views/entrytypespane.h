@@ -1,5 +1,5 @@
-// The names of the experiment types beside the grid of an entry window. The grid scrolls it; it does not
-// react to the mouse.
+// The names of the experiment types beside the grid of an entry window. The grid scrolls it and sets its
+// vPos, while its own bar stays at 0; it does not react to the mouse.
 #pragma once
 
 #include "toolkit/rowpane.h"
@@ -12,7 +12,6 @@ public:
 
     void paintPane(CDC& dc) override;
 
-    RECT rowPlace(int row) const override; // beside the grid's row
     std::string rowsName() const override { return "Data types"; }
     int rowCount() const override;
     std::string rowText(int row) const override;

@@ -16,7 +16,8 @@ public:
     CDialog(int resourceNumber, CWnd& parent);
     ~CDialog() override;
 
-    // Runs the dialog and returns IDOK or IDCANCEL when it has ended; 0 when there is no such resource.
+    // Runs the dialog and returns IDOK or IDCANCEL when it has ended; 0 when there is no such resource or the
+    // parent has no window.
     int DoModal();
 
     // All of these need a dialog that runs. A control that does not exist takes no text and has the empty
