@@ -241,6 +241,12 @@ void WindowHost::showBar(ScrollBarKind kind) {
             [this, kind](int action) { barMoved(kind, action); });
     connect(shown.widget, &QScrollBar::sliderReleased, this,
             [this, kind] { sendScroll(kind, SB_THUMBPOSITION, range(kind).info().nPos); });
+    connect(shown.widget, &QScrollBar::valueChanged, this, [this, kind](int value) {
+        if (value == range(kind).info().nPos)
+            return;
+        sendScroll(kind, SB_THUMBTRACK, value); // a screen reader sets the value itself
+        setRange(kind, range(kind));
+    });
     setRange(kind, shown.range);
     shown.widget->show();
     arrange();
@@ -252,6 +258,7 @@ void WindowHost::setRange(ScrollBarKind kind, const ScrollRange& range) {
     QScrollBar* const widget = bars_[kind].widget;
     if (widget == nullptr)
         return;
+    const QSignalBlocker quiet(widget);
     widget->setRange(0, range.limit());
     widget->setPageStep(std::max(range.info().nPage, 1));
     widget->setValue(range.info().nPos);
