@@ -68,7 +68,7 @@ public:
     bool isunread(std::string_view fullpath) const; // whether that file or directory could not be read
     // The name of a path relative to the database's directory, as it is spelled on the disk; "." for itself.
     std::string diskname(std::string_view fullpath) const;
-    // Keeps a change that was made, or while planning would have been, and writes its line to the log.
+    // Keeps a change that was made, and writes its line to the log; while planning, one that would have been.
     void addchange(Change change);
     // The same of a group in two steps: each change when it was made, and those behind the last of them. A
     // million are not moved one by one.

@@ -7,7 +7,7 @@
 
 struct Unread {
     enum Weight : std::uint8_t {
-        told,  // left out because the same is read under another name: refuses nothing, changes no status
+        told,  // a second name, or one that opens another file: refuses nothing, changes no status
         part,  // a record, a side file, a directory without data files: itself left alone, the rest can be
                // repaired
         whole, // a data file, a directory of data files, a type: without it no other key can be judged
