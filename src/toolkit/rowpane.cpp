@@ -37,6 +37,8 @@ void TSXrowpane::onKeyDown(std::uint32_t key, std::uint32_t /*repeat*/, std::uin
     case VK_END:
         return goToRow(rowCount());
     case VK_RETURN:
+        if (selectedRow() <= rowCount())
+            showRow(selectedRow()); // the wheel may have led away from it
         return openRow();
     default:
         break;

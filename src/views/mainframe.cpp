@@ -214,6 +214,7 @@ void TSXmainframe::solveProblem(std::uint32_t command) {
 void TSXmainframe::rebuildDatabase() {
     closeEntryWindows(); // each shows a key of the index, which the analysis makes anew
     database->analyse();
+    unsavedFiles = std::min(unsavedFiles, changedFiles(*database)); // a solution may have deleted one
     updateScrollRanges();
     showStatus();
     InvalidateRect(true);

@@ -97,11 +97,14 @@ TEST_F(DesktopTest, APromptIsDismissedWhenItsWindowGoes) {
     for (const bool closeAll : {false, true}) {
         TSXentryframe& window = openEntry("Alpha");
         QTimer::singleShot(0, [&] {
-            QApplication::processEvents();
-            if (closeAll)
-                outerWidget(*main)->close();
-            else
-                main->rebuildDatabase();
+            const QWidget* const ok = outerWidget(window)->findChild<QWidget*>("1");
+            TSXentryframe& other = openEntry("");
+            QTimer::singleShot(0, [&] {
+                EXPECT_FALSE(ok->isEnabled()) << "what it confirms would wait for the other prompt";
+                outerWidget(other)->findChild<QWidget*>("1")->window()->close();
+            });
+            EXPECT_TRUE((other.frameCommand(201), ok->isEnabled()));
+            main->frameCommand(closeAll ? 999 : 102);
         });
         window.frameCommand(201);
         EXPECT_EQ(::database->ismodified(), 0);

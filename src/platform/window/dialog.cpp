@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "platform/system/messagebox.h"
 #include "platform/window/internal/bytefield.h"
@@ -75,15 +76,30 @@ void build(const DialogResource& resource, CDialog& dialog, QDialog& window) {
     }
 }
 
-// Shows the dialog until it ends, by itself, with its parent or with the program.
+QDialog* latest = nullptr; // of those that are open
+
+void allowAnswer(QDialog* dialog, bool allowed) {
+    if (dialog == nullptr)
+        return;
+    if (auto* const button = dialog->findChild<QWidget*>(QString::number(IDOK)))
+        button->setEnabled(allowed);
+}
+
+// Shows the dialog until it ends, by itself, with its parent or with the program. The one that was open
+// before, of another window, goes on only behind this one: an answer given to it meanwhile would have no
+// effect yet.
 void run(QDialog& window, WindowHost& parent) {
     const ModalScope modal;
     const QPointer<WindowHost> owner(&parent);
+    QDialog* const before = std::exchange(latest, &window);
+    allowAnswer(before, false);
     QEventLoop loop;
     QObject::connect(&window, &QDialog::finished, &loop, &QEventLoop::quit);
     owner->setDialog(&window);
     window.show();
     loop.exec();
+    latest = before;
+    allowAnswer(before, true);
     if (!owner)
         return;
     owner->setDialog(nullptr);

@@ -1,6 +1,6 @@
 // A modal dialog built from a dialog resource. It disables its parent window only; when that goes, it is
-// cancelled. What is typed into a field comes back in the encoding of the text that was set there: UTF-8
-// unless that was not.
+// cancelled. Dialogs of several windows can be open: the one opened last is confirmed first. What is typed
+// into a field comes back in the encoding of the text that was set there: UTF-8 unless that was not.
 #pragma once
 
 #include <cstddef>
