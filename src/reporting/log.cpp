@@ -80,6 +80,10 @@ void endLog() {
         reportLoss();
 }
 
+int lostLogLines() {
+    return lostLines;
+}
+
 void logLine(const char* text) {
     if (logEnabled == 1)
         append(std::string(text) + '\n');

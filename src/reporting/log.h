@@ -14,6 +14,7 @@ bool startLog(int enabled, const char* directory);
 
 // Writes the trailer, and reports it if lines were lost.
 void endLog();
+int lostLogLines(); // how many could not be written so far
 
 // Appends one line, taken as it stands. A line that can't be appended is lost.
 void logLine(const char* text);

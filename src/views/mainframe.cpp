@@ -9,6 +9,7 @@
 #include "platform/window/dc.h"
 #include "platform/window/msgbox.h"
 #include "platform/window/statusbarctrl.h"
+#include "reporting/log.h"
 #include "resources/resources.h"
 #include "views/current.h"
 #include "views/entriespane.h"
@@ -187,6 +188,7 @@ void TSXmainframe::showStatus() {
     if (!line.empty())
         line += " (see TXLOG.TXT)";
     add("Files not saved: ", unsavedFiles);
+    add("Lines missing in TXLOG.TXT, which could not be written: ", lostLogLines());
     statusBar->SetText(line.c_str());
 }
 
