@@ -50,6 +50,12 @@ bool leadsNowhere(const std::string& path) {
     return readEntry(path, OfLink::target, state) && state.kind == EntryState::missing;
 }
 
+// An undo file elsewhere may only be on a medium that is away, and be that of an interrupted run.
+bool isGone(const std::string& path) {
+    EntryState link;
+    return leadsNowhere(path) && readEntry(path, OfLink::itself, link) && isOld(link.changed.seconds);
+}
+
 } // namespace
 
 std::string undoDirectory() {
@@ -83,7 +89,7 @@ std::vector<UndoListEntry> listUndoFiles() {
 void removeOldUndoFiles() {
     const std::vector<std::string> paths = undoFilePaths();
     for (const std::string& path : paths)
-        if (leadsNowhere(path))
+        if (isGone(path))
             removeFile(path.c_str());
     // Most often that is known without reading all of them, and the new one is large.
     if (paths.size() <= keptOfDatabase || std::none_of(paths.begin(), paths.end(), mayGo))
