@@ -126,12 +126,19 @@ void TSXdatabase::scanlibraries() {
     TSXfinder finder;
     int match = finder.findfirst(pattern);
     notesearch(finder, "Library", Unread::part);
-    for (; match != 0; match = finder.findnext())
+    for (; match != 0; match = finder.findnext()) {
+        const std::string path = std::string(directory) + "/Library/" + finder.entryname.c_str();
         if (finder.entrykind == TSXfinder::directory)
             scansidefiles(Text<420>().format("Library/%s", finder.entryname.c_str()), "CMP", rawheaders[0]);
         else if (finder.entryfailure != 0)
-            addunreadpath(std::string(directory) + "/Library/" + finder.entryname.c_str(),
-                          errorText(finder.entryfailure), Unread::part);
+            addunreadpath(path, errorText(finder.entryfailure), Unread::part);
+        else if (canEnterDirectory(path.c_str()))
+            addunreadpath(
+                path,
+                "It counts as a file, since nobody may write in it or its name begins with a point: "
+                "change that to have it read.",
+                Unread::told);
+    }
     finder.findclose();
 }
 

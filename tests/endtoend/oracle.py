@@ -324,7 +324,7 @@ class Database:
                     self.unreadable(os.path.normpath(folder + b"/" + os.fsencode(name)), weight)
                 elif find(directory, name[:-len(end)] + end) == path:
                     plain = not os.path.isdir(path)
-                    found.append((name, plain or (not found and name[0] == ".")))
+                    found.append((name, plain or (not found and (name[0] == "." or not os.stat(path).st_mode & 0o222))))
                 else:
                     self.unreadable(os.path.relpath(os.fsencode(path), os.fsencode(self.root)), "told")
         return found
@@ -384,8 +384,8 @@ class Database:
             path = self.shown + b"/Library/" + os.fsencode(name)
             if not is_file:
                 self.scan("Library/" + name, "CMP", COMPARISON, True)
-            elif not os.path.exists(self.place(path)):
-                self.unreadable(self.name_of(path), "part")
+            elif os.path.isdir(self.place(path)) or not os.path.exists(self.place(path)):
+                self.unreadable(self.name_of(path), "told" if os.path.exists(self.place(path)) else "part")
         for path in [self.shown] + [self.shown + b"\\" + name.encode() for name in DIRECTORIES]:
             if not os.path.isdir(self.place(path)):
                 if os.path.isfile(self.place(path)):
