@@ -9,6 +9,8 @@ bool readContent(const std::string& path, std::string& content) {
     if (!file.open(path.c_str(), OpenMode::read))
         return false;
     const std::int64_t size = file.state().size;
+    if (file.readFailure() != 0) // else it would pass for an empty file
+        return false;
     if (size > INT32_MAX) {
         SetLastError(ERROR_NOT_ENOUGH_MEMORY);
         return false;

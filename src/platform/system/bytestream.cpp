@@ -245,6 +245,10 @@ bool ByteStream::failRead() {
 }
 
 FileState ByteStream::state() {
+    if (injectedFault(DiskOperation::read)) {
+        failRead();
+        return {};
+    }
     struct stat state = {};
     if (isOpen() && fstat(file_, &state) == 0)
         return stateFrom(state);
