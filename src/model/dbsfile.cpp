@@ -10,15 +10,11 @@ namespace {
 
 constexpr int valuecapacity = 300; // of field names and field values, which are read only to be passed over
 
-// Behind the end of the file, or where the disk gives nothing more, there is nothing to pass over, however
-// many values are announced.
+// Behind the end of the file, or once the disk has failed, there is nothing to pass over, however many values
+// are announced.
 void passstrings(TSXbinfile& file, std::int32_t count) {
-    bool moved = true;
-    for (std::int32_t i = 0; i < count && moved && file.iseof() == 0; ++i) {
-        const std::int32_t before = file.tell();
+    for (std::int32_t i = 0; i < count && file.iseof() == 0 && file.readfailure() == 0; ++i)
         file.passstring(valuecapacity);
-        moved = file.tell() != before;
-    }
 }
 
 } // namespace
