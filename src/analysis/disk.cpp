@@ -59,8 +59,11 @@ std::string whykept(const TSXdatabase& database, const Doomed& file) {
     const std::string root = database.directory.c_str();
     const std::string holder = file.path.substr(0, file.path.find_last_of("/\\"));
     if (holder != root && holder != root + "/." && pathExists(holder) && !leadsInto(holder, root))
-        return "A link leads to it out of the directory of the database, and nothing is deleted there.\n"
-               "Put the directory itself in place of the link, and repeat the solution.";
+        return GetLastError() != ERROR_SUCCESS
+                   ? errorText(GetLastError()) + "\n" + repeat
+                   : "A link leads to it out of the directory of the database, and nothing is deleted "
+                     "there.\n"
+                     "Put the directory itself in place of the link, and repeat the solution.";
     if (file.unread)
         return "It could not be read, so it can't be known whether it is empty.\n"
                "Put that right, and load the database again.";

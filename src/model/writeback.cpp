@@ -32,12 +32,29 @@ bool isnewfield(std::string_view bytes, const Change& change) {
            bytes.find_first_not_of('\0', head + change.newkey.size()) == std::string_view::npos;
 }
 
-// Whether the bytes of a field give that key, as the reader takes it. The file may end behind the text.
+std::string untold(const TSXbinfile& file) {
+    return errorText(file.readfailure()) + "\n" + trylater;
+}
+
+// Why a file does not look as it did when it was read: what the disk does not tell, no other program has
+// done.
+std::string whyanother(const TSXbinfile& file, const std::string& what) {
+    return file.readfailure() != 0 ? untold(file) : what + changedmeanwhile;
+}
+
+// Why a path does not lead into the database, as far as that is known.
+std::string whyoutside(const char* link) {
+    return GetLastError() != ERROR_SUCCESS ? unwritten() : link;
+}
+
+// Whether the bytes of a field give that key, as the reader takes it. The file may end behind the text, or
+// where there is none behind its length.
 bool givekey(std::string_view bytes, const std::string& key) {
     const std::int32_t length = TSXbinfile::intin(bytes, 0, -1);
     const auto taken = static_cast<std::size_t>(std::clamp(length, 0, maxkeylength));
     const std::string_view text = bytes.substr(std::min<std::size_t>(8, bytes.size()), taken);
-    return length >= 0 && bytes.size() >= 8 + taken && text.substr(0, text.find('\0')) == key;
+    return length >= 0 && (length == 0 || bytes.size() >= 8 + taken) &&
+           text.substr(0, text.find('\0')) == key;
 }
 
 // Fills in what stands at a key field now. Nothing, or why it must be left.
@@ -46,12 +63,14 @@ std::string lookat(TSXbinfile& file, Change& change) {
         return "The place of record " + std::to_string(change.record) + " in the file is not known.\n" +
                trylater;
     change.fieldbefore = file.bytesat(change.offset, fieldsize);
+    if (change.fieldbefore.size() < fieldsize && file.readfailure() != 0)
+        return untold(file);
     if (isnewfield(change.fieldbefore, change)) // by an earlier save that could not be confirmed
         return {};
     if (!givekey(change.fieldbefore, change.oldkey))
         return "The key of record " + std::to_string(change.record) + " is no longer '" + change.oldkey +
                "'. " + changedmeanwhile;
-    const std::int32_t capacity = TSXbinfile::intin(change.fieldbefore, 4, 0);
+    const std::int32_t capacity = TSXbinfile::intin(change.fieldbefore, 4, keycapacity);
     if (capacity != keycapacity)
         return "The key field of record " + std::to_string(change.record) + " has the capacity " +
                std::to_string(capacity) + " in place of " + std::to_string(keycapacity) +
@@ -66,8 +85,8 @@ std::string writefields(TSXbinfile& file, Change* first, const Change* last, std
     std::string obstacle;
     for (Change* change = first; change != last; ++change) {
         if (file.bytesat(change->offset, fieldsize) != change->fieldbefore) {
-            obstacle = "The key of record " + std::to_string(change->record) + " is another now. " +
-                       changedmeanwhile;
+            obstacle =
+                whyanother(file, "The key of record " + std::to_string(change->record) + " is another now. ");
             continue;
         }
         if (file.seek(change->offset) != 0 || file.writefield(change->newkey, keycapacity) != 1)
@@ -106,10 +125,12 @@ std::string TSXdatafile::opensame(TSXbinfile& file) const {
         return unwritten();
     std::string obstacle;
     if (!leadsInto(path.view(), database.directory.view()))
-        obstacle = "A link leads to it out of the directory of the database, and nothing is written there.\n"
-                   "Put the file itself in place of the link, and save again.";
+        obstacle =
+            whyoutside("A link leads to it out of the directory of the database, and nothing is written "
+                       "there.\n"
+                       "Put the file itself in place of the link, and save again.");
     else if (file.state().identity != onread.identity)
-        obstacle = changedmeanwhile;
+        obstacle = whyanother(file, "");
     if (!obstacle.empty())
         file.close();
     return obstacle;
@@ -165,9 +186,10 @@ std::string TSXdatafile::whynotmade() const {
         return errorText(number) + "\n" + trylater;
     const std::string holder = path.c_str();
     if (!leadsInto(holder.substr(0, holder.rfind('/')), database.directory.view()))
-        return "A link leads to its directory out of the directory of the database, and nothing is made "
-               "there.\n"
-               "Put the directory itself in place of the link, and save again.";
+        return whyoutside(
+            "A link leads to its directory out of the directory of the database, and nothing is "
+            "made there.\n"
+            "Put the directory itself in place of the link, and save again.");
     return {};
 }
 
@@ -185,7 +207,7 @@ std::string TSXdatafile::makechanges(Change* first, Change* last) {
         obstacle = writefields(file, first, last, written);
         const bool confirmed = confirm(file, written);
         const FileState state = file.state();
-        if (file.close() == 0 || !confirmed)
+        if (file.close() == 0 || !confirmed || state == FileState())
             return message(inform, *this, unwritten());
         onread = state;
         for (Change* change : written)

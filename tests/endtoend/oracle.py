@@ -217,7 +217,7 @@ class DataFile:
         if self.ondisk:
             with open(place, "rb") as file:
                 data = bytearray(file.read())
-            changed = [record for record in changed if data[record.at + 4:record.at + 8] == struct.pack("<i", 61)]
+            changed = [record for record in changed if record.at + 8 > len(data) or number(data[record.at + 4:record.at + 8]) == 61]
             for record in changed:
                 data.extend(bytes(max(0, record.at - len(data))))
                 data[record.at:record.at + 69] = field(record.key)

@@ -208,9 +208,11 @@ bool pathExists(std::string_view path) {
 bool leadsInto(std::string_view path, std::string_view directory) {
     std::error_code failure;
     const auto whole = std::filesystem::weakly_canonical(resolvePath(path), failure).string();
+    const auto top =
+        failure ? std::string() : std::filesystem::canonical(resolvePath(directory), failure).string();
+    SetLastError(ERROR_SUCCESS);
     if (failure)
-        return false;
-    const auto top = std::filesystem::canonical(resolvePath(directory), failure).string();
+        setLastErrorFromErrno(failure.value(), std::string(path));
     return !failure && whole.size() > top.size() && whole.compare(0, top.size(), top) == 0 &&
            (whole[top.size()] == '/' || top.back() == '/');
 }

@@ -23,7 +23,8 @@ bool pathExists(std::string_view path);
 // GetLastError then tells why.
 std::vector<std::string> directoryEntries(const std::string& directory);
 
-// Whether a path leads to something inside of a directory, whatever links it goes through.
+// Whether a path leads to something inside of a directory, whatever links it goes through. False also where
+// that can't be known; GetLastError then tells why, else it is 0.
 bool leadsInto(std::string_view path, std::string_view directory);
 
 // Whether no other entry of its directory equals the path's last component ignoring case. False also where
