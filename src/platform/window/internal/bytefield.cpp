@@ -33,7 +33,7 @@ void ByteField::keepWithinLimit() {
     cutAtLineBreak(kept, cursor);
     // A character that the encoding lacks shows as what it will be stored as.
     if (encoding_ == TextEncoding::windows1252)
-        kept = unicodeOf(bytesOf(kept, encoding_).toStdString());
+        kept = unicodeOf(bytesOf(kept, encoding_).toStdString(), encoding_);
     cursor = std::min(cursor, kept.size());
     // Characters go from before the cursor until the rest fits.
     const qsizetype most = std::max(limit_, bytesOf(before_, encoding_).size());

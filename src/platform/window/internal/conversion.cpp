@@ -35,7 +35,11 @@ TextEncoding encodingOf(std::string_view bytes) {
 }
 
 QString unicodeOf(std::string_view bytes) {
-    if (isUtf8(bytes))
+    return unicodeOf(bytes, encodingOf(bytes));
+}
+
+QString unicodeOf(std::string_view bytes, TextEncoding encoding) {
+    if (encoding == TextEncoding::utf8)
         return decodeUtf8(bytes);
     QString text = QString::fromLatin1(viewOf(bytes));
     for (QChar& letter : text) {

@@ -12,6 +12,7 @@ enum class TextEncoding { utf8, windows1252 };
 TextEncoding encodingOf(std::string_view bytes);
 
 QString unicodeOf(std::string_view bytes);
+QString unicodeOf(std::string_view bytes, TextEncoding encoding); // bytes that are known to be that
 // A character that Windows-1252 lacks becomes a question mark.
 QByteArray bytesOf(const QString& text, TextEncoding encoding);
 
