@@ -12,6 +12,14 @@ std::nullopt_t refuse(const std::string& text) {
     return std::nullopt;
 }
 
+// Takes what was given in place of a value of the settings. False if that has no room for it: cut, it would
+// name another place.
+bool take(const std::optional<std::string>& given, Text<2000>& value) {
+    if (given)
+        value = given->c_str();
+    return !given || value.view() == *given;
+}
+
 } // namespace
 
 std::optional<std::string> chooseDirectory(const Options& options) {
@@ -24,10 +32,9 @@ std::optional<std::string> chooseDirectory(const Options& options) {
     }
     DatabaseSettings settings;
     readSettingsStore(settings);
-    if (options.home)
-        settings.homeDirectory = options.home->c_str();
-    if (options.database)
-        settings.currentDatabase = options.database->c_str();
+    if (!take(options.home, settings.homeDirectory) || !take(options.database, settings.currentDatabase))
+        return refuse(
+            "The home directory or the name of the database is too long: each has at most 1999 bytes");
     if (settings.homeDirectory.empty() || settings.currentDatabase.empty())
         return refuse(std::string(notStartedText) +
                       ", or give the database directory, or --home and --database, on the command line");
