@@ -54,24 +54,29 @@ void end(const TSXdatabase& database) {
         database.keeper->after();
 }
 
+// What was found, unless the disk has failed and nothing is known.
+std::string orfailure(const char* found) {
+    const std::uint32_t number = GetLastError();
+    return number == ERROR_SUCCESS || isAbsence(number) ? found : errorText(number) + "\n" + repeat;
+}
+
 // Why a file is to be left; nothing if it may be deleted.
 std::string whykept(const TSXdatabase& database, const Doomed& file) {
     const std::string root = database.directory.c_str();
     const std::string holder = file.path.substr(0, file.path.find_last_of("/\\"));
+    SetLastError(ERROR_SUCCESS);
     if (holder != root && holder != root + "/." && pathExists(holder) && !leadsInto(holder, root))
-        return GetLastError() != ERROR_SUCCESS
-                   ? errorText(GetLastError()) + "\n" + repeat
-                   : "A link leads to it out of the directory of the database, and nothing is deleted "
-                     "there.\n"
-                     "Put the directory itself in place of the link, and repeat the solution.";
+        return orfailure(
+            "A link leads to it out of the directory of the database, and nothing is deleted there.\n"
+            "Put the directory itself in place of the link, and repeat the solution.");
     if (file.unread)
         return "It could not be read, so it can't be known whether it is empty.\n"
                "Put that right, and load the database again.";
     if (!pathExists(file.path))
-        return "It is not there any more.\nLoad the database again.";
+        return orfailure("It is not there any more.\nLoad the database again.");
     if (file.known.identity.inode != 0 && stateOf(file.path.c_str()) != file.known)
-        return "Another program has changed it since it was looked at.\n"
-               "Load the database again, and look at it anew.";
+        return orfailure("Another program has changed it since it was looked at.\n"
+                         "Load the database again, and look at it anew.");
     return {};
 }
 

@@ -13,5 +13,9 @@ FileState stateFrom(const struct stat& state) {
 
 FileState stateOf(const char* path) {
     struct stat state = {};
-    return stat(resolvePath(path).c_str(), &state) == 0 ? stateFrom(state) : FileState();
+    const std::string found = resolvePath(path);
+    if (stat(found.c_str(), &state) == 0)
+        return stateFrom(state);
+    setLastErrorFromErrno(errno, found);
+    return {};
 }

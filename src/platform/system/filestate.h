@@ -22,5 +22,6 @@ struct FileState {
     bool operator==(const FileState& other) const = default;
 };
 
-// Of the file to which a path leads; that of no file where there is none.
+// Of the file to which a path leads; that of no file where there is none or it can't be had, and GetLastError
+// then tells why.
 FileState stateOf(const char* path);
