@@ -54,11 +54,12 @@ private:
         if (now_ != Now::onDisk || known_)
             return now_ != Now::gone;
         EntryState target;
-        if (!readEntry(path_, OfLink::target, target) || target.kind == EntryState::missing) {
+        const bool told = readEntry(path_, OfLink::target, target);
+        if (told && target.kind == EntryState::missing) {
             leave("it is not there any more");
             return false;
         }
-        known_ = readContent(path_, content_);
+        known_ = told && readContent(path_, content_);
         if (!known_)
             leave("it can't be read (" + errorText(GetLastError()) + ")");
         standing_ = content_;
