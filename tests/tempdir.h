@@ -43,6 +43,9 @@ public:
     TempDir& operator=(const TempDir&) = delete;
     ~TempDir() {
         std::error_code ignored;
+        for (const auto& open : std::filesystem::directory_iterator("/proc/self/fd"))
+            if (std::filesystem::read_symlink(open, ignored).string().starts_with(directory_))
+                std::abort(); // what a test opened is closed again
         std::filesystem::remove_all(directory_, ignored);
         leftovers.directories.erase(directory_);
     }
