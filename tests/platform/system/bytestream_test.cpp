@@ -140,6 +140,7 @@ TEST_F(ByteStreamTest, ANewFileAppearsWholeAtClose) {
     ASSERT_TRUE(open("taken", OpenMode::write));
     writeFile(directory / "taken", "theirs"); // another program makes the name meanwhile
     EXPECT_EQ(errorOf(stream.close()), 183);
+    EXPECT_EQ(errorOf(open("taken", OpenMode::create)), 183);
     EXPECT_EQ(readFile(directory / "taken"), "theirs");
 }
 
