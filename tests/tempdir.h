@@ -45,7 +45,7 @@ public:
         std::error_code ignored;
         for (const auto& open : std::filesystem::directory_iterator("/proc/self/fd"))
             if (std::filesystem::read_symlink(open, ignored).string().starts_with(directory_))
-                throw std::logic_error("a file is left open"); // ends the test program
+                std::abort(); // what a test opened is closed again
         std::filesystem::remove_all(directory_, ignored);
         leftovers.directories.erase(directory_);
     }
