@@ -106,33 +106,72 @@ struct Waiting {
     std::string damage;
 };
 
-std::vector<Waiting> findWaiting(const std::string& databaseDirectory) {
-    std::vector<Waiting> found;
-    EntryState state;
-    if (!readEntry(databaseDirectory, OfLink::target, state))
-        return found;
-    for (const std::string& path : undoFilePaths()) {
-        UndoHeader header;
-        if (!readUndoHeader(path, header) || !header.isOpen() || header.inode != state.inode)
-            continue;
-        Waiting waiting;
-        waiting.damage = readUndoFile(path, waiting.file);
-        if (waiting.damage.empty() ? isAbout(waiting.file, databaseDirectory) : header.device == state.device)
-            found.push_back(std::move(waiting));
-    }
-    return found;
+// Whether the disk has failed; what is away or another user's is no journal of this one.
+bool hasFailed() {
+    const std::uint32_t number = GetLastError();
+    return number != ERROR_SUCCESS && !isAbsence(number) && number != ERROR_ACCESS_DENIED &&
+           number != ERROR_CANT_RESOLVE_FILENAME;
 }
+
+// Looks for what waits, and does not take for nothing what it could not look at.
+class Search {
+public:
+    explicit Search(std::string databaseDirectory) : directory_(std::move(databaseDirectory)) {
+        if (!readEntry(directory_, OfLink::target, state_)) {
+            noteFailure(directory_);
+            return;
+        }
+        SetLastError(ERROR_SUCCESS);
+        const std::vector<std::string> paths = undoFilePaths();
+        if (paths.empty())
+            noteFailure(undoDirectory());
+        for (const std::string& path : paths)
+            look(path);
+    }
+
+    std::vector<Waiting> waiting;
+    std::vector<std::string> unknown; // for the person: where more may wait
+
+private:
+    void look(const std::string& path) {
+        UndoHeader header;
+        if (!readUndoHeader(path, header)) {
+            noteFailure(path);
+            return;
+        }
+        if (!header.isOpen() || header.inode != state_.inode)
+            return;
+        Waiting found;
+        found.damage = readUndoFile(path, found.file);
+        if (found.damage.empty() ? isAbout(found.file, directory_) : header.device == state_.device)
+            waiting.push_back(std::move(found));
+        else if (found.damage.empty())
+            noteFailure(directory_);
+    }
+
+    void noteFailure(const std::string& what) {
+        if (hasFailed())
+            unknown.push_back("Whether a change of the database was interrupted can't be known, since " +
+                              what + " can't be read (" + errorText(GetLastError()) + ")");
+    }
+
+    std::string directory_;
+    EntryState state_;
+};
 
 } // namespace
 
 bool isInterrupted(const std::string& databaseDirectory) {
-    return !findWaiting(resolvePath(databaseDirectory)).empty();
+    return !Search(resolvePath(databaseDirectory)).waiting.empty();
 }
 
 FinishedWork finishInterrupted(const std::string& databaseDirectory) {
     FinishedWork work;
     const std::string directory = resolvePath(databaseDirectory);
-    for (const Waiting& waiting : findWaiting(directory)) {
+    const Search search(directory);
+    work.texts = search.unknown;
+    work.complete = work.texts.empty();
+    for (const Waiting& waiting : search.waiting) {
         if (waiting.damage.empty()) {
             Finisher(waiting.file, directory, work).run();
             continue;

@@ -8,7 +8,7 @@
 struct FinishedWork {
     // For the person: what was finished, and what was left. Empty: nothing was waiting.
     std::vector<std::string> texts;
-    bool complete = true; // false: something still waits, and the database must not be used as it is
+    bool complete = true; // false: something still waits, or may, and the database must not be used as it is
 };
 
 // Whether something waits. Changes nothing.

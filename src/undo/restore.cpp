@@ -1,5 +1,6 @@
 #include "undo/restore.h"
 
+#include "platform/system/errors.h"
 #include "platform/system/path.h"
 #include "undo/restoreplan.h"
 #include "undo/restoring.h"
@@ -21,7 +22,10 @@ RestoreResult restore(const RestoreOptions& given) {
     if (!damage.empty())
         result.refused = options.undoFile + ": " + damage;
     else if (!isAbout(undo, options.databaseDirectory))
-        result.refused = options.undoFile + ": it is about another database, " + undo.directory;
+        result.refused =
+            GetLastError() == ERROR_SUCCESS
+                ? options.undoFile + ": it is about another database, " + undo.directory
+                : options.databaseDirectory + ": it can't be read (" + errorText(GetLastError()) + ")";
     if (!result.refused.empty())
         return result;
     RestorePlan plan(undo, options.databaseDirectory);

@@ -173,8 +173,11 @@ std::string readUndoFile(const std::string& path, UndoFile& file) {
 bool readUndoHeader(const std::string& path, UndoHeader& header) {
     ByteStream file;
     std::string bytes(UndoHeader::size, '\0');
-    return file.open(path.c_str(), OpenMode::read) && file.read(bytes.data(), bytes.size()) == bytes.size() &&
-           header.decode(bytes);
+    if (!file.open(path.c_str(), OpenMode::read))
+        return false;
+    const bool whole = file.read(bytes.data(), bytes.size()) == bytes.size();
+    SetLastError(file.readFailure());
+    return whole && header.decode(bytes);
 }
 
 bool isAbout(const UndoFile& file, const std::string& databaseDirectory) {
@@ -182,6 +185,7 @@ bool isAbout(const UndoFile& file, const std::string& databaseDirectory) {
     std::string full;
     if (!readEntry(databaseDirectory, OfLink::target, state) || !readFullPath(databaseDirectory, full))
         return false;
+    SetLastError(ERROR_SUCCESS);
     return state.inode == file.header.inode && (state.device == file.header.device || full == file.directory);
 }
 

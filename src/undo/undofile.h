@@ -63,11 +63,13 @@ std::string readUndoFile(const std::string& path, UndoFile& file);
 // The same of bytes that have been read into the file.
 std::string parseUndoFile(UndoFile& file);
 
-// The header alone. False where there is no sound one.
+// The header alone. False where there is no sound one, and where it can't be read: GetLastError then tells
+// why, else it is 0.
 bool readUndoHeader(const std::string& path, UndoHeader& header);
 
 // Whether the file is about the database in this directory: it is the same directory, on the same device or
-// under the same path, since a device may have another number after a new start of the machine.
+// under the same path, since a device may have another number after a new start of the machine. False also
+// where that can't be known; GetLastError then tells why, else it is 0.
 bool isAbout(const UndoFile& file, const std::string& directory);
 
 std::uint32_t checksumOf(std::string_view bytes, std::uint32_t before = 0); // CRC-32
