@@ -39,9 +39,10 @@ int openPlainFile(const std::string& path, int flags, bool create) {
         retryInterrupted([&] { return open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666); });
     if (file < 0)
         return failedOpen(errno, path);
-    if (fstat(file, &state) != 0 || !S_ISREG(state.st_mode)) {
+    const int obstacle = fstat(file, &state) != 0 ? errno : S_ISREG(state.st_mode) ? 0 : EISDIR;
+    if (obstacle != 0) {
         close(file);
-        return failedOpen(EISDIR, path);
+        return failedOpen(obstacle, path);
     }
     return file;
 }
