@@ -1,6 +1,8 @@
 // All that the windows paint, compared with what stands in golden/: texts with their places, fonts and
 // colours, and without them the shapes as pictures. With TX_WRITE_GOLDEN set they are made anew, to be looked
 // at before they are kept.
+#include <QSizeGrip>
+
 #include "desktoptest.h"
 #include "model/problem.h"
 #include "platform/window/menu.h"
@@ -47,6 +49,7 @@ TEST_F(Appearance, WindowsAreAsTheyWere) {
     ::database->addunread({"seq/X.DEF", "no reason", Unread::whole});
     command(102);
     paint("status", *main->statusBar, 300, 20);
+    EXPECT_NE(outerWidget(*main->statusBar)->findChild<QSizeGrip*>(), nullptr);
     TSXentryframe& window = openEntry("Alpha");
     click(*window.gridPane, 150, 10);
     paint("entry", window, 500, 300);

@@ -26,6 +26,8 @@ TEST_F(DesktopTest, AnEntryWindowHasItsTitleAndSize) {
     EXPECT_EQ(outerWidget(window)->windowTitle(), "Entry Alpha");
     EXPECT_EQ(outerWidget(window)->size(), QSize(530, 380));
     EXPECT_EQ(outerWidget(openEntry(""))->windowTitle(), "Entry ");
+    outerWidget(window)->showMinimized();
+    EXPECT_FALSE(outerWidget(openEntry("Alpha"))->isMinimized());
 }
 
 TEST_F(DesktopTest, AClickInTheGridSelectsTheRowAndACellOfIt) {

@@ -51,7 +51,7 @@ bool planRemoval(const char* path) {
     if (injectedFault(DiskOperation::remove))
         return false;
     if (lstat(resolved.c_str(), &state) != 0 || countsAsGone(resolved))
-        return refuse(errno == ENOTDIR ? ENOTDIR : ENOENT, resolved);
+        return refuse(ENOENT, resolved);
     if (S_ISDIR(state.st_mode))
         return refuse(EISDIR, resolved);
     if (obstacleAt(resolved) != ERROR_SUCCESS)
