@@ -1,3 +1,5 @@
+#include <QTreeWidget>
+#include <QVariant>
 #include <cstdio>
 #include <cstdlib>
 
@@ -6,6 +8,7 @@
 #include "model/marker.h"
 #include "platform/window/testaccess.h"
 #include "settings/settings.h"
+#include "startwindow.h"
 
 namespace {
 
@@ -36,6 +39,16 @@ protected:
     TempDir config;
     DatabaseSettings settings;
 };
+
+// The texts of a window in the order of its parts; "-" cannot be pressed, "*" is pressed by Return.
+std::string textsOf(const QWidget& window) {
+    std::string texts;
+    for (const QWidget* part : window.findChildren<QWidget*>())
+        if (const QVariant text = part->property("text"); text.isValid() && !part->isHidden())
+            texts += text.toString().toStdString() + (part->isEnabled() ? "" : " -") +
+                     (part->property("default").toBool() ? " *\n" : "\n");
+    return texts;
+}
 
 } // namespace
 
@@ -86,4 +99,27 @@ TEST_F(StartTest, WhatKeepsTheToolFromStartingIsTold) {
     std::filesystem::remove(home / "TXLOG.TXT");
     std::filesystem::create_directory(home / "TXLOG.TXT");
     leaves(0, "Error 16: Could not create log file in /.+\n");
+}
+
+TEST_F(StartTest, TheStartWindowOffersWhatCanBeDone) {
+    EXPECT_EQ(textsOf(StartWindow()),
+              "Home directory:\nnone chosen yet\n&Home directory... *\n"
+              "Choose the home directory first: it holds the settings of all databases.\n"
+              "&Add... -\n&Quit\n&Inspect -\n");
+    ASSERT_EQ(writeSettingsStore(settings), 1);
+    const std::string top = "Home directory:\n" + home.path() + "\n&Home directory...\n";
+    EXPECT_EQ(textsOf(StartWindow()), top + "There is no database in the home directory yet. Add one.\n"
+                                            "&Add... *\n&Quit\n&Inspect -\n");
+    settings.currentDatabase = std::string(100, 'W').c_str();
+    ASSERT_EQ(writeDatabaseFile(settings), 1);
+    settings.currentDatabase = "A";
+    ASSERT_EQ(writeDatabaseFile(settings), 1);
+    settings.currentDatabase = "Strains";
+    choose();
+    const StartWindow window;
+    EXPECT_EQ(textsOf(window), top + "&Add...\n&Quit\n&Inspect *\n");
+    const auto& list = *window.findChild<QTreeWidget*>();
+    EXPECT_EQ(list.currentItem()->text(0), "Strains");
+    EXPECT_EQ(list.currentItem()->text(1).toStdString(), root.path());
+    EXPECT_GT(list.columnWidth(0), 500);
 }
