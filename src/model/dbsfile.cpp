@@ -78,7 +78,6 @@ std::string TSXdbsfile::writewhole() {
     keydirty.assign(keys.size(), 0);
     keysondisk.clear();
     onread = stateOf(path);
-    valid = 1;
     ondisk = 1;
     return {};
 }

@@ -150,6 +150,8 @@ TEST_F(DiskFaults, LeaveEachKeyOldOrNewAndAreTold) {
             expectOldOrNew();
             happened = faultyNumber <= 0;
             EXPECT_TRUE(told || database->ismodified() == 1 || tree(root.path()) == whole);
+            EXPECT_EQ(database->saveall(), 1) << "the disk is well again";
+            expectOldOrNew();
         }
     }
 }

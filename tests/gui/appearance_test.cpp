@@ -16,6 +16,7 @@ protected:
     Appearance() {
         // So wide that the buttons stand at the edge with any font, and below any temporary directory.
         put("fprint/" + std::string(200, 'w') + ".CNF", "junk");
+        put(2, "ZZZ", dataFile(2, "Last", {"Alpha", "Alpha"})); // the number at the end of a row is bold
     }
     static void compare(const std::string& name, const CWnd& window, int width, int height) {
         Mosaic picture(1, width, height);
@@ -55,6 +56,11 @@ TEST_F(Appearance, WindowsAreAsTheyWere) {
     paint("entry", window, 500, 300);
     paint("entry-types", *window.typeNamesPane, 140, 100);
     paint("entry-grid", *window.gridPane, 350, 100);
+    outerWidget(*main)->resize(300, 260);
+    for (const TSXscrollpane* pane : std::initializer_list<const TSXscrollpane*>{
+             main->problemPane.get(), main->typesPane.get(), main->entriesPane.get()})
+        texts += std::to_string(pane->vRange) + " " + std::to_string(pane->hRange) + "\n";
+    EXPECT_EQ(outerWidget(*main->statusBar)->height(), 21);
     if (qEnvironmentVariableIsSet("TX_WRITE_GOLDEN"))
         writeFile(std::string(GOLDEN) + "texts.txt", texts);
     EXPECT_EQ(readFile(std::string(GOLDEN) + "texts.txt"), texts);

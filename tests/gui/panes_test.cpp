@@ -92,6 +92,7 @@ TEST_F(DesktopTest, EverythingIsReachedByKeysAndReadAloud) {
                "|" + QString::number(pane->childCount());
     };
     const int problems = ::database->problemcount;
+    EXPECT_EQ(::database->getproblem(1 << 20), nullptr);
     window->activateWindow();
     std::vector<std::uint32_t> commands;
     answers.popupMenu = [&](const CMenu& menu) { return commands.push_back(menu.items()[0].id), 0U; };

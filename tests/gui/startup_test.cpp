@@ -6,6 +6,7 @@
 #include "app/application.h"
 #include "databasetest.h"
 #include "model/marker.h"
+#include "platform/system/directory.h"
 #include "platform/window/testaccess.h"
 #include "settings/settings.h"
 #include "startwindow.h"
@@ -23,7 +24,7 @@ protected:
         settings.currentDatabase = "Strains";
         settings.databaseDirectory = root.path().c_str();
         answers.messageBox = [](const char* text, const char* title, std::uint32_t flags) {
-            std::fprintf(stderr, "%s %u: %s\n", title, flags, text);
+            std::fprintf(stderr, "%s %u: %s\nfrom %s\n", title, flags, text, rootDirectory.c_str());
             return IDCANCEL;
         };
     }
@@ -76,7 +77,8 @@ TEST_F(StartTest, WhatKeepsTheToolFromStartingIsTold) {
     choose();
     settings.currentDatabase = "Strains";
     ASSERT_EQ(writeSettingsStore(settings), 1);
-    leaves(0, "Error 16: No valid database specified\n");
+    const std::string place = GetCurrentDirectoryA();
+    leaves(0, "Error 16: No valid database specified\nfrom " + place.substr(0, place.size() - 6) + "\n");
     settings.databaseDirectory = (root / "nowhere").c_str();
     choose();
     leaves(0, "Error 48: Unable to open the database\n\n"

@@ -84,7 +84,25 @@ TEST_F(ButtonBar, DrawsStatesIconsTicksAndDither) {
         bar.drawButton(dc, 1, i / 12 % 3 - 1);
         states.add(bar, 0, 0);
     }
+    auto bitmap = std::make_unique<CBitmap>();
+    CDC picture;
+    bitmap->CreateCompatibleBitmap(CClientDC(&bar), 9, 9);
+    picture.SelectObject(bitmap.get());
+    picture.FillSolidRect(0, 0, 9, 9, RGB(0, 0, 255));
+    picture.FillSolidRect(0, 0, 4, 5, RGB(0, 255, 0));
+    BarButton own;
+    own.bitmapWidth = own.bitmapHeight = 9;
+    bar.addButton(own, std::move(bitmap));
+    own.label = "Label";
+    bar.addButton(own);
+    EXPECT_EQ(bar.button(4).width, 17);
+    std::string labels;
+    answers.text = [&](int, int, const char* text, const LOGFONT&, COLORREF) { labels += text; };
+    bar.UpdateWindow();
+    answers = {};
+    states.add(bar, bar.button(4).x, 0);
     states.compare("buttons.png");
+    EXPECT_EQ(labels, "Label");
 }
 
 TEST_F(ButtonBar, GivesItsCommandWhenReleasedOnTheButtonOrHeldDown) {

@@ -6,7 +6,6 @@
 #include <QTimer>
 
 #include "onshow.h"
-#include "platform/window/statusbarctrl.h"
 #include "toolkit/promptdialog.h"
 
 namespace {
@@ -25,7 +24,6 @@ struct NotingPane : TSXpane {
 
 struct NotingFrame : PaneFrame<NotingPane> {
     ~NotingFrame() override { journal += "deleted "; }
-    void paintFrame(CDC& dc) override { dc.FillSolidRect(0, 0, 2000, 2000, RGB(1, 1, 1)); }
     void frameCommand(std::uint32_t id) override { journal += std::to_string(id) + " "; }
     int canClose() override { return mayClose; }
     void leftDown(int kind, int x, int y) override { note("DOWN", kind, x, y); }
@@ -41,25 +39,6 @@ struct NotingFrame : PaneFrame<NotingPane> {
 };
 
 } // namespace
-
-TEST(Frame, DrawsTheBorderOverItsContentAndKeepsAStripForTheStatusBar) {
-    const OnShow<NotingFrame> frame;
-    frame->pane.placeAt(50, 50, 2000, 2000); // reaches over the right edge and the status bar
-    outerWidget(*frame)->resize(399, 301);
-    frame->pane.placeAt(0, 0, 0, 0);
-    frame->UpdateWindow();
-    const RECT client = frame->GetClientRect();
-    const int right = client.right - 1;
-    const int bottom = client.bottom - 20;
-    for (int y = 0; y < client.bottom; ++y)
-        for (int x = 0; x < client.right; ++x) {
-            const bool light = x == right || y == bottom;
-            const bool dark = x == 0 || y == 0;
-            const COLORREF edge = GetSysColor(light ? COLOR_BTNHIGHLIGHT : COLOR_BTNSHADOW);
-            ASSERT_EQ(surfacePixel(*frame, x, y), light || dark ? edge : RGB(1, 1, 1)) << x << ", " << y;
-        }
-    EXPECT_EQ(outerWidget(*frame->statusBar)->geometry(), QRect(0, client.bottom - 18, right, 21));
-}
 
 TEST(Frame, IsNotPlacedWhereNobodyWouldFindIt) {
     const OnShow<TSXframe> frame;
@@ -154,6 +133,7 @@ TEST(Prompt, GivesBackWhatTheFieldHoldsInItsEncodingUpToTheLimit) {
             auto* const dialog = outerWidget(*frame)->findChild<QDialog*>();
             auto* const field = dialog->findChild<QLineEdit*>();
             EXPECT_EQ(dialog->findChild<QLabel*>()->text(), "Enter new key");
+            EXPECT_EQ(dialog->findChild<QLabel*>()->x(), field->x());
             EXPECT_FALSE(clientWidget(*frame)->isEnabled());
             QApplication::clipboard()->setText(QString::fromStdString(row.typed));
             row.paste ? field->paste() : QTest::keyClicks(field, QString::fromStdString(row.typed));
