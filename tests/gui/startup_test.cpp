@@ -112,8 +112,6 @@ TEST_F(StartTest, TheStartWindowOffersWhatCanBeDone) {
     const std::string top = "Home directory:\n" + home.path() + "\n&Home directory...\n";
     EXPECT_EQ(textsOf(StartWindow()), top + "There is no database in the home directory yet. Add one.\n"
                                             "&Add... *\n&Quit\n&Inspect -\n");
-    settings.currentDatabase = std::string(100, 'W').c_str();
-    ASSERT_EQ(writeDatabaseFile(settings), 1);
     settings.currentDatabase = "A";
     ASSERT_EQ(writeDatabaseFile(settings), 1);
     settings.currentDatabase = "Strains";
@@ -123,5 +121,5 @@ TEST_F(StartTest, TheStartWindowOffersWhatCanBeDone) {
     const auto& list = *window.findChild<QTreeWidget*>();
     EXPECT_EQ(list.currentItem()->text(0), "Strains");
     EXPECT_EQ(list.currentItem()->text(1).toStdString(), root.path());
-    EXPECT_GT(list.columnWidth(0), 500);
+    EXPECT_EQ(list.columnWidth(0), 160) << "room beside short names";
 }
