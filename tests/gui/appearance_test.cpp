@@ -32,19 +32,23 @@ protected:
         paint(name + "types", *main->typesPane, 244, 160);
         paint(name + "entries", *main->entriesPane, 490, 160);
     }
-    std::string texts;
+    std::string texts, last;
 };
 
 } // namespace
 
 TEST_F(Appearance, WindowsAreAsTheyWere) {
-    answers.text = [](int, int, const char*, const LOGFONT&, COLORREF) {};
+    answers.text = [this](int x, int y, const char* text, const LOGFONT&, COLORREF) {
+        last = std::to_string(x) + "," + std::to_string(y) + "  " + text + "\n";
+    };
     paintMain("first-");
     paint("frame", *main, 749, 240);
     command(103);
     click(*main->problemPane, 10, 90);
     click(*main->entriesPane, 10, 50);
-    answers.popupMenu = [this](const CMenu&) { return compare("pressed", *main->problemPane, 748, 171), 0U; };
+    answers.popupMenu = [this](const CMenu&) {
+        return texts += last, compare("pressed", *main->problemPane, 748, 171), 0U;
+    };
     click(*main->problemPane, solveX() + 20, 30);
     paintMain("later-");
     ::database->addunread({"seq/X.DEF", "no reason", Unread::whole});

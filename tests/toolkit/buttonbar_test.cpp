@@ -90,8 +90,7 @@ TEST_F(ButtonBar, DrawsStatesIconsTicksAndDither) {
     picture.SelectObject(bitmap.get());
     picture.FillSolidRect(0, 0, 9, 9, RGB(0, 0, 255));
     picture.FillSolidRect(0, 0, 4, 5, RGB(0, 255, 0));
-    BarButton own;
-    own.bitmapWidth = own.bitmapHeight = 9;
+    BarButton own{.bitmapWidth = 9, .bitmapHeight = 9};
     bar.addButton(own, std::move(bitmap));
     own.label = "Label";
     bar.addButton(own);
