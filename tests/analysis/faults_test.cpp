@@ -138,12 +138,12 @@ TEST_F(DiskFaults, LeaveEachKeyOldOrNewAndAreTold) {
     rememberFields();
     whole = tree(root.path());
     ASSERT_NE(whole, old);
-    for (const DiskOperation kind : {DiskOperation::write, DiskOperation::makeDirectory}) {
+    for (const DiskOperation kind :
+         {DiskOperation::write, DiskOperation::sync, DiskOperation::makeDirectory}) {
         faultyKind = kind;
         bool happened = true;
         for (int number = 1; happened; ++number) {
-            SCOPED_TRACE(testing::Message()
-                         << "operation " << static_cast<int>(kind) << " number " << number);
+            SCOPED_TRACE(testing::Message() << "kind " << static_cast<int>(kind) << ", " << number);
             endAt(number);
             expectOldOrNew();
             const bool told = failAt(number);
