@@ -7,6 +7,7 @@
 #include "databasetest.h"
 #include "model/marker.h"
 #include "platform/system/directory.h"
+#include "platform/system/faults.h"
 #include "platform/window/testaccess.h"
 #include "settings/settings.h"
 #include "startwindow.h"
@@ -63,6 +64,9 @@ TEST_F(StartTest, SettingsComeBackAsTheyWereWritten) {
     EXPECT_EQ(read.currentDatabase.view(), settings.currentDatabase.view());
     EXPECT_EQ(read.databaseDirectory.view(), settings.databaseDirectory.view());
     EXPECT_EQ(read.backgroundColour[2], -7);
+    diskFaultHook = [](DiskOperation operation) { return operation == DiskOperation::read; };
+    EXPECT_FALSE(readDatabaseFile(read)) << "half of it could name another directory";
+    diskFaultHook = nullptr;
     settings.homeDirectory = "";
     settings.currentDatabase = "Other";
     EXPECT_EQ(writeSettingsStore(settings), 1);

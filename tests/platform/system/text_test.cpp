@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/system/errors.h"
-
 TEST(Text, CutsWhatDoesNotFitAndAlwaysEnds) {
     Text<6> text;
     EXPECT_TRUE(text.empty());
@@ -14,9 +12,4 @@ TEST(Text, CutsWhatDoesNotFitAndAlwaysEnds) {
     text = text.c_str() + 2; // a piece of itself
     EXPECT_STREQ(text, "345");
     EXPECT_STREQ(text.format("%s-%d", "ab", 123456), "ab-12");
-}
-
-TEST(Errors, HaveTextsThatEndALine) {
-    EXPECT_EQ(FormatMessageA(ERROR_PATH_NOT_FOUND), "The system cannot find the path specified.\r\n");
-    EXPECT_EQ(FormatMessageA(4000000000u), "");
 }
