@@ -12,14 +12,6 @@ std::nullopt_t refuse(const std::string& text) {
     return std::nullopt;
 }
 
-// Takes what was given in place of a value of the settings. False if that has no room for it: cut, it would
-// name another place.
-bool take(const std::optional<std::string>& given, Text<2000>& value) {
-    if (given)
-        value = given->c_str();
-    return !given || value.view() == *given;
-}
-
 } // namespace
 
 std::optional<std::string> chooseDirectory(const Options& options) {
@@ -32,7 +24,8 @@ std::optional<std::string> chooseDirectory(const Options& options) {
     }
     DatabaseSettings settings;
     readSettingsStore(settings);
-    if (!take(options.home, settings.homeDirectory) || !take(options.database, settings.currentDatabase))
+    if ((options.home && !settings.homeDirectory.take(*options.home)) ||
+        (options.database && !settings.currentDatabase.take(*options.database)))
         return refuse(
             "The home directory or the name of the database is too long: each has at most 1999 bytes");
     if (settings.homeDirectory.empty() || settings.currentDatabase.empty())

@@ -189,8 +189,7 @@ void SampleTree::writesettings() {
     filesystem::create_directories(resolvePath(options.home), error);
     check(error, "make", options.home);
     DatabaseSettings settings;
-    settings.homeDirectory = options.home.c_str();
-    if (settings.homeDirectory.view() != options.home) // cut, it would be another place
+    if (!settings.homeDirectory.take(options.home))
         check(std::make_error_code(std::errc::filename_too_long), "write settings in", options.home);
     settings.currentDatabase = options.name.c_str();
     settings.databaseDirectory = root_.c_str();

@@ -61,9 +61,7 @@ bool startLog(int enabled, const char* directory) {
     logEnabled = enabled;
     if (logEnabled != 1)
         return true;
-    const std::string path = std::string(directory) + "\\TXLOG.TXT";
-    logPath = path.c_str();
-    if (logPath.view() == path && writeHead()) { // cut, it would be the path of another file
+    if (logPath.take(std::string(directory) + "\\TXLOG.TXT") && writeHead()) {
         foundPath = resolvePath(logPath.view());
         return true;
     }

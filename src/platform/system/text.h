@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 template <std::size_t N> class Text {
@@ -19,6 +20,12 @@ public:
         std::memmove(bytes_, text, length);
         bytes_[length] = '\0';
         return *this;
+    }
+
+    // The same. False if the text was cut: where that matters it is another one.
+    bool take(const std::string& text) {
+        *this = text.c_str();
+        return view() == text;
     }
 
     // Fills the text as printf does; at most N - 1 bytes are kept. Returns the text itself.
