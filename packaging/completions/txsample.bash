@@ -5,7 +5,7 @@ _txsample() {
     local damages="none all duplicates experiment-duplicates blank-keys orphans empty-files corrupt-files truncated
         side-files missing-directories case-variants odd-bytes"
     case $prev in
-    --home | --from) _filedir -d; return ;;
+    --home) _filedir -d; return ;;
     --damage)
         local before=
         [[ $cur != *,* ]] || before=${cur%,*},
@@ -16,7 +16,7 @@ _txsample() {
     --files | --entries | --types | --experiments | --records | --fields | --seed | --name) return ;;
     esac
     if [[ $cur == -* ]]; then
-        COMPREPLY=($(compgen -W "--files --entries --types --experiments --records --fields --keys --seed --damage --from --home
+        COMPREPLY=($(compgen -W "--files --entries --types --experiments --records --fields --keys --seed --damage --home
             --name --version --help" -- "$cur"))
     else
         _filedir -d

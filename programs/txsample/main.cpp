@@ -1,7 +1,6 @@
 // txsample: makes sample databases for the demo, the tests and the benchmarks.
 #include <iostream>
 
-#include "anonymous.h"
 #include "options.h"
 #include "platform/system/standardstreams.h"
 #include "reporting/printable.h"
@@ -19,19 +18,6 @@ void printResult(const SampleOptions& options, const SampleResult& result) {
     std::cout << std::endl;
 }
 
-int copy(const SampleOptions& options) {
-    const CopyResult result = copyAnonymously(options.from, options.directory, options.seed);
-    if (!result.failure.empty()) {
-        std::cerr << "txsample: " << printable(result.failure) << std::endl;
-        return couldNotWork;
-    }
-    std::cout << printable(options.directory) << ": an anonymous copy of " << result.files << " files";
-    if (result.unread > 0)
-        std::cout << "; " << result.unread << " things could not be read, which txcheck names";
-    std::cout << std::endl;
-    return sampleMade;
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -40,8 +26,6 @@ int main(int argc, char** argv) {
     int status = sampleMade;
     if (!parseOptions(argc, argv, options, status))
         return status;
-    if (!options.from.empty())
-        return copy(options);
     const SampleResult result = makeSample(options);
     if (!result.failure.empty()) {
         std::cerr << "txsample: " << printable(result.failure) << std::endl;

@@ -66,12 +66,6 @@ void addSettings(CLI::App& app, SampleOptions& options) {
                             ->check(CLI::Validator(plain, ""));
     home->needs(name);
     name->needs(home);
-    app.add_option("--from", options.from,
-                   "Copy the database in this directory instead, every key, name and value replaced by "
-                   "another, so that the copy can be shown to anyone and has the same problems")
-        ->type_name("DIR")
-        ->check(CLI::Validator(given, ""))
-        ->excludes(home);
     app.add_option("DIRECTORY", options.directory, "Made if missing; has to be empty")
         ->type_name("")
         ->required()

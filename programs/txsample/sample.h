@@ -22,7 +22,6 @@ struct SampleOptions {
     std::vector<std::string> damages; // names of the table in damage.h
     std::string home;                 // with name: where to write the database settings file, made if missing
     std::string name;
-    std::string from; // the database of which an anonymous copy is to be made instead
 };
 
 // A number of the options with its range.

@@ -8,8 +8,6 @@
 #include "platform/system/errors.h"
 #include "reporting/log.h"
 
-ReadWatcher* readwatcher = nullptr;
-
 namespace {
 
 constexpr const char* unreadable = "???";
@@ -66,10 +64,7 @@ int TSXbinfile::open(const char* path, OpenMode mode) {
 }
 
 int TSXbinfile::openread(const char* path) {
-    const int result = open(path, OpenMode::read);
-    if (result == 1 && readwatcher != nullptr)
-        readwatcher->opened(path);
-    return result;
+    return open(path, OpenMode::read);
 }
 
 int TSXbinfile::openwrite(const char* path) {
@@ -109,15 +104,11 @@ int TSXbinfile::blockread(void* bytes, int count) {
     }
     if (count <= 0)
         return 0;
-    return readbytes(bytes, static_cast<std::size_t>(count), false);
+    return readbytes(bytes, static_cast<std::size_t>(count));
 }
 
-int TSXbinfile::readbytes(void* bytes, std::size_t wanted, bool istext) {
-    const std::int64_t offset = stream.tell();
-    const std::size_t count = stream.read(bytes, wanted);
-    if (readwatcher != nullptr)
-        readwatcher->read(offset, {static_cast<const char*>(bytes), count}, istext);
-    return count == wanted ? 1 : 0;
+int TSXbinfile::readbytes(void* bytes, std::size_t wanted) {
+    return stream.read(bytes, wanted) == wanted ? 1 : 0;
 }
 
 int TSXbinfile::blockwrite(const void* bytes, int count) {
@@ -216,7 +207,7 @@ int TSXbinfile::readtext(std::string& text, std::int32_t length) {
         return length == 0 ? 1 : 0;
     }
     text.resize(static_cast<std::size_t>(length));
-    const int result = readbytes(text.data(), text.size(), true);
+    const int result = readbytes(text.data(), text.size());
     text.resize(std::min(text.size(), text.find('\0')));
     return result;
 }
@@ -240,8 +231,7 @@ int TSXbinfile::readstring(std::string& text, int capacity) {
 int TSXbinfile::passstring(int capacity) {
     std::int32_t length = 0;
     const int lengthread = readlength(length, capacity);
-    if (lengthread == 1 && length >= 0 && readwatcher == nullptr &&
-        stream.skipBuffered(static_cast<std::size_t>(length)))
+    if (lengthread == 1 && length >= 0 && stream.skipBuffered(static_cast<std::size_t>(length)))
         return 1;
     std::string text;
     return endread(text, length, lengthread, lengthread == 1 ? readtext(text, length) : 0);

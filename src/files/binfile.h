@@ -14,16 +14,6 @@
 constexpr int tagBufferSize = 5;
 constexpr int headercapacity = 100; // with which the counted string at the start of a file is read
 
-// Is told which bytes of which file are read, and whether as a text: a copy of a tree without its texts needs
-// to know that, and no second reader would know it as surely.
-class ReadWatcher {
-public:
-    virtual ~ReadWatcher() = default;
-    virtual void opened(const char* path) = 0;
-    virtual void read(std::int64_t offset, std::string_view bytes, bool istext) = 0;
-};
-extern ReadWatcher* readwatcher; // none but while such a copy is made
-
 // Unless a line says otherwise an operation returns 1 on success and 0 on failure.
 class TSXbinfile : public CObject {
 public:
@@ -79,7 +69,7 @@ public:
 
 private:
     int open(const char* path, OpenMode mode);
-    int readbytes(void* bytes, std::size_t wanted, bool istext);
+    int readbytes(void* bytes, std::size_t wanted);
     int readlength(std::int32_t& length, int capacity);
     int readtext(std::string& text, std::int32_t length);
     int endread(std::string& text, std::int32_t length, int lengthread, int textread);

@@ -63,18 +63,6 @@ class Surroundings(ProgramTest):
             self.assertEqual(log.read_bytes(), b"of the run before")
         self.check("--preen", "--save", status=1)
 
-    def test_an_anonymous_copy_has_the_same_problems_and_none_of_the_texts(self):
-        self.sample("--damage", "duplicates,experiment-duplicates,blank-keys,orphans,empty-files,corrupt-files,side-files,"
-                    "missing-directories,odd-bytes")
-        self.sample("--from", self.root, root=self.work + "/copy")
-        found = [self.check("--all", status=4, directory=[path]) for path in (self.root, self.work + "/copy")]
-        for what in (lambda d: [(p["kind"], p["subkind"], p["fileindex"]) for p in d["problems"]],
-                     lambda d: [key["counts"] for key in d["keys"]], lambda d: d["unread"]):
-            self.assertEqual(what(found[0]), what(found[1]))
-        copy = b"".join(bytes_ for bytes_ in contents(self.work + "/copy").values() if bytes_)
-        for key in found[0]["keys"]:
-            self.assertFalse(len(key["key"]) > 5 and key["key"].encode() in copy, key)
-
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1])
