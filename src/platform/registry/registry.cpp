@@ -1,67 +1,130 @@
 #include "platform/registry/registry.h"
 
-#include <QSettings>
-#include <QStandardPaths>
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <nlohmann/json.hpp>
+#include <string_view>
+#include <vector>
 
+#include "platform/system/bytestream.h"
+#include "platform/system/entry.h"
 #include "platform/system/errors.h"
+#include "platform/system/faults.h"
+#include "platform/system/plainfile.h"
+#include "platform/system/utf8.h"
+
+using Json = nlohmann::json;
 
 class RegistryKey {
 public:
-    explicit RegistryKey(const QString& group)
-        : store(QString::fromStdString(registryFile()), QSettings::IniFormat) {
-        store.beginGroup(group);
-    }
-
-    QSettings store;
+    std::vector<std::string> path;
+    Json values; // as they stood when the key was opened; none where it is open for writing
 };
 
 namespace {
 
-HKEY openKey(const char* subkey) {
-    QString group = QString::fromUtf8(subkey);
-    group.replace(QLatin1Char('\\'), QLatin1Char('/'));
-    return std::make_shared<RegistryKey>(group);
+std::vector<std::string> partsOf(std::string_view subkey) {
+    std::vector<std::string> parts(1);
+    for (const char byte : subkey)
+        if (byte == '\\')
+            parts.emplace_back();
+        else
+            parts.back() += byte;
+    return parts;
 }
 
-// Text where the bytes are text, so that the file can be read and written by hand.
-QVariant stored(const std::string& value) {
-    const QByteArray bytes = QByteArray::fromStdString(value);
-    const QString text = QString::fromUtf8(bytes);
-    return text.toUtf8() == bytes ? QVariant(text) : QVariant(bytes);
+// False where the disk does not give the store. One that is missing or damaged holds nothing.
+bool readStore(Json& store) {
+    constexpr std::int64_t largest = 1 << 20; // bytes; no settings are larger
+    store = Json::object();
+    ByteStream file;
+    if (!file.open(registryFile().c_str(), OpenMode::read))
+        return isAbsence(GetLastError());
+    std::string text(static_cast<std::size_t>(std::min(file.state().size, largest)), '\0');
+    text.resize(file.read(text.data(), text.size()));
+    if (Json found = Json::parse(text, nullptr, false); found.is_object())
+        store = std::move(found);
+    return file.readFailure() == 0;
+}
+
+bool writeStore(const std::string& text) {
+    std::string path = registryFile();
+    readFullPath(path, path); // a link stays one
+    const std::string made = path + ".new";
+    removeFile(made.c_str()); // of a run that was interrupted
+    ByteStream file;
+    if (!makePrivateDirectories(path.substr(0, path.rfind('/'))) ||
+        !file.open(made.c_str(), OpenMode::create))
+        return false;
+    file.write(text.data(), text.size());
+    return file.close() && !diskFault(DiskOperation::link) && std::rename(made.c_str(), path.c_str()) == 0;
+}
+
+// JSON has no place for bytes that are no text: they stand as numbers.
+Json stored(const std::string& value) {
+    return isUtf8(value) ? Json(value) : Json(std::vector<unsigned char>(value.begin(), value.end()));
+}
+
+bool restored(const Json& found, std::string& value) {
+    const auto isByte = [](const Json& byte) {
+        return byte.is_number_unsigned() && byte.get<std::uint64_t>() <= 0xFF;
+    };
+    if (found.is_string())
+        value = found.get<std::string>();
+    if (!found.is_array() || !std::ranges::all_of(found, isByte))
+        return found.is_string();
+    value.clear();
+    for (const Json& byte : found)
+        value += static_cast<char>(byte.get<unsigned char>());
+    return true;
 }
 
 } // namespace
 
 std::string registryFile() {
-    const QString directory = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
-    return (directory + QStringLiteral("/txinspect/settings.ini")).toStdString();
+    const char* directory = std::getenv("XDG_CONFIG_HOME");
+    if (directory != nullptr && *directory == '/')
+        return std::string(directory) + "/txinspect/settings.json";
+    const char* home = std::getenv("HOME");
+    return std::string(home != nullptr ? home : "") + "/.config/txinspect/settings.json";
 }
 
 int RegOpenKeyExA(const char* subkey, HKEY& key) {
-    HKEY opened = openKey(subkey);
-    if (opened->store.allKeys().isEmpty())
+    auto opened = std::make_shared<RegistryKey>(RegistryKey{partsOf(subkey), {}});
+    if (!readStore(opened->values))
+        return static_cast<int>(ERROR_FILE_NOT_FOUND);
+    for (const std::string& part : opened->path)
+        opened->values = Json(opened->values.is_object() ? opened->values.value(part, Json()) : Json());
+    if (!opened->values.is_object())
         return static_cast<int>(ERROR_FILE_NOT_FOUND);
     key = std::move(opened);
     return 0;
 }
 
 int RegQueryValueExA(const HKEY& key, const char* name, std::string& value) {
-    const QString valueName = QString::fromUtf8(name);
-    if (!key->store.contains(valueName))
-        return static_cast<int>(ERROR_FILE_NOT_FOUND);
-    value = key->store.value(valueName).toByteArray().toStdString();
-    return 0;
+    const auto found = key->values.find(name);
+    const bool good = found != key->values.end() && restored(*found, value);
+    return static_cast<int>(good ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND);
 }
 
 void RegCreateKeyExA(const char* subkey, HKEY& key) {
-    key = openKey(subkey);
+    key = std::make_shared<RegistryKey>(RegistryKey{partsOf(subkey), {}});
 }
 
 int RegSetValueExA(const HKEY& key, const char* name, const std::string& value) {
-    key->store.setValue(QString::fromUtf8(name), stored(value));
-    key->store.sync();
-    return static_cast<int>(key->store.status() == QSettings::NoError ? ERROR_SUCCESS : ERROR_ACCESS_DENIED);
+    Json store;
+    const bool known = readStore(store);
+    std::vector<std::string> path = key->path;
+    path.emplace_back(name);
+    Json* place = &store;
+    for (const std::string& part : path) {
+        if (!place->is_object())
+            *place = Json::object();
+        place = &(*place)[part];
+    }
+    *place = stored(value);
+    return static_cast<int>(known && writeStore(store.dump(4) + "\n") ? ERROR_SUCCESS : ERROR_ACCESS_DENIED);
 }
 
 void RegCloseKey(HKEY& key) {

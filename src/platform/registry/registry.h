@@ -1,5 +1,5 @@
-// The per-user settings store: an INI file under the user's configuration directory, in which the path of a
-// key gives the groups. What values hold are bytes, in any encoding.
+// The per-user settings store: a JSON file under the user's configuration directory, in which the path of a
+// key gives the objects. It is read and written as a whole. What values hold are bytes, in any encoding.
 #pragma once
 
 #include <memory>
@@ -8,8 +8,8 @@
 class RegistryKey;
 using HKEY = std::shared_ptr<RegistryKey>;
 
-// Opens a key of the current user for reading. 0 on success, else an error number of errors.h: 2 if there is
-// no such key. A backslash separates the key's parts.
+// Opens a key of the current user for reading, as it stands now. 0 on success, else an error number of
+// errors.h: 2 if there is no such key, or the store can't be read. A backslash separates the key's parts.
 int RegOpenKeyExA(const char* subkey, HKEY& key);
 
 // Reads a value of an open key as a text. 0 on success, 2 if there is no such value; the text is then left
