@@ -1,5 +1,4 @@
-// What a problem is about, one by one, and what its solutions do: what the line of the problem list leaves
-// out.
+// What a problem is about, one by one, which the line of the problem list leaves out.
 #pragma once
 
 #include <functional>
@@ -11,17 +10,14 @@
 class TSXdatafile;
 class TSXproblem;
 
-// Names the keys that a problem is about, each with its records of those types that are concerned.
-struct KeyConcern {
-    const TSXkeyentry* key;
-    int type; // the one type that counts; -1 for all
-};
-void forEachKey(const TSXproblem& problem, const std::function<void(const KeyConcern&)>& take);
+// Gives the keys that a problem is about, each with its records of a type that is concerned.
+using KeyVisit = std::function<void(const TSXkeyentry&, std::span<const Occurrence>)>;
+void forEachKey(const TSXproblem& problem, const KeyVisit& take);
 
 // Names the files and directories that a problem is about, relative to the database's directory.
 void forEachFile(const TSXproblem& problem, const std::function<void(const std::string&)>& take);
 
-std::string placeOf(const TSXdatafile& file); // its directory and its name without an ending
+// Of what could not be read, the same in every run over the same tree.
+std::string idOf(const Unread& thing);
 
-const char* kindText(int kind);        // what the kind means for the data
-const char* solutionText(int command); // what the solution does to the data
+std::string placeOf(const TSXdatafile& file); // its directory and its name without an ending

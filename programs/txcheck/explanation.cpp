@@ -1,5 +1,7 @@
 #include "explanation.h"
 
+#include <utility>
+
 #include "concern.h"
 #include "model/datafile.h"
 #include "model/fileclass.h"
@@ -9,13 +11,11 @@
 
 namespace {
 
-void writeRecords(Page& page, const KeyConcern& concern) {
-    page.line("    ", concern.key->key.empty() ? "(no key)" : printable(concern.key->key));
-    for (const Occurrence& record : concern.key->records())
-        if (concern.type < 0 || concern.type == record.type)
-            page.line("        ", printable(record.file->database.diskname(record.file->path.view())) +
-                                      ", record " + std::to_string(record.record) + ", type " +
-                                      std::to_string(record.type));
+void writeRecords(Page& page, std::span<const Occurrence> records) {
+    for (const Occurrence& record : records)
+        page.line("        ", printable(record.file->database.diskname(record.file->path.view())) +
+                                  ", record " + std::to_string(record.record) + ", type " +
+                                  std::to_string(record.type));
 }
 
 } // namespace
@@ -28,18 +28,21 @@ int rowToExplain(const TSXdatabase& database, const std::string& what) {
 }
 
 void writeExplanation(std::ostream& out, const TSXproblem& problem, int row) {
-    constexpr const char* costs[] = {"Nothing is lost.", "Keys are lost from the data.",
-                                     "The deletion takes effect at once."};
     Page page(out);
     page.line("", printable(problem.message.view()), Page::Colour::bold);
     page.line("  ", "row " + std::to_string(row) + ", " + printable(problem.id()));
-    page.line("  ", kindText(problem.kind));
+    page.line("  ", problem.facts().meaning);
     page.heading("What it is about");
     forEachFile(problem, [&](const std::string& file) { page.line("    ", printable(file)); });
-    forEachKey(problem, [&](const KeyConcern& concern) { writeRecords(page, concern); });
+    const TSXkeyentry* last = nullptr;
+    forEachKey(problem, [&](const TSXkeyentry& key, std::span<const Occurrence> records) {
+        if (&key != std::exchange(last, &key))
+            page.line("    ", key.key.empty() ? "(no key)" : printable(key.key));
+        writeRecords(page, records);
+    });
     page.heading("Solutions");
     for (int n = 1; n <= problem.solutioncount(); ++n)
         page.line("    " + std::to_string(row) + ':' + std::to_string(n) + "  ",
-                  std::string(problem.solutionlabel(n)) + ": it " + solutionText(problem.solutioncommand(n)) +
-                      ". " + costs[static_cast<int>(problem.solutioncost(n))]);
+                  std::string(problem.solutionlabel(n)) + ": it " + problem.solution(n).effect + ". " +
+                      problem.solution(n).price);
 }

@@ -142,8 +142,9 @@ std::string filter(const TSXdatabase& database) {
     for (const int kind : kinds) {
         const std::string id = kindClass(kind);
         rules += "body:has(#" + id + ":not(:checked)) tr." + id + " { display: none; }\n";
-        boxes += "<label><input type=\"checkbox\" checked id=\"" + id + "\"> " + text(kindPlural(kind)) +
-                 " (<code>" + kindword(kind) + "</code>)</label>\n";
+        boxes += "<label><input type=\"checkbox\" checked id=\"" + id + "\"> " +
+                 text(kindofproblem(kind).many) + " (<code>" + kindofproblem(kind).word +
+                 "</code>)</label>\n";
     }
     if (kinds.size() < 2)
         return {};

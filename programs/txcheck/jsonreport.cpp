@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <string_view>
 
+#include "concern.h"
 #include "model/datafile.h"
 #include "model/exptype.h"
 #include "model/keyentry.h"
@@ -93,7 +94,7 @@ Json change(const Change& made) {
 }
 
 Json unread(const Unread& thing) {
-    Json object;
+    Json object = {{"id", idOf(thing)}};
     put(object, "name", thing.name);
     put(object, "reason", thing.reason); // it may name a file
     return object;

@@ -257,8 +257,10 @@ std::optional<Options> parseOptions(int argc, char** argv, int& status) {
     Options options;
     Words words;
     CLI::App app("Checks and repairs a database of laboratory experiments without a window.", "txcheck");
-    app.footer("Exit status: 0 nothing wrong, 1 all problems solved and saved, 4 problems or\n"
-               "unsaved changes are left, 8 the work could not be done, 16 wrong usage.");
+    app.footer("Exit status: 0 where nothing is wrong and nothing was changed, else the sum of: 1\n"
+               "something was changed on the disk, 4 problems or unsaved changes are left, 8\n"
+               "something could not be read or done, 32 the person has ended it; or 16, wrong\n"
+               "usage, alone. A plan has never 1, and a restore has 0 or 8.");
     describe(app, options, words);
     try {
         app.parse(argc, argv);

@@ -7,7 +7,6 @@
 #include "options.h"
 #include "session.h"
 
-const char* kindPlural(int kind); // "types with duplicate keys"; corrupted files of both kinds are one
 std::string counted(int count, int kind);                       // "1 missing directory"
 std::string summary(const Session& session, const char* state); // "25 problems left: 9 corrupted files, …"
 

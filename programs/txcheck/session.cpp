@@ -145,13 +145,13 @@ bool Session::save() {
 }
 
 int Session::status() const {
-    if (steps.failed || database.unreadcount() > 0)
-        return statusFailed;
+    const int failed = steps.failed ? statusFailed : 0;
     if (options.restore)
-        return statusClean;
+        return failed;
+    const int unread = database.unreadcount() > 0 ? statusFailed : 0;
     if (options.plan)
-        return steps.found ? statusLeft : statusClean;
-    if (known.unknownIn(database) > 0 || database.ismodified() == 1)
-        return statusLeft;
-    return steps.found ? statusSolved : statusClean;
+        return failed | unread | (steps.found ? statusLeft : 0);
+    const bool changed = !finished.empty() || !database.changes.empty();
+    const bool left = known.unknownIn(database) > 0 || database.ismodified() == 1;
+    return failed | unread | (changed ? statusChanged : 0) | (left ? statusLeft : 0);
 }

@@ -28,7 +28,7 @@ public:
     void run();
     // Brings the database back to what it was before the changes of an undo file, and loads it then.
     void restoreFrom(const std::string& undoFile);
-    // One of the exit statuses.
+    // The sum of what applies of the exit statuses.
     int status() const;
     // Whether a solution was applied or something on the disk was changed; in a plan, would be.
     bool changedSomething() const { return !steps.solved.empty() || !database.changes.empty(); }

@@ -1,8 +1,10 @@
-// The exit statuses of txcheck, as file-system checkers have them.
+// The exit statuses of txcheck, as file-system checkers have them: the sum of what applies.
 #pragma once
 
-constexpr int statusClean = 0;  // nothing wrong, nothing left unsaved
-constexpr int statusSolved = 1; // problems were found, all are gone, and nothing is left unsaved
-constexpr int statusLeft = 4;   // problems are left, or changes are not saved
-constexpr int statusFailed = 8; // the work could not be done
-constexpr int statusUsage = 16; // wrong usage that the command line alone shows
+constexpr int statusClean = 0;
+constexpr int statusChanged = 1; // something was changed on the disk, an interrupted change finished among it
+constexpr int statusLeft = 4;    // problems are left that are not known, or changes are not saved
+constexpr int statusFailed =
+    8; // something that is not known could not be read, or something could not be done
+constexpr int statusUsage = 16; // alone: wrong usage that the command line shows
+constexpr int statusEnded = 32; // the person has ended it

@@ -90,11 +90,6 @@ void Steps::run(const std::function<bool()>& save) {
         tell("Left out, since " + steps[taken].name + " failed: " + left);
 }
 
-void Steps::analyse() {
-    database.analyse();
-    found = found || known.unknownIn(database) > 0;
-}
-
 int Steps::rowOf(const Identity& wanted) const {
     for (int row = 1; row <= database.problemcount; ++row)
         if (identityOf(*database.getproblem(row)) == wanted)
@@ -153,7 +148,7 @@ bool Steps::solveRow(int row, int number, const std::string& given) {
         failed = true;
         return false;
     }
-    analyse();
+    database.analyse();
     return true;
 }
 
@@ -220,7 +215,7 @@ bool Steps::rename(const RenameStep& step) {
 // Behind a change of keys that was made, 1, was none, 0, or was refused, -1.
 bool Steps::finishChange(int result) {
     if (result == 1)
-        analyse();
+        database.analyse();
     failed = failed || result == -1;
     return result != -1;
 }

@@ -31,7 +31,7 @@ public:
     void run(const std::function<bool()>& save);
 
     std::vector<SolvedStep> solved;
-    bool found = false;  // any analysis found a problem that is not accepted
+    bool found = false;  // the load found a problem that is not accepted
     bool failed = false; // something that was to be done could not be done
 
 private:
@@ -53,7 +53,6 @@ private:
     static Identity identityOf(const TSXproblem& problem);
     void noteLoaded();
     std::vector<Step> listSteps(const std::function<bool()>& save);
-    void analyse();
     int rowOf(const Identity& wanted) const;
     int rowOf(const std::string& id) const;
     int rowAtLoad(const SolveStep& step) const;

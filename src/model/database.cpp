@@ -43,7 +43,7 @@ int TSXdatabase::addexptype(int fileclass, const char* name) {
     if (lasttype >= maxtypes) {
         addunread({std::string(fileclasses[fileclass].directory) + "/" + name,
                    "There are more than 200 experiment types; this one is counted under the last.",
-                   Unread::whole});
+                   Unread::whole, Unread::type});
         return lasttype;
     }
     types.push_back(std::make_unique<TSXexptype>(fileclass, name));
@@ -71,7 +71,7 @@ TSXkeyentry& TSXdatabase::findoraddkey(std::string_view key) {
 }
 
 void TSXdatabase::addunread(Unread thing) {
-    if (thing.record == 0 && thing.weight != Unread::told && !unreadnames.insert(thing.name).second)
+    if (thing.record <= 0 && thing.weight != Unread::told && !unreadnames.insert(thing.name).second)
         return;
     const char* what = thing.weight == Unread::told ? "passed over" : "could not read";
     logLine(Text<1500>().format("   %s '%s': %s", what, thing.name.c_str(), thing.reason.c_str()));

@@ -3,55 +3,215 @@
 #include <algorithm>
 
 #include "model/database.h"
+#include "model/datafile.h"
 #include "model/exptype.h"
 #include "model/fileclass.h"
+#include "model/keyentry.h"
 #include "platform/system/utf8.h"
 
 namespace {
 
-struct Solution {
-    int command; // 0: the kind has no such solution
-    const char* label;
-    Cost cost;
-};
-
-constexpr int maxsolutions = 2;
-
-struct Kind {
-    const char* word;
-    Solution solutions[maxsolutions];
-};
-
-// From 1; slot 0 is that of an unknown kind.
-constexpr Kind kinds[] = {
-    {"", {}},
-    {"empty", {{removeemptyfilescommand, "Remove all empty files", Cost::deletes}}},
-    {"duplicate",
-     {{removeduplicatescommand, "Remove all duplicate keys", Cost::clears},
-      {renameduplicatescommand, "Rename all duplicate keys", Cost::safe}}},
-    {"blank", {{createkeyscommand, "Create keys", Cost::safe}}},
-    {"orphan",
-     {{removeexperimentkeyscommand, "Remove these experiment keys", Cost::clears},
-      {adddatabaseentriescommand, "Add database entries for these keys", Cost::safe}}},
-    {"missing", {{createdirectorycommand, "Create directory", Cost::safe}}},
-    {"corrupt", {{deletecorruptfilecommand, "Delete this corrupted file", Cost::deletes}}},
-    {"side", {{deletefilecommand, "Delete this corrupted file", Cost::deletes}}},
-};
-
-bool isknown(int kind) {
-    return kind >= emptyfiles && kind <= corruptsidefile;
+// None for a sub-kind that is no class.
+const FileClass* classin(const TSXproblem& problem) {
+    return problem.subkind >= 0 && problem.subkind < fileclasscount ? &fileclasses[problem.subkind] : nullptr;
 }
 
-// The solution of that number; none if the kind does not have it.
-const Solution* findsolution(int kind, int number) {
-    if (!isknown(kind) || number < 1 || number > maxsolutions)
-        return nullptr;
-    const Solution& found = kinds[kind].solutions[number - 1];
-    return found.command != 0 ? &found : nullptr;
+const TSXexptype* typein(const TSXproblem& problem) {
+    return problem.database.gettype(problem.subkind);
 }
 
-// With what an id can't hold, or would not come back from a terminal, written in hex.
-std::string encoded(std::string_view bytes) {
+// A message in which one text stands.
+template <class Text> std::string worded(const char* format, const Text& text) {
+    return ::Text<2400>().format(format, text).c_str();
+}
+
+std::string emptymessage(const TSXproblem& problem) {
+    if (problem.subkind == 0)
+        return "There are empty database file(s)";
+    return classin(problem) == nullptr
+               ? ""
+               : worded("There are empty experiment file(s)     (Experiment class '%s')",
+                        classin(problem)->emptylabel);
+}
+
+std::string duplicatemessage(const TSXproblem& problem) {
+    if (problem.subkind == 0)
+        return "Some database entries have identical keys";
+    return typein(problem) == nullptr
+               ? ""
+               : worded("Some experiment entries have identical keys     (Experiment type '%s')",
+                        typein(problem)->name.c_str());
+}
+
+std::string corruptmessage(const TSXproblem& problem) {
+    if (classin(problem) == nullptr || *classin(problem)->damagelabel == '\0')
+        return "";
+    return Text<2400>()
+        .format("The %s file '%s' is corrupted", classin(problem)->damagelabel, problem.name.c_str())
+        .c_str();
+}
+
+std::string datafilename(const TSXproblem& problem) {
+    const FileClass& folder = *classin(problem);
+    return problem.database.diskname(Text<1000>()
+                                         .format("%s/%s/%s.%s", problem.database.directory.c_str(),
+                                                 folder.directory, problem.name.c_str(), folder.extension)
+                                         .view());
+}
+
+std::string typesubject(const TSXproblem& problem) {
+    const TSXexptype* type = problem.subkind != 0 ? typein(problem) : nullptr;
+    return type == nullptr ? "Database"
+                           : std::string(fileclasses[type->classid].directory) + "/" + type->name.c_str();
+}
+
+std::string namesubject(const TSXproblem& problem) {
+    return problem.database.diskname(problem.name.view());
+}
+
+// For the operations that have no result of their own.
+template <class Repair> int done(Repair repair) {
+    repair();
+    return 1;
+}
+
+constexpr const char* nothinglost = "Nothing is lost.";
+constexpr const char* keyslost = "Keys are lost from the data.";
+constexpr const char* deletedatonce = "Deleted at once; the undo file keeps it for 30 days or more.";
+
+using Database = TSXdatabase;
+using Problem = TSXproblem;
+using Key = TSXkeyentry;
+
+// From 1, in the order of their numbers; slot 0 is that of an unknown kind.
+constexpr KindOfProblem kinds[] = {
+    {0,
+     "",
+     "problem",
+     "problems",
+     "",
+     [](const Problem&) { return std::string(); },
+     [](const Problem&) { return std::string(); },
+     nullptr,
+     nullptr,
+     {{0, "", Cost::safe, "", "", nullptr}}},
+    {emptyfiles,
+     "empty",
+     "class with empty files",
+     "classes with empty files",
+     "Data files of this class are sound and hold no record. They do no harm.",
+     emptymessage,
+     [](const Problem& p) { return std::string(classin(p) != nullptr ? classin(p)->directory : ""); },
+     nullptr,
+     [](const Problem&, const TSXdatafile& file, int) { return file.isempty(); },
+     {{removeemptyfilescommand, "Remove all empty files", Cost::deletes, "deletes these files", deletedatonce,
+       [](Database& d, const Problem& p) { return d.removeemptyfiles(p.subkind); }}}},
+    {duplicatekeys,
+     "duplicate",
+     "type with duplicate keys",
+     "types with duplicate keys",
+     "Several records of one type have the same key, so that what belongs to which of them can't be told.",
+     duplicatemessage,
+     typesubject,
+     [](const Problem& p, const Key& key, int type) {
+         return type == p.subkind && !key.key.empty() && key.occurrences(type) > 1;
+     },
+     nullptr,
+     {{removeduplicatescommand, "Remove all duplicate keys", Cost::clears,
+       "keeps the key in its first record and takes it from all later ones, whose data stay without a key",
+       keyslost, [](Database& d, const Problem& p) { return done([&] { d.removeduplicates(p.subkind); }); }},
+      {renameduplicatescommand, "Rename all duplicate keys", Cost::safe,
+       "keeps the key in its first record; each later one gets it with a number behind it, /#2, /#3 …",
+       "The end of a key of more than 56 bytes is lost.",
+       [](Database& d, const Problem& p) { return done([&] { d.renameduplicates(p.subkind); }); }}}},
+    {blankkeys,
+     "blank",
+     "set of entries without keys",
+     "sets of entries without keys",
+     "Several database entries have no key, so that no experiment can belong to them.",
+     [](const Problem&) { return std::string("Some database entries have no keys"); },
+     [](const Problem&) { return std::string("Database"); },
+     [](const Problem&, const Key& key, int type) { return type == 0 && key.key.empty(); },
+     nullptr,
+     {{createkeyscommand, "Create keys", Cost::safe,
+       "gives each of these entries a key of its own, dbkey/#2, dbkey/#3 …", nothinglost,
+       [](Database& d, const Problem&) { return done([&] { d.createkeys(); }); }}}},
+    {orphankeys,
+     "orphan",
+     "set of keys without entries",
+     "sets of keys without entries",
+     "Experiments have keys of which there is no database entry: their results belong to nothing.",
+     [](const Problem&) { return std::string("Some experiment keys have no database entries"); },
+     [](const Problem&) { return std::string("Database"); },
+     [](const Problem&, const Key& key, int) { return key.isorphan(); },
+     nullptr,
+     {{removeexperimentkeyscommand, "Remove these experiment keys", Cost::clears,
+       "takes the key from all these records, whose results stay without a key", keyslost,
+       [](Database& d, const Problem&) { return done([&] { d.removeexperimentkeys(); }); }},
+      {adddatabaseentriescommand, "Add database entries for these keys", Cost::safe,
+       "makes an entry for each of these keys, in new files in DBASE", nothinglost,
+       [](Database& d, const Problem&) { return done([&] { d.adddatabaseentries(); }); }}}},
+    {missingdirectory,
+     "missing",
+     "missing directory",
+     "missing directories",
+     "A directory that a database has isn't there. Where it held files, look whether it was moved, or "
+     "whether a "
+     "share isn't mounted, before it is made anew.",
+     [](const Problem& p) { return worded("Missing database directory '%s'", p.name.c_str()); },
+     namesubject,
+     nullptr,
+     nullptr,
+     {{createdirectorycommand, "Create directory", Cost::safe, "makes the directory, empty", nothinglost,
+       [](Database& d, const Problem& p) { return d.createdirectory(p.name); }}}},
+    {corruptdatafile,
+     "corrupt",
+     "corrupted file",
+     "corrupted files",
+     "A data file has no valid header, no usable number of records or a chunk that makes no sense. Nothing "
+     "of it "
+     "counts; a copy from a backup may be better.",
+     corruptmessage,
+     datafilename,
+     nullptr,
+     [](const Problem& p, const TSXdatafile&, int position) { return position == p.fileindex; },
+     {{deletecorruptfilecommand, "Delete this corrupted file", Cost::deletes, "deletes the file",
+       deletedatonce,
+       [](Database& d, const Problem& p) { return d.deletecorruptfile(p.subkind, p.fileindex); }}}},
+    {corruptsidefile,
+     "side",
+     "corrupted side file",
+     "corrupted side files",
+     "A side file, which describes an experiment type or a comparison, has no valid header or a chunk that "
+     "makes "
+     "no sense.",
+     [](const Problem& p) { return worded("The file '%s' is corrupted", p.name.c_str()); },
+     namesubject,
+     nullptr,
+     nullptr,
+     {{deletefilecommand, "Delete this corrupted file", Cost::deletes, "deletes the file", deletedatonce,
+       [](Database& d, const Problem& p) { return d.deletefile(p.name); }}}},
+};
+
+} // namespace
+
+const KindOfProblem& kindofproblem(int number) {
+    return kinds[number >= emptyfiles && number <= corruptsidefile ? number : 0];
+}
+
+int findkind(std::string_view numberorword) {
+    for (const KindOfProblem& kind : kinds)
+        if (kind.number != 0 && (numberorword == std::to_string(kind.number) || numberorword == kind.word))
+            return kind.number;
+    return 0;
+}
+
+const char* costword(Cost cost) {
+    constexpr const char* words[] = {"safe", "clears", "deletes"};
+    return words[static_cast<int>(cost)];
+}
+
+std::string encodedforid(std::string_view bytes) {
     std::string text;
     while (!bytes.empty()) {
         const Utf8Character character = utf8Character(bytes);
@@ -67,109 +227,22 @@ std::string encoded(std::string_view bytes) {
     return text;
 }
 
-} // namespace
-
 TSXproblem::TSXproblem(TSXdatabase& owner, int problemkind, int problemsubkind, const char* subject)
     : kind(problemkind), subkind(problemsubkind), name(subject), message("Unknown error"), database(owner) {
-    makemessage();
-}
-
-void TSXproblem::makemessage() {
-    const bool knownclass = subkind >= 0 && subkind < fileclasscount;
-    switch (kind) {
-    case emptyfiles:
-        if (subkind == 0)
-            message = "There are empty database file(s)";
-        else if (knownclass)
-            message.format("There are empty experiment file(s)     (Experiment class '%s')",
-                           fileclasses[subkind].emptylabel);
-        break;
-    case duplicatekeys:
-        if (subkind == 0)
-            message = "Some database entries have identical keys";
-        else if (const TSXexptype* type = database.gettype(subkind))
-            message.format("Some experiment entries have identical keys     (Experiment type '%s')",
-                           type->name.c_str());
-        break;
-    case blankkeys:
-        message = "Some database entries have no keys";
-        break;
-    case orphankeys:
-        message = "Some experiment keys have no database entries";
-        break;
-    case missingdirectory:
-        message.format("Missing database directory '%s'", name.c_str());
-        break;
-    case corruptdatafile:
-        if (knownclass && *fileclasses[subkind].damagelabel != '\0')
-            message.format("The %s file '%s' is corrupted", fileclasses[subkind].damagelabel, name.c_str());
-        break;
-    case corruptsidefile:
-        message.format("The file '%s' is corrupted", name.c_str());
-        break;
-    default:
-        break;
-    }
+    if (const std::string text = facts().message(*this); !text.empty())
+        message = text.c_str();
 }
 
 int TSXproblem::solutioncount() const {
-    int count = 0;
-    while (findsolution(kind, count + 1) != nullptr)
-        ++count;
-    return count;
+    return static_cast<int>(std::ranges::count_if(
+        facts().solutions, [](const KindOfProblem::Solution& solution) { return solution.command != 0; }));
 }
 
-int TSXproblem::solutioncommand(int number) const {
-    const Solution* solution = findsolution(kind, number);
-    return solution != nullptr ? solution->command : 0;
-}
-
-const char* TSXproblem::solutionlabel(int number) const {
-    const Solution* solution = findsolution(kind, number);
-    return solution != nullptr ? solution->label : "";
-}
-
-Cost TSXproblem::solutioncost(int number) const {
-    const Solution* solution = findsolution(kind, number);
-    return solution != nullptr ? solution->cost : Cost::safe;
-}
-
-std::string TSXproblem::subject() const {
-    const TSXexptype* type = kind == duplicatekeys && subkind != 0 ? database.gettype(subkind) : nullptr;
-    switch (kind) {
-    case emptyfiles:
-        return subkind >= 0 && subkind < fileclasscount ? fileclasses[subkind].directory : "";
-    case missingdirectory:
-    case corruptsidefile:
-        return database.diskname(name.view());
-    case corruptdatafile:
-        return database.diskname(Text<1000>()
-                                     .format("%s/%s/%s.%s", database.directory.c_str(),
-                                             fileclasses[subkind].directory, name.c_str(),
-                                             fileclasses[subkind].extension)
-                                     .view());
-    default:
-        return type == nullptr ? "Database"
-                               : std::string(fileclasses[type->classid].directory) + "/" + type->name.c_str();
-    }
+const KindOfProblem::Solution& TSXproblem::solution(int number) const {
+    const KindOfProblem::Solution& found = facts().solutions[number == 2 ? 1 : 0];
+    return number >= 1 && number <= maxsolutions && found.command != 0 ? found : kinds[0].solutions[0];
 }
 
 std::string TSXproblem::id() const {
-    return kindword(kind) + (':' + encoded(subject()));
-}
-
-const char* costword(Cost cost) {
-    constexpr const char* words[] = {"safe", "clears", "deletes"};
-    return words[static_cast<int>(cost)];
-}
-
-const char* kindword(int kind) {
-    return isknown(kind) ? kinds[kind].word : "";
-}
-
-int findkind(std::string_view numberorword) {
-    for (int kind = emptyfiles; isknown(kind); ++kind)
-        if (numberorword == std::to_string(kind) || numberorword == kinds[kind].word)
-            return kind;
-    return 0;
+    return facts().word + (':' + encodedforid(facts().subject(*this)));
 }

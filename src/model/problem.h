@@ -11,6 +11,9 @@
 #include "platform/system/text.h"
 
 class TSXdatabase;
+class TSXdatafile;
+class TSXkeyentry;
+class TSXproblem;
 
 enum ProblemKind : std::int32_t {
     emptyfiles = 1,    // sub-kind: file class
@@ -43,23 +46,55 @@ enum class Cost : std::uint8_t {
 };
 const char* costword(Cost cost);
 
-// The word of a kind, with which the id of each problem of it begins; empty for an unknown kind.
-const char* kindword(int kind);
+constexpr int maxsolutions = 2;
+
+// All that there is to know of a kind of problem.
+struct KindOfProblem {
+    struct Solution {
+        int command; // 0: the kind has no such solution
+        const char* label;
+        Cost cost;
+        const char* effect; // on the data, behind "it"
+        const char* price;  // a sentence: what is lost, and whether it can be had back
+        // 1 where it was done, also where the operation has no result of its own; else 0.
+        int (*carryout)(TSXdatabase& database, const TSXproblem& problem);
+    };
+
+    std::int32_t number; // 0: no kind
+    const char* word;    // with which the id of each problem of the kind begins
+    const char* one;     // of such problems, in a count
+    const char* many;
+    const char* meaning;                               // for the data
+    std::string (*message)(const TSXproblem& problem); // empty: it has none of its own
+    std::string (*subject)(const TSXproblem& problem); // what it is about, in the id
+    // Whether it is about the records with that key in that type; none where it is about no keys.
+    bool (*concernskey)(const TSXproblem& problem, const TSXkeyentry& key, int type);
+    // Whether it is about the data file there in the list of its class; none where it is about no data files.
+    bool (*concernsfile)(const TSXproblem& problem, const TSXdatafile& file, int position);
+    Solution solutions[maxsolutions];
+};
+// The row of a kind; that of an unknown one has number 0, empty texts and no operations.
+const KindOfProblem& kindofproblem(int number);
 // The kind of that number, as a text, or of that word; 0 if there is none.
 int findkind(std::string_view numberorword);
+
+// With what an id can't hold, or would not come back from a terminal, as % and two hex digits for each byte.
+std::string encodedforid(std::string_view bytes);
 
 class TSXproblem : public CObject {
 public:
     TSXproblem(TSXdatabase& owner, int problemkind, int problemsubkind, const char* subject = "");
 
-    int solutioncount() const;                   // 1 or 2; 0 for an unknown kind
-    int solutioncommand(int number) const;       // from 1; 0 for a number that the kind doesn't have
-    const char* solutionlabel(int number) const; // from 1; empty for a number that the kind doesn't have
-    Cost solutioncost(int number) const;         // from 1; safe for a number that the kind doesn't have
+    const KindOfProblem& facts() const { return kindofproblem(kind); }
+    int solutioncount() const; // 1 or 2; 0 for an unknown kind
+    // From 1; one without a command for a number that the kind doesn't have.
+    const KindOfProblem::Solution& solution(int number) const;
+    int solutioncommand(int number) const { return solution(number).command; }
+    const char* solutionlabel(int number) const { return solution(number).label; }
+    Cost solutioncost(int number) const { return solution(number).cost; }
 
     // The same in every run over the same tree, and no other problem's: the kind's word, a colon, and what it
-    // is about. A control character, a per-cent sign and a byte that is no UTF-8 stand as % and two hex
-    // digits. Looks at the disk for how names are spelled there.
+    // is about, encoded. Looks at the disk for how names are spelled there.
     std::string id() const;
 
     // Carries out a solution. The result of its operation, 1 where that has none of its own; 0 for a number
@@ -73,8 +108,4 @@ public:
     TSXdatabase& database;
     std::int32_t fileindex = 0; // position in its file list; set for kind 6 only
     FileState looked;           // of a side file when it was looked at
-
-private:
-    void makemessage();
-    std::string subject() const;
 };

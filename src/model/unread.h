@@ -17,6 +17,7 @@ struct Unread {
     std::string name;
     std::string reason; // a sentence in English without line end
     Weight weight = part;
-    std::int32_t record = 0; // of a record in a data file, from 1; else 0
-    bool lasting = true;     // found by the load; else by the last analysis, and looked at anew by the next
+    std::int32_t record = 0; // of a record in a data file, from 1; else 0, or
+    static constexpr std::int32_t type = -1;
+    bool lasting = true; // found by the load; else by the last analysis, and looked at anew by the next
 };

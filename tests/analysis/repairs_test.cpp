@@ -150,7 +150,7 @@ TEST_F(Repairs, WhatIsOutsideOfTheListsIsNeitherChangedNorDeleted) {
         database->renameduplicates(outside);
     }
     const TSXproblem unknown(*database, corruptsidefile + 1, 0, "");
-    EXPECT_EQ(unknown.message.c_str() + unknown.id() + unknown.solutionlabel(1), "Unknown error:Database");
+    EXPECT_EQ(unknown.message.c_str() + unknown.id() + unknown.solutionlabel(1), "Unknown error:");
     EXPECT_EQ(unknown.solutioncost(1), Cost::safe);
     for (const auto& [subkind, id] : {std::pair(-1, "empty:"), {6, "empty:"}})
         EXPECT_EQ(TSXproblem(*database, emptyfiles, subkind, "").id(), id);

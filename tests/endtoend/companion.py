@@ -24,11 +24,11 @@ class Rights(ProgramTest):
         os.chmod(self.root + "/DBASE/DUPL2.DBS", 0o444)
         os.chmod(self.root + "/fprint", 0o555)
         before = contents(self.root)
-        done = self.check("--preen", "--save", status=8, error="Could not write in file '%s/DBASE/DUPL2.DBS'" % self.root,
+        done = self.check("--preen", "--save", status=13, error="Could not write in file '%s/DBASE/DUPL2.DBS'" % self.root,
                           **program)
         self.assertEqual((done["modified"], done["saved"]), (1, 0))
         row = next(row for row, problem in enumerate(done["problems"], 1) if (problem["kind"], problem["subkind"]) == (6, 1))
-        self.check("--solve", "%d:1" % row, status=8, error="Unable to remove the file '%s/fprint/" % self.root, **program)
+        self.check("--solve", "%d:1" % row, status=12, error="Unable to remove the file '%s/fprint/" % self.root, **program)
         after = contents(self.root)
         self.assertEqual(set(before), set(after))
         self.assertEqual(after["DBASE/DUPL2.DBS"], before["DBASE/DUPL2.DBS"])

@@ -161,9 +161,9 @@ class DataFile:
             self.valid = self.walk(stream, *row[3:5])
         elif fileclass == 4:
             database.log.append(b"Invalid file")
-        for record in self.records:
+        for number, record in enumerate(self.records, 1):
             if record.unread:
-                database.unreadable(database.name_of(self.path), "record")
+                database.unreadable(database.name_of(self.path), "record", "unread:%%s#%d" % number)
 
     def walk(self, stream, typetag, recordtag):
         while not stream.ended:
@@ -236,12 +236,16 @@ class DataFile:
             record.key, record.changed = key, True
 
 
+def encoded(about):
+    """What stands in an id."""
+    return "".join("".join("%%%02x" % byte for byte in char.encode("utf-8", "surrogateescape")) if char < " " or
+                   char in "%\x7f" or "\ud800" <= char < "\ue000" else char for char in os.fsdecode(about))
+
+
 class Problem:
     def __init__(self, kind, sub, message, name, index, about):
         self.kind, self.sub, self.message, self.name, self.index = kind, sub, message, name, index
-        encoded = ("".join("%%%02x" % byte for byte in char.encode("utf-8", "surrogateescape")) if char < " " or
-                   char in "%\x7f" or "\ud800" <= char < "\ue000" else char for char in os.fsdecode(about))
-        self.id = WORDS[kind] + ":" + "".join(encoded)
+        self.id = WORDS[kind] + ":" + encoded(about)
 
     def same(self, other):
         return (self.kind, self.sub, self.name) == (other.kind, other.sub, other.name)
@@ -252,7 +256,7 @@ class Database:
 
     def __init__(self, root, shown_as):
         self.root, self.shown, self.log = root, os.fsencode(shown_as), []
-        self.types, self.unread, self.looking = [], [], False  # name, weight, whether found by the last analysis
+        self.types, self.unread, self.looking = [], [], False  # name, weight, whether found by the last analysis, id
         self.newtype(0, b"Database")
         self.files = []
         for fileclass, row in enumerate(CLASSES):
@@ -281,17 +285,17 @@ class Database:
                 first.add(identity)
                 yield name
 
-    def unreadable(self, name, weight):
+    def unreadable(self, name, weight, form="unread:%s"):
         """Notes what could not be read; a name once, but each of its records, and what is told of it alone."""
         if weight in ("record", "told") or not self.is_unread(name):
             self.log.append(b"   %s '%s': " % (b"passed over" if weight == "told" else b"could not read", name))
-            self.unread.append((name, weight, self.looking))
+            self.unread.append((name, weight, self.looking, form % encoded(name)))
 
     def is_unread(self, name):
-        return any(known == name and weight in ("part", "whole") for known, weight, _ in self.unread)
+        return any(known == name and weight in ("part", "whole") for known, weight, *_ in self.unread)
 
     def lacks(self, *weights):
-        return any(weight in weights for _, weight, _ in self.unread)
+        return any(weight in weights for _, weight, *_ in self.unread)
 
     def name_of(self, path):
         return os.path.relpath(os.fsencode(self.place(path)), os.fsencode(self.root))
@@ -340,7 +344,7 @@ class Database:
         if len(self.types) <= 200:
             self.newtype(fileclass, name)
         else:
-            self.unreadable(CLASSES[fileclass][0].encode() + b"/" + name, "whole")
+            self.unreadable(CLASSES[fileclass][0].encode() + b"/" + name, "whole", "unread:type/%s")
         return len(self.types) - 1
 
     def add(self, kind, sub, message, about=b"Database", name=b"", index=0):
@@ -520,7 +524,7 @@ class Database:
         folders = [row[0].encode() for row in CLASSES]
         counted = folders[:1] if kind == 0 else folders[1:self.types[kind][0] + 1] if kind < len(self.types) else []
         if any(weight == "whole" and name.split(b"/")[0].lower() in [folder.lower() for folder in counted]
-               for name, weight, _ in self.unread) or n < 1 or n > self.count(key, kind):
+               for name, weight, *_ in self.unread) or n < 1 or n > self.count(key, kind):
             return False
         old = self.entries[key.lower()]
         if new.lower() == key.lower():
@@ -559,22 +563,18 @@ class Run:
         self.options = options_of(words)
         self.database = Database(root, shown_as)
         self.loaded = self.database.problems
-        self.found, self.failed, self.saved, self.solved = bool(self.loaded), False, False, []
+        self.changed, self.failed, self.saved, self.solved = False, False, False, []
         steps = [lambda step=step: self.solve_step(*step) for step in self.options.solve]
         steps += [step for wanted, step in [(self.options.preen, self.preen), (self.options.change_key, self.change_key),
                                             (self.options.save, self.save)] if wanted]
         self.failed = not all(step() for step in steps) or self.failed
-
-    def analyse(self):
-        self.database.analyse()
-        self.found = self.found or bool(self.database.problems)
 
     def solve(self, problem, n):
         row, command = self.database.problems.index(problem) + 1, SOLUTIONS[problem.kind][n - 1][0]
         done = self.database.solve(problem, command)
         self.solved.append({"row": row, "id": problem.id, "command": command, "result": int(done)})
         if done:
-            self.analyse()
+            self.database.analyse()
         return done
 
     def solve_step(self, is_all, what, n):
@@ -615,7 +615,7 @@ class Run:
         key, kind, n, new = self.options.change_key
         done = self.database.change_key(os.fsencode(key), int(kind), int(n), os.fsencode(new), self.options.yes)
         if done:
-            self.analyse()
+            self.database.analyse()
         return done is not False
 
     def save(self):
@@ -624,9 +624,8 @@ class Run:
         return self.saved
 
     def status(self):
-        if self.failed or self.database.lacks("record", "part", "whole"):
-            return 8
-        return 4 if self.database.problems or self.database.modified() else int(self.found)
+        failed = self.failed or self.database.lacks("record", "part", "whole")
+        return 8 * failed + 4 * bool(self.database.problems or self.database.modified()) + self.changed
 
     def log(self):
         return HEAD + b"".join(line + b"\n" for line in self.database.log) + TRAILER
@@ -650,7 +649,7 @@ class Run:
         if self.options.entry is not None:
             found["entry"] = self.entry(os.fsencode(self.options.entry))
         return {**found, "solved": self.solved, "modified": int(database.modified()), "saved": int(self.saved),
-                "unread": [text("name", name) for name, _, _ in database.unread], "status": self.status()}
+                "unread": [{"id": id, **text("name", name)} for name, _, _, id in database.unread], "status": self.status()}
 
     def entry(self, key):
         stored, uses = self.database.entries.get(key.lower(), (key, {}))
