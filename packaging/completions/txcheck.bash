@@ -2,13 +2,19 @@
 _txcheck() {
     local cur prev words cword
     _init_completion -n : || return
-    local kinds="empty duplicate blank orphan missing corrupt side"
+    local solutions="empty:1 duplicate:1 duplicate:2 blank:1 orphan:1 orphan:2 missing:1 corrupt:1 side:1"
+    local back
+    for ((back = 1; back < cword && back <= 4; ++back)); do # nobody can tell how a key goes on
+        case $back${words[cword - back]} in
+        [12]--rename | [1-4]--change-key) return ;;
+        esac
+    done
     case $prev in
     --log | --home) _filedir -d; return ;;
     --undo | --restore | --known | --write-known | --report) _filedir; return ;;
-    -e | --entry | --database | --change-key | --rename | --solve | --explain) return ;;
+    -e | --entry | --database | --solve | --explain) return ;;
     --solve-all)
-        [[ $cur == *:* ]] || COMPREPLY=($(compgen -S :1 -W "$kinds" -- "$cur"))
+        COMPREPLY=($(compgen -W "$solutions" -- "$cur"))
         __ltrim_colon_completions "$cur"
         return
         ;;

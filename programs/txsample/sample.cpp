@@ -109,23 +109,6 @@ void writesidefiles(SampleTree& tree) {
         tree.write(SideFile{path, compheader});
 }
 
-// Why the options can't be used; empty when they can.
-std::string unusable(const SampleOptions& options) {
-    for (const SampleNumber& number : samplenumbers) {
-        const int value = options.*number.value;
-        if (value < number.least || value > number.most)
-            return Text<120>()
-                .format("%s: %d is not from %d to %d", number.name, value, number.least, number.most)
-                .c_str();
-    }
-    for (const std::string& name : options.damages)
-        if (!isdamagename(name))
-            return "no such damage: " + name;
-    if (options.home.empty() != options.name.empty())
-        return "home and name go together";
-    return {};
-}
-
 // Makes the directory if it is missing. Returns why it can't be used; empty when it can.
 std::string prepare(const filesystem::path& directory) {
     std::error_code error;
@@ -162,6 +145,24 @@ void writeall(SampleTree& tree) {
 }
 
 } // namespace
+
+std::string unusable(const SampleOptions& options) {
+    for (const SampleNumber& number : samplenumbers) {
+        const int value = options.*number.value;
+        if (value < number.least || value > number.most)
+            return Text<120>()
+                .format("--%s: %d is not from %d to %d", number.name, value, number.least, number.most)
+                .c_str();
+    }
+    for (const std::string& name : options.damages)
+        if (!isdamagename(name))
+            return "--damage: there is no damage '" + name + "'";
+    if (options.home.empty() != options.name.empty())
+        return "--home and --name go together";
+    if (options.name.find_first_of("/\\\r\n") != std::string::npos)
+        return "--name: a name has no slash, backslash or line end";
+    return options.directory.empty() ? "DIRECTORY: the path is empty" : "";
+}
 
 SampleResult makeSample(const SampleOptions& options) {
     SampleResult refused;

@@ -43,6 +43,9 @@ struct SampleResult {
     std::string failure; // empty on success, else which file and what was tried; the tree is incomplete
 };
 
+// Why the options can't be used, with the option that is to blame; empty when they can.
+std::string unusable(const SampleOptions& options);
+
 // Where the options ask for more than can be sound, less is made: no key is used twice in an experiment type,
 // and with damages the files and types stay below the limits of a database, so that what is damaged finds
 // room.

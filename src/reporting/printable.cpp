@@ -1,19 +1,32 @@
 #include "reporting/printable.h"
 
+#include <algorithm>
 #include <clocale>
 #include <cstdint>
 #include <cwchar>
+#include <iterator>
 
 #include "platform/system/utf8.h"
 
 namespace {
 
+struct Range {
+    std::uint32_t first;
+    std::uint32_t last;
+};
+// What a terminal shows as nothing, or by moving what stands beside it: controls, what Unicode has to be ignored in a
+// picture (joiners, marks of direction, fillers, letters of tags), and marks between lines.
+constexpr Range unseen[] = {{0, 0x1F},          {0x7F, 0x9F},      {0xAD, 0xAD},     {0x34F, 0x34F},
+                            {0x61C, 0x61C},     {0x115F, 0x1160},  {0x17B4, 0x17B5}, {0x180B, 0x180F},
+                            {0x200B, 0x200F},   {0x2028, 0x202E},  {0x2060, 0x206F}, {0x3164, 0x3164},
+                            {0xFE00, 0xFE0F},   {0xFEFF, 0xFEFF},  {0xFFA0, 0xFFA0}, {0xFFF0, 0xFFFB},
+                            {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF}};
+
 // Whether a terminal shows the character of that number as a visible sign.
 bool visible(std::uint32_t number) {
-    const bool control = number < 0x20 || (number >= 0x7F && number < 0xA0);
-    const bool direction = (number >= 0x200B && number <= 0x200F) || (number >= 0x2028 && number <= 0x202E) ||
-                           (number >= 0x2060 && number <= 0x206F) || number == 0xFEFF;
-    return !control && !direction;
+    return std::none_of(std::begin(unseen), std::end(unseen), [number](const Range& range) {
+        return number >= range.first && number <= range.last;
+    });
 }
 
 // The C library knows the widths of all characters, but tells them for those of the locale alone: whatever
