@@ -73,6 +73,9 @@ set(CPACK_DEBIAN_TXINSPECT_PACKAGE_RECOMMENDS "qt6-wayland")
 set(CPACK_DEBIAN_TXINSPECT_PACKAGE_SUGGESTS "txinspect-tools")
 set(CPACK_DEBIAN_TXINSPECT-TOOLS_PACKAGE_NAME txinspect-tools)
 set(CPACK_DEBIAN_TXINSPECT-TOOLS_PACKAGE_SUGGESTS "txinspect")
+set(CPACK_DEBIAN_TXINSPECT-TOOLS_PACKAGE_CONTROL_EXTRA ${CMAKE_CURRENT_SOURCE_DIR}/packaging/debian/tools/prerm
+                                                       ${CMAKE_CURRENT_SOURCE_DIR}/packaging/debian/tools/postrm)
+set(CPACK_DEBIAN_TXINSPECT-TOOLS_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_COMPONENT_TXINSPECT_DESCRIPTION "check and repair a database of laboratory experiments
 A database of laboratory experiments is a directory tree of small files
 in which entries and experiment results are tied together by a text key.
