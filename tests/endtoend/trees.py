@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
 """Makes databases by chance, damages them, and runs txcheck and the oracle on each: every document, exit status, log and
-byte of the disk has to agree.  Usage: trees.py DIRECTORY-OF-THE-PROGRAMS [FIRST-SEED [COUNT]]"""
+byte of the disk has to agree.  Usage: trees.py DIRECTORY-OF-THE-PROGRAMS [FIRST-SEED [COUNT [STEP]]]
+With STEP it takes instead each STEP-th change of a field of a sample from that of number FIRST-SEED, COUNT of them."""
 
 import os
 import pathlib
 import random
+import shutil
 import struct
 import sys
 import unittest
@@ -12,7 +14,7 @@ import unittest
 from programtest import READABLE, ProgramTest, load_programs, oracle
 
 ProgramTest.programs = load_programs()
-FIRST, COUNT = [int(word) for word in sys.argv[1:]] + [1, 100][len(sys.argv) - 1:]
+FIRST, COUNT, STEP = [int(word) for word in sys.argv[1:]] + [1, 100, 0][len(sys.argv) - 1:]
 LONG = b"long-key-of-sixty-bytes-0123456789-0123456789-0123456789-67"
 KEYS = [b"", b"", b"a", b"A", b"b", b"B/#2", b"b/#2", b"dbkey/#2", b"x", b"_", b"[", b"\xe4", b"\xc4", b"M\xc3\xbcller", b"50%s",
         b"two\nlines", LONG + b"8", LONG + b"9", LONG[:57] + b"/#2", LONG[:55],
@@ -110,6 +112,32 @@ class Tree:
         return data[:at] + struct.pack("<i", self.pick(NUMBERS + [at - 5, at + 3, at + 4, at + 5])) + data[at + 4:]
 
 
+def changed_fields(data):
+    """The data with each number in it, and each other byte that isn't padding, changed in each of eight ways."""
+    for at in (i for i, byte in enumerate(data) if byte):
+        size = 4 if data[at + 1:at + 4] == b"\0\0\0" else 1
+        value, bits = int.from_bytes(data[at:at + size], "little"), 8 * size
+        for new in {0, (1 << bits) - 1, value ^ 1 << bits - 1, value ^ 1 << bits // 2, value ^ 1, value + 1, value - 1, value * 7 + at}:
+            yield data[:at] + (new % (1 << bits)).to_bytes(size, "little") + data[at + size:]
+
+
+class Fields(ProgramTest):
+    def test_each_changed_field_is_read_and_repaired_as_by_the_oracle(self):
+        pristine = self.work + "/pristine"
+        self.sample("--files", "1", "--entries", "3", "--types", "1", "--experiments", "1", "--records", "3", root=pristine)
+        files = [path for path in sorted(pathlib.Path(pristine).rglob("*")) if path.is_file()]
+        points = [(path.relative_to(pristine), data) for path in files for data in changed_fields(path.read_bytes())]
+        for number, (path, data) in list(enumerate(points))[FIRST:][::STEP][:COUNT]:
+            with self.subTest(number=number, path=path):
+                for what in ["1:1", "1:2"]:
+                    shutil.rmtree(self.root, ignore_errors=True)
+                    shutil.copytree(pristine, self.root)
+                    pathlib.Path(self.root, path).write_bytes(data)
+                    found = self.compare("--all")
+                    if found["problems"] and what[2] <= str(len(found["problems"][0]["solutions"])):
+                        self.compare("--solve", what, "--save")
+
+
 class Trees(ProgramTest):
     def test_agree_with_the_oracle(self):
         print("trees: seeds %d to %d" % (FIRST, FIRST + COUNT - 1))
@@ -169,4 +197,4 @@ class Trees(ProgramTest):
 
 
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1], failfast=True)
+    unittest.main(argv=[*sys.argv[:1], "Fields" if STEP else "Trees"], failfast=True)

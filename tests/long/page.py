@@ -1,17 +1,14 @@
 #!/usr/bin/env python3
-"""Opens the page of `txcheck --report` in the real browsers, Chromium and Firefox, and looks at what they make of it:
-markup, filter, contrast, width, accessibility, paper and time.  Usage: script/page PROGRAMS [DIRECTORY]
-PROGRAMS is the build directory with the programs; DIRECTORY, made if missing, gets pictures and papers to look at.
-`script/setup page` installs the browsers."""
+"""Opens the page of `txcheck --report` in a real browser, Chromium, and looks at what it makes of it: markup, filter, contrast,
+width, accessibility and time.  Usage: page.py PROGRAMS
+PROGRAMS is the build directory with the programs; `script/setup page` installs the browser."""
 
-import base64
 import collections
 import itertools
 import json
 import os
 import pathlib
 import re
-import socket
 import struct
 import subprocess
 import sys
@@ -20,7 +17,7 @@ import time
 import unicodedata
 
 sys.dont_write_bytecode = True
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "tests" / "endtoend"))
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "endtoend"))
 import oracle  # noqa: E402
 import programtest  # noqa: E402
 
@@ -104,12 +101,6 @@ class Chromium:
     def size(self, width, height):
         self.call("Emulation.setDeviceMetricsOverride", width=width, height=height, deviceScaleFactor=1, mobile=False)
 
-    def picture(self):
-        return self.call("Page.captureScreenshot")["data"]
-
-    def paper(self):
-        return self.call("Page.printToPDF", printBackground=False)["data"]
-
     def tree(self):
         """Role and name of each thing that a screen reader is told of."""
         nodes = self.call("Accessibility.getFullAXTree")["nodes"]
@@ -117,69 +108,6 @@ class Chromium:
 
     def close(self):
         self.call("Browser.close")
-        self.process.wait()
-
-
-class Firefox:
-    """Driven by its own protocol over a socket."""
-
-    ROLES = "h1, h2, table, th, input, fieldset"
-
-    def __init__(self, work, dark):
-        work.mkdir()
-        (work / "user.js").write_text('user_pref("marionette.port", 0);\nuser_pref("ui.systemUsesDarkTheme", %d);\n'
-                                      'user_pref("layout.css.prefers-color-scheme.content-override", %d);\n' % (dark, not dark))
-        self.process = subprocess.Popen(["firefox-esr", "--headless", "--marionette", "--profile", work], stdout=subprocess.DEVNULL,
-                                        stderr=subprocess.DEVNULL, env=dict(os.environ, HOME=str(work)))
-        port = work / "MarionetteActivePort"
-        while not port.exists() or not port.read_text():
-            expect(self.process.poll() is None, "Firefox does not start")
-            time.sleep(0.1)
-        self.socket = socket.create_connection(("127.0.0.1", int(port.read_text())))
-        self.input = self.socket.makefile("rb")
-        self.numbers = itertools.count(1)
-        self.message()
-        self.call("WebDriver:NewSession")
-        self.call("WebDriver:SetTimeouts", script=120000, pageLoad=300000)
-
-    def message(self):
-        length = b""
-        while (byte := self.input.read(1)) != b":":
-            expect(byte, "Firefox has gone")
-            length += byte
-        return json.loads(self.input.read(int(length)))
-
-    def call(self, method, **parameters):
-        request = json.dumps([0, next(self.numbers), method, parameters]).encode()
-        self.socket.sendall(b"%d:%s" % (len(request), request))
-        _, _, error, result = self.message()
-        expect(error is None, error)
-        return result.get("value", result) if isinstance(result, dict) else result
-
-    def open(self, path):
-        self.call("WebDriver:Navigate", url=path.as_uri())
-
-    def run(self, script):
-        return self.call("WebDriver:ExecuteScript", script=script, args=[])
-
-    def size(self, width, height):
-        self.call("WebDriver:SetWindowRect", width=width, height=height)
-        inner = self.run("return [innerWidth, innerHeight]")
-        self.call("WebDriver:SetWindowRect", width=2 * width - inner[0], height=2 * height - inner[1])
-
-    def picture(self):
-        return self.call("WebDriver:TakeScreenshot", full=False)
-
-    def paper(self):
-        return self.call("WebDriver:Print")
-
-    def tree(self):
-        elements = self.call("WebDriver:FindElements", using="css selector", value=self.ROLES)
-        return [tuple(self.call("WebDriver:GetComputed" + what, id=next(iter(element.values()))) for what in ("Role", "Label"))
-                for element in elements]
-
-    def close(self):
-        self.call("Marionette:Quit", flags=["eForceQuit"])
         self.process.wait()
 
 
@@ -258,7 +186,7 @@ def check_tree(tree, facts):
            "a thing without a name")
 
 
-def check(browser, page, told, pictures, small):
+def check(browser, page, told, small):
     start = time.monotonic()
     browser.open(page)
     browser.run("return document.body.offsetHeight")
@@ -272,15 +200,10 @@ def check(browser, page, told, pictures, small):
         for width in 400, 1200, 2400:
             browser.size(width, 900)
             expect(browser.run(FACTS)["wide"] <= 0, "wider than a window of %d pixels" % width)
-            if pictures:
-                written(pictures / ("%s-%d.png" % (page.parent.name, width)), base64.b64decode(browser.picture()))
-        if pictures:
-            written(pictures / (page.parent.name + ".pdf"), base64.b64decode(browser.paper()))
     return seconds, facts["contrast"]
 
 
 def main():
-    pictures = pathlib.Path(sys.argv[2]).resolve() if len(sys.argv) > 2 else None
     with tempfile.TemporaryDirectory(prefix="page-", ignore_cleanup_errors=True) as name:
         work, pages = pathlib.Path(name), {}
         for make in damaged, hostile, large:
@@ -288,12 +211,12 @@ def main():
             root.mkdir(parents=True)
             make(root)
             pages[make.__name__] = page_of(root)
-        for kind, dark in itertools.product((Chromium, Firefox), (False, True)):
-            word = "%s-%s" % (kind.__name__.lower(), "dark" if dark else "light")
-            browser = kind(work / word, dark)
+        for dark in False, True:
+            word = "dark" if dark else "light"
+            browser = Chromium(work / word, dark)
             try:
                 for sample, (page, told) in pages.items():
-                    seconds, contrast = check(browser, page, told, pictures and pictures / word, sample != "large")
+                    seconds, contrast = check(browser, page, told, sample != "large")
                     print("page: ok: %s, %s: %d problems, %d keys, %d kB, contrast %.1f, %.1f s" % (
                         word, sample, len(told["problems"]), len(told["keys"]), page.stat().st_size // 1000, contrast, seconds),
                           flush=True)
