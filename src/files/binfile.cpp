@@ -228,26 +228,52 @@ int TSXbinfile::readstring(std::string& text, int capacity) {
     return endread(text, length, lengthread, textread);
 }
 
-int TSXbinfile::passstring(int capacity) {
-    std::int32_t length = 0;
-    const int lengthread = readlength(length, capacity);
-    if (lengthread == 1 && length >= 0 && stream.skipBuffered(static_cast<std::size_t>(length)))
-        return 1;
-    std::string text;
-    return endread(text, length, lengthread, lengthread == 1 ? readtext(text, length) : 0);
+void TSXbinfile::passstrings(std::int32_t count, int capacity) {
+    for (; count > 0 && iseof() == 0 && readfailure() == 0; --count)
+        if (!passahead(capacity))
+            readstring(piece, capacity);
 }
 
-int TSXbinfile::readfield(std::string& text, int capacity) {
+// A string that lies whole in memory and keeps to its capacity. False, and nothing is done, for any other.
+bool TSXbinfile::passahead(int capacity) {
+    const std::string_view ahead = stream.ahead();
+    const std::int32_t length = intin(ahead, 0, -1);
+    const std::size_t size = sizeof length + static_cast<std::size_t>(length);
+    if (length < 0 || length >= capacity || size > ahead.size())
+        return false;
+    stream.pass(size);
+    return true;
+}
+
+// The same of a field.
+bool TSXbinfile::takefield(std::string_view& text, int capacity) {
+    constexpr std::size_t head = 8; // its length and its width
+    const std::string_view ahead = stream.ahead();
+    const std::int32_t length = intin(ahead, 0, -1);
+    const std::size_t size = head + static_cast<std::size_t>(std::max(length, intin(ahead, 4, 0)));
+    if (length < 0 || length >= capacity || size > ahead.size())
+        return false;
+    text = ahead.substr(head, static_cast<std::size_t>(length));
+    text = text.substr(0, text.find('\0'));
+    stream.pass(size);
+    return true;
+}
+
+int TSXbinfile::readfield(std::string_view& text, int capacity) {
+    if (takefield(text, capacity))
+        return 1;
     std::int32_t length = 0;
     const int lengthread = readlength(length, capacity);
     Integer bytes = {};
     blockread(bytes.data(), static_cast<int>(bytes.size()));
     const std::int32_t width = decode(bytes);
-    const int textread = lengthread == 1 ? readtext(text, length) : 0;
+    const int textread = lengthread == 1 ? readtext(piece, length) : 0;
     const std::int32_t used = std::max(length, 0);
     if (width > used && iseof() == 0)
         stream.skip(width - used);
-    return endread(text, length, lengthread, textread);
+    const int result = endread(piece, length, lengthread, textread);
+    text = piece;
+    return result;
 }
 
 int TSXbinfile::writetag(const char* tag) {

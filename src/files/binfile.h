@@ -35,7 +35,7 @@ public:
     int blockwrite(const void* bytes, int count);
 
     // The bytes that stand at a position, fewer where the file ends or the disk gives nothing; until the next
-    // call of this or writefield.
+    // call of this, readfield or writefield.
     std::string_view bytesat(std::int64_t position, int count);
     int seek(std::int64_t position); // 0 on success, else not: the one operation whose 0 is success
     std::int32_t tell() const;       // -1 where the position is beyond what 32 bits hold
@@ -53,10 +53,13 @@ public:
 
     int readint(std::int32_t& number); // not touched on failure
     // Text of at most capacity - 1 bytes, up to its first NUL; "???" on failure. A counted string, of which
-    // what exceeds the capacity is left unread; and a field string.
+    // what exceeds the capacity is left unread; and a field string, whose text stays until the next
+    // operation.
     int readstring(std::string& text, int capacity);
-    int readfield(std::string& text, int capacity);
-    int passstring(int capacity); // passes over a counted string
+    int readfield(std::string_view& text, int capacity);
+    // Passes over counted strings. Behind the end of the file, or once the disk has failed, there is nothing
+    // to pass over, however many there should be.
+    void passstrings(std::int32_t count, int capacity);
 
     int writetag(const char* tag); // opens a chunk; always 1
     int endtag();                  // closes it; always 1
@@ -71,6 +74,8 @@ private:
     int open(const char* path, OpenMode mode);
     int readbytes(void* bytes, std::size_t wanted);
     int readlength(std::int32_t& length, int capacity);
+    bool takefield(std::string_view& text, int capacity);
+    bool passahead(int capacity);
     int readtext(std::string& text, std::int32_t length);
     int endread(std::string& text, std::int32_t length, int lengthread, int textread);
     int writebytes(const std::string& bytes);
@@ -79,7 +84,7 @@ private:
     std::int32_t chunkend = 0;
     std::int32_t endposition = 0; // where the end field of the chunk that is being written stands
     Text<200> filename = "???";   // for messages only
-    std::string piece;            // of bytesat and writefield
+    std::string piece;            // of bytesat, readfield and writefield
     ByteStream stream;
     std::int64_t frameend = 0; // where the body of the last chunk read begins
     bool endknown = false;     // whether that chunk's end could be read

@@ -34,20 +34,18 @@ void TSXdatabase::readlists(const char* directorytext) {
     lastlist = static_cast<std::int32_t>(lists.size()) - 1;
 }
 
-int TSXdatabase::addexptype(int fileclass, const char* name) {
-    for (std::int32_t i = lasttype; i >= 1; --i) {
-        const TSXexptype& type = *gettype(i);
-        if (type.classid == fileclass && equalIgnoringCase(type.name.view(), name))
-            return i;
-    }
+int TSXdatabase::addexptype(int fileclass, std::string_view name) {
+    if (const auto known = typenumbers.find({fileclass, name}); known != typenumbers.end())
+        return known->second;
     if (lasttype >= maxtypes) {
-        addunread({std::string(fileclasses[fileclass].directory) + "/" + name,
+        addunread({std::string(fileclasses[fileclass].directory) + "/" + std::string(name),
                    "There are more than 200 experiment types; this one is counted under the last.",
                    Unread::whole, Unread::type});
         return lasttype;
     }
     types.push_back(std::make_unique<TSXexptype>(fileclass, name));
-    return ++lasttype;
+    typenumbers[{fileclass, types.back()->name.view()}] = ++lasttype;
+    return lasttype;
 }
 
 TSXexptype* TSXdatabase::gettype(int index) const {

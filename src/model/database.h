@@ -7,10 +7,12 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 #include "model/change.h"
+#include "model/exptype.h"
 #include "model/filelist.h"
 #include "model/keytree.h"
 #include "model/textstore.h"
@@ -19,7 +21,6 @@
 #include "platform/system/text.h"
 
 class TSXdatafile;
-class TSXexptype;
 class TSXfinder;
 class TSXkeyentry;
 class TSXproblem;
@@ -37,7 +38,7 @@ public:
     void readlists(const char* directorytext);
     // The index of the type of that name, ignoring case, in that class, made if missing. With 200 types
     // there, the last.
-    int addexptype(int fileclass, const char* name);
+    int addexptype(int fileclass, std::string_view name);
     TSXexptype* gettype(int index) const;            // none unless index is from 0 to lasttype
     TSXkeyentry* getvisiblekey(int index) const;     // none unless index is from 1 to visiblecount
     TSXkeyentry& findoraddkey(std::string_view key); // a new one goes to the end of both key arrays
@@ -137,6 +138,7 @@ public:
 private:
     bool looking = false; // at what each analysis looks at anew, so that what is unread of it doesn't last
 
+    std::unordered_map<TypeName, int, TypeName::Hash> typenumbers;
     std::unordered_set<std::string> unreadnames; // of the files and directories in unread
 
     void lookatdisk();  // side files and directories

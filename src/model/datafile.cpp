@@ -126,7 +126,7 @@ bool TSXdatafile::readcount(TSXbinfile& file) {
     return usable;
 }
 
-Reading TSXdatafile::readkeyfield(TSXbinfile& file, std::string& text) {
+Reading TSXdatafile::readkeyfield(TSXbinfile& file, std::string_view& text) {
     if (file.readfield(text, keycapacity) == 1)
         return Reading::good;
     return file.iseof() != 0 ? Reading::ended : Reading::senseless;
@@ -144,7 +144,7 @@ void TSXdatafile::maketable(std::int32_t count) {
 }
 
 void TSXdatafile::readkey(TSXbinfile& file, std::size_t i) {
-    std::string key;
+    std::string_view key;
     keypos[i] = file.tell();
     keyreading[i] = readkeyfield(file, key);
     keys[i] = database.keytexts.keep(key);

@@ -98,7 +98,8 @@ protected:
     virtual Chunk readchunk(TSXbinfile& file, const char* tag) = 0;
     // Reads a record count and makes the table; false if it is not from 1 to 1000, and the table is empty.
     bool readcount(TSXbinfile& file);
-    Reading readkeyfield(TSXbinfile& file, std::string& text); // a key or a type; "???" where it is not good
+    // A key or a type, which stays until the next operation on the file; "???" where it is not good.
+    Reading readkeyfield(TSXbinfile& file, std::string_view& text);
     void maketable(std::int32_t count);
     // Puts the file on the list of what is unread where the disk has failed, else each record that could not
     // be read.

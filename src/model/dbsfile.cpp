@@ -10,13 +10,6 @@ namespace {
 
 constexpr int valuecapacity = 300; // of field names and field values, which are read only to be passed over
 
-// Behind the end of the file, or once the disk has failed, there is nothing to pass over, however many values
-// are announced.
-void passstrings(TSXbinfile& file, std::int32_t count) {
-    for (std::int32_t i = 0; i < count && file.iseof() == 0 && file.readfailure() == 0; ++i)
-        file.passstring(valuecapacity);
-}
-
 } // namespace
 
 TSXdbsfile::TSXdbsfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename)
@@ -40,7 +33,7 @@ TSXdbsfile::Chunk TSXdbsfile::readchunk(TSXbinfile& file, const char* tag) {
 TSXdbsfile::Chunk TSXdbsfile::readfields(TSXbinfile& file) {
     fieldcount = 0;
     file.readint(fieldcount);
-    passstrings(file, fieldcount);
+    file.passstrings(fieldcount, valuecapacity);
     return Chunk::taken;
 }
 
@@ -49,7 +42,7 @@ TSXdbsfile::Chunk TSXdbsfile::readentries(TSXbinfile& file) {
         return Chunk::refused;
     for (std::size_t i = 1; i < keys.size(); ++i) {
         readkey(file, i);
-        passstrings(file, fieldcount);
+        file.passstrings(fieldcount, valuecapacity);
         if (logEnabled == 1)
             logLine(Text<100>().format("%s%s", fileclasses[classid].recordindent, keys[i].data()));
     }

@@ -25,9 +25,9 @@ TSXdeffile::Chunk TSXdeffile::readchunk(TSXbinfile& file, const char* tag) {
 }
 
 std::int32_t TSXdeffile::readtype(TSXbinfile& file, Reading& reading) {
-    std::string typetext;
+    std::string_view typetext;
     reading = readkeyfield(file, typetext);
-    return database.addexptype(classid, typetext.c_str());
+    return database.addexptype(classid, typetext);
 }
 
 TSXdeffile::Chunk TSXdeffile::readrecords(TSXbinfile& file) {

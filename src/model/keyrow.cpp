@@ -15,6 +15,7 @@
 
 namespace {
 
+constexpr std::size_t ahead = 16; // keys lie wherever their files have put them: they are asked for so early
 constexpr std::size_t piecesize = sizeof(KeyRow::Record::piece);
 
 static_assert(fileclasscount * maxfiles <= UINT16_MAX && maxrecords <= UINT16_MAX && maxtypes <= UINT8_MAX);
@@ -31,7 +32,7 @@ std::uint64_t pieceof(const char* text) {
 }
 
 // Record r of a file of that number.
-KeyRow::Record recordof(const TSXdatafile& file, std::size_t number, std::size_t r, bool repeats) {
+KeyRow::Record recordof(const TSXdatafile& file, std::size_t number, std::size_t r) {
     const std::string_view key = file.keys[r];
     return {0,
             key.data(),
@@ -39,7 +40,15 @@ KeyRow::Record recordof(const TSXdatafile& file, std::size_t number, std::size_t
             static_cast<std::uint16_t>(number),
             static_cast<std::uint16_t>(r),
             static_cast<std::uint8_t>(file.keytypes[r]),
-            repeats};
+            false};
+}
+
+void readpieces(std::span<KeyRow::Record> run, std::size_t depth) {
+    for (std::size_t i = 0; i < run.size(); ++i) {
+        if (i + ahead < run.size())
+            __builtin_prefetch(run[i + ahead].key + depth);
+        run[i].piece = pieceof(run[i].key + depth);
+    }
 }
 
 // No function, so that the sort has it inside of its loops.
@@ -89,16 +98,14 @@ KeyRow::KeyRow(const TSXdatabase& database) {
             }
 }
 
-// First all keys count as equal. Piece by piece those that are equal so far are sorted and told apart.
 void KeyRow::fill(std::span<Record> place, std::span<Record> spareplace) {
     records = place;
     spare = spareplace;
     auto record = records.begin();
     for (std::size_t number = 0; number < files.size(); ++number)
         for (std::size_t r = 1; r < files[number]->keys.size(); ++r, ++record)
-            *record = recordof(*files[number], number, r, record != records.begin());
-    for (std::size_t depth = commonlength(); tellapart(depth); depth += piecesize) {
-    }
+            *record = recordof(*files[number], number, r);
+    sort(records, commonlength());
 }
 
 // How many bytes all keys have in common at the front.
@@ -114,39 +121,22 @@ std::size_t KeyRow::commonlength() const {
     return common;
 }
 
-// Sorts the keys that are equal in front of the depth, and go on there, by their next piece. False if there
-// are none.
-bool KeyRow::tellapart(std::size_t depth) {
-    readpieces(depth);
-    bool found = false;
-    for (auto begin = records.begin(); begin != records.end();) {
-        auto end = begin + 1;
-        while (end != records.end() && end->repeats)
-            ++end;
-        if (end - begin > 1 && begin->length >= depth) {
-            found = true;
-            if (!std::is_sorted(begin, end, before))
-                sortrun({begin, end}, spare);
-            begin->repeats = false;
-            for (auto record = begin + 1; record != end; ++record)
-                record->repeats = record->piece == (record - 1)->piece;
-        }
-        begin = end;
-    }
-    return found;
-}
-
-void KeyRow::readpieces(std::size_t depth) {
-    const auto wanted = [&](std::size_t i) {
-        return records[i].length >= depth &&
-               (records[i].repeats || (i + 1 < count && records[i + 1].repeats));
-    };
-    // The keys lie wherever their files have put them: they are asked for some time before they are read.
-    constexpr std::size_t ahead = 16;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (i + ahead < count && wanted(i + ahead))
-            __builtin_prefetch(records[i + ahead].key + depth);
-        if (wanted(i))
-            records[i].piece = pieceof(records[i].key + depth);
+// Sorts a run of records whose keys are equal in front of the depth by what follows, and each run of those
+// that are equal in the next piece too to its end, while the keys of the next runs are on their way.
+void KeyRow::sort(std::span<Record> run, std::size_t depth) const {
+    readpieces(run, depth);
+    if (!std::ranges::is_sorted(run, before))
+        sortrun(run, spare);
+    const auto equal = [&](std::size_t i) { return i < run.size() && run[i].piece == run[i - 1].piece; };
+    std::size_t asked = 1;
+    for (std::size_t begin = 0, end = 0; begin < run.size(); begin = end) {
+        for (end = begin + 1; equal(end); ++end)
+            run[end].repeats = true;
+        run[begin].repeats = false;
+        for (asked = std::max(asked, end); asked < std::min(end + ahead, run.size()); ++asked)
+            if (equal(asked) || equal(asked + 1))
+                __builtin_prefetch(run[asked].key + depth + piecesize);
+        if (end - begin > 1 && run[begin].length >= depth + piecesize)
+            sort(run.subspan(begin, end - begin), depth + piecesize);
     }
 }

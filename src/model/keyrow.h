@@ -33,8 +33,7 @@ public:
 
 private:
     std::size_t commonlength() const;
-    bool tellapart(std::size_t depth);
-    void readpieces(std::size_t depth);
+    void sort(std::span<Record> run, std::size_t depth) const;
 
     std::size_t count = 0;
     std::span<Record> spare;

@@ -122,7 +122,8 @@ bool ByteStream::open(const char* path, OpenMode mode, Links links) {
     readFailure_ = 0;
     incomplete_ = false;
     buffer_.clear();
-    bufferStart_ = 0;
+    filled_ = 0;
+    end_ = -1;
     newPath_.clear();
     if (mode != OpenMode::read)
         refuseOversizedWrites();
@@ -173,6 +174,7 @@ bool ByteStream::close() {
         ::close(std::exchange(file_, -1));
     good = good && closed;
     buffer_.clear();
+    filled_ = 0;
     if (!good) {
         countFailedWrite();
         if (!newPath_.empty() && !newName_.empty())
@@ -211,22 +213,16 @@ bool ByteStream::putOnDisk() const {
 }
 
 bool ByteStream::sync() {
-    buffer_.clear();
+    filled_ = 0;
     return succeeds(DiskOperation::sync, [this] { return fdatasync(file_); });
-}
-
-// The bytes of the buffer from the position on.
-std::size_t ByteStream::buffered() const {
-    const std::int64_t offset = position_ - bufferStart_;
-    const auto size = static_cast<std::int64_t>(buffer_.size());
-    return offset >= 0 && offset < size ? static_cast<std::size_t>(size - offset) : 0;
 }
 
 // Reads the piece of the file at the position.
 bool ByteStream::fill() {
     buffer_.resize(bufferSize);
-    const ssize_t size = readPiece(file_, buffer_.data(), buffer_.size(), position_);
-    buffer_.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    const bool ended = position_ == end_; // which was told, and need not be asked again
+    const ssize_t size = ended ? 0 : readPiece(file_, buffer_.data(), buffer_.size(), position_);
+    filled_ = static_cast<std::size_t>(std::max<ssize_t>(size, 0));
     bufferStart_ = position_;
     if (size < 0)
         return failRead();
@@ -250,8 +246,11 @@ FileState ByteStream::state() {
         return {};
     }
     struct stat state = {};
-    if (isOpen() && fstat(file_, &state) == 0)
+    if (isOpen() && fstat(file_, &state) == 0) {
+        if (mode_ == OpenMode::read && state.st_size > 0) // a file that the system makes as it is read has none
+            end_ = state.st_size;
         return stateFrom(state);
+    }
     setLastErrorFromErrno(isOpen() ? errno : EBADF, "");
     failRead();
     return {};
@@ -267,7 +266,7 @@ std::size_t ByteStream::read(void* bytes, std::size_t count) {
     std::size_t done = 0;
     while (done < count && (buffered() > 0 || fill())) {
         const std::size_t size = std::min(buffered(), count - done);
-        std::memcpy(static_cast<char*>(bytes) + done, buffer_.data() + (position_ - bufferStart_), size);
+        std::memcpy(static_cast<char*>(bytes) + done, ahead().data(), size);
         position_ += static_cast<std::int64_t>(size);
         done += size;
     }
@@ -305,7 +304,7 @@ std::size_t ByteStream::holdBack(const char* bytes, std::size_t count) {
 bool ByteStream::standing(std::string& bytes, std::size_t count) const {
     if (buffered() < count)
         return readWhole(file_, bytes, count, position_);
-    bytes.assign(buffer_, static_cast<std::size_t>(position_ - bufferStart_), count);
+    bytes = ahead().substr(0, count);
     return true;
 }
 
@@ -320,14 +319,14 @@ std::size_t ByteStream::overwrite(const char* bytes, std::size_t count) {
     }
     const std::size_t done = writeAt(file_, bytes, count, position_);
     if (done < count) {
-        buffer_.clear();
+        filled_ = 0;
         putBack(file_, replaced_, done, position_, state.st_size);
         return 0;
     }
     if (buffered() >= count)
         std::memcpy(buffer_.data() + (position_ - bufferStart_), bytes, count);
     else
-        buffer_.clear();
+        filled_ = 0;
     position_ += static_cast<std::int64_t>(count);
     return count;
 }
@@ -347,7 +346,7 @@ bool ByteStream::skip(std::int64_t count) {
         return false;
     if (injectedFault(DiskOperation::read))
         return failRead();
-    const std::int64_t bufferEnd = bufferStart_ + static_cast<std::int64_t>(buffer_.size());
+    const std::int64_t bufferEnd = bufferStart_ + static_cast<std::int64_t>(filled_);
     if (count <= bufferEnd - position_) { // the file is known to go as far as the buffer
         position_ += count;
         return true;
@@ -361,13 +360,6 @@ bool ByteStream::skip(std::int64_t count) {
     position_ += std::min(count, left);
     atEnd_ = atEnd_ || count > left;
     return count <= left;
-}
-
-bool ByteStream::skipBuffered(std::size_t count) {
-    if (!isReadable(mode_) || count > buffered())
-        return false;
-    position_ += static_cast<std::int64_t>(count);
-    return true;
 }
 
 int failedWrites() {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "platform/system/filestate.h"
 
@@ -51,9 +52,14 @@ public:
     // Passes over bytes as a read would, in a time that does not depend on their number. False if the end
     // came first.
     bool skip(std::int64_t count);
-    // Passes over bytes that an earlier read has brought into memory. False, and nothing is done, where not
-    // all are.
-    bool skipBuffered(std::size_t count);
+    // The bytes from the position on that an earlier read has brought into memory, until the next operation;
+    // and passes over that many of them, which can't fail.
+    std::string_view ahead() const {
+        const auto offset = static_cast<std::uint64_t>(position_ - bufferStart_);
+        return offset < filled_ ? std::string_view(buffer_.data() + offset, filled_ - offset)
+                                : std::string_view();
+    }
+    void pass(std::size_t count) { position_ += static_cast<std::int64_t>(count); }
     std::int64_t tell() const { return position_; }
     // True once a read or skip has asked for more than there was, until the next seek.
     bool atEnd() const { return atEnd_; }
@@ -67,7 +73,7 @@ private:
     bool putOnDisk() const;
     bool fill();
     bool failRead();
-    std::size_t buffered() const;
+    std::size_t buffered() const { return ahead().size(); }
     std::size_t holdBack(const char* bytes, std::size_t count);
     std::size_t overwrite(const char* bytes, std::size_t count);
     bool makesNew() const { return mode_ == OpenMode::write || mode_ == OpenMode::create; }
@@ -79,7 +85,9 @@ private:
     bool atEnd_ = false;
     std::uint32_t readFailure_ = 0;
     bool incomplete_ = false;      // a new file: a write was not accepted, so the content must not appear
-    std::string buffer_;           // read modes: a piece of the file; a new file: the whole content
+    std::string buffer_;           // read modes: a piece of the file first; a new file: the whole content
+    std::size_t filled_ = 0;       // of that piece
+    std::int64_t end_ = -1;        // of a file that is only read, where it was asked for
     std::string replaced_;         // what stood where the last write in place went
     std::int64_t bufferStart_ = 0; // where in the file the buffer's first byte stands
     std::string newPath_;          // the name that a file made by this stream is to have; else empty
