@@ -90,6 +90,7 @@ void measureRepairs(const char* path, int records) {
     orphans.addexptype(1, "type");
     addFiles(orphans, records / 2, true); // each hundred makes a file, of at most 3000
     forEachFile(orphans, [](TSXdatafile& file) { file.keytypes.assign(file.keytypes.size(), 1); });
+    orphans.keyschanged();
     orphans.analyse();
     measure("add", [&] { orphans.adddatabaseentries(); });
 }

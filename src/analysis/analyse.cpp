@@ -14,21 +14,30 @@ void TSXdatabase::load(const char* directorytext) {
 }
 
 void TSXdatabase::analyse() {
-    for (const auto& type : types)
-        type->filecount = type->entrycount = 0;
     clearproblems();
     lookatdisk();
     for (int i = 0; i <= lastlist; ++i)
         lists[static_cast<std::size_t>(i)]->reportinvalid(i);
     for (int i = 0; i <= lastlist; ++i)
         lists[static_cast<std::size_t>(i)]->reportempty(i);
+    if (!keysjudged)
+        judgekeys();
+    for (const auto& [kind, type] : keyproblems)
+        addproblem(std::make_unique<TSXproblem>(*this, kind, type));
+}
+
+void TSXdatabase::judgekeys() {
+    keyproblems.clear();
     indexfiles();
     findduplicates();
     findorphans();
     showmarked();
+    keysjudged = true;
 }
 
 void TSXdatabase::indexfiles() {
+    for (const auto& type : types)
+        type->filecount = type->entrycount = 0;
     for (const auto& list : lists)
         for (std::size_t i = 1; i < list->files.size(); ++i)
             if (list->files[i]->valid != 0)
@@ -64,9 +73,9 @@ void TSXdatabase::findduplicates() {
     }
     for (std::int32_t type = 0; type <= lasttype; ++type) {
         if (named[static_cast<std::size_t>(type)])
-            addproblem(std::make_unique<TSXproblem>(*this, duplicatekeys, type));
+            keyproblems.emplace_back(duplicatekeys, type);
         if (type == 0 && blank)
-            addproblem(std::make_unique<TSXproblem>(*this, blankkeys, 0));
+            keyproblems.emplace_back(blankkeys, 0);
     }
 }
 
@@ -79,18 +88,21 @@ void TSXdatabase::findorphans() {
         found = true;
     }
     if (found)
-        addproblem(std::make_unique<TSXproblem>(*this, orphankeys, 0));
+        keyproblems.emplace_back(orphankeys, 0);
 }
 
 void TSXdatabase::showmarked() {
+    const auto marked = [](const TSXkeyentry* entry) { return entry != nullptr && entry->shown == 1; };
     visiblekeys.resize(1);
+    visiblekeys.reserve(1 + static_cast<std::size_t>(std::ranges::count_if(keyarray, marked)));
     for (std::int32_t i = 1; i <= keytotal; ++i)
-        if (keyarray[static_cast<std::size_t>(i)]->shown == 1)
+        if (marked(keyarray[static_cast<std::size_t>(i)]))
             visiblekeys.push_back(i);
     visiblecount = static_cast<std::int32_t>(visiblekeys.size()) - 1;
 }
 
 void TSXdatabase::showallkeys() {
+    keyschanged();
     visiblekeys.resize(1);
     for (std::int32_t i = 1; i <= keytotal; ++i)
         visiblekeys.push_back(i);

@@ -45,25 +45,31 @@ private:
     // Where the last search has ended. One for the same key begins there: of fewer digits all were tried.
     struct Reached {
         std::string key;
-        int digits = 1;
-        int first = 2; // of that many digits
+        int digits = 0;
+        int end = 2; // behind the numbers of that many digits
+        std::string stem;
+        int* number = nullptr; // in numbers
     };
+
+    // The numbers with one digit more.
+    void widen() {
+        const int first = reached.end;
+        reached.end = ++reached.digits == 1 ? 10 : first * 10;
+        reached.stem = reached.key.substr(0, maxcandidatelength - suffixmark.size() -
+                                                 static_cast<std::size_t>(reached.digits));
+        reached.stem += suffixmark;
+        reached.number = &numbers.try_emplace({reached.digits, reached.stem}, first).first->second;
+    }
 
     template <class Test> std::string firstfree(std::string_view key, Test isfree) {
         if (key != reached.key)
-            reached = {std::string(key)};
-        for (;; ++reached.digits) {
-            const int end = reached.digits == 1 ? 10 : reached.first * 10;
-            std::string stem(key.substr(0, maxcandidatelength - suffixmark.size() -
-                                               static_cast<std::size_t>(reached.digits)));
-            stem += suffixmark;
-            int& number = numbers.try_emplace({reached.digits, stem}, reached.first).first->second;
-            while (number < end) {
-                std::string candidate = stem + std::to_string(number++); // taken, or taken by this record
-                if (isfree(candidate))
-                    return candidate;
-            }
-            reached.first = end;
+            reached = {std::string(key), 0, 2, {}, nullptr};
+        for (;;) {
+            while (reached.number == nullptr || *reached.number >= reached.end)
+                widen();
+            std::string candidate = reached.stem + std::to_string((*reached.number)++);
+            if (isfree(candidate)) // else it is taken; now it is by this record
+                return candidate;
         }
     }
 

@@ -61,6 +61,7 @@ TSXkeyentry* TSXdatabase::getvisiblekey(int index) const {
 TSXkeyentry& TSXdatabase::findoraddkey(std::string_view key) {
     TSXkeyentry& entry = keytree.findoradd(key);
     if (keytree.added == 1) {
+        keyschanged();
         keyarray.push_back(&entry);
         visiblekeys.push_back(++keytotal);
         ++visiblecount;

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "model/change.h"
@@ -82,7 +83,11 @@ public:
     void checkdirectory(const char* fullpath); // adds a problem if it can't be entered
     // Rebuilds the index, the counts, the visible keys and the problem list from memory; looks at the disk
     // only for side files and directories. Pointers to problems and keys from before are invalid behind it.
+    // What hangs on the keys alone is kept where none has changed since the last one.
     void analyse();
+    void keyschanged() {
+        keysjudged = false;
+    }                   // a key table or the list of valid files is another than before
     void showallkeys(); // makes every key visible until the next pass
 
     // Repairs. They leave the data files right; an analysis has to follow. Deleting and making happen at once
@@ -136,6 +141,8 @@ public:
     std::function<void(const TSXdatafile&)> fileread;
 
 private:
+    bool keysjudged = false;                      // the index, and what follows, are of these key tables
+    std::vector<std::pair<int, int>> keyproblems; // kinds and types that were found in them
     bool looking = false; // at what each analysis looks at anew, so that what is unread of it doesn't last
 
     std::unordered_map<TypeName, int, TypeName::Hash> typenumbers;
@@ -146,6 +153,7 @@ private:
     void scanallsidefiles();
     void scanlibraries();
     void checkdirectories();
+    void judgekeys();
     void indexfiles();
     void countfile(const TSXdatafile& file);
     void findduplicates();

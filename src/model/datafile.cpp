@@ -21,6 +21,7 @@ void TSXdatafile::setkey(int i, const char* text) {
     if (i < 1 || i > keycount || isunread(i))
         return;
     const auto record = static_cast<std::size_t>(i);
+    database.keyschanged();
     keysondisk.resize(keys.size());
     if (keydirty[record] != 1)
         keysondisk[record] = keys[record];
@@ -134,6 +135,7 @@ Reading TSXdatafile::readkeyfield(TSXbinfile& file, std::string_view& text) {
 
 void TSXdatafile::maketable(std::int32_t count) {
     const auto size = static_cast<std::size_t>(count) + 1;
+    database.keyschanged();
     keycount = count;
     keys.assign(size, {});
     keytypes.assign(size, 0);

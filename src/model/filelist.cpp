@@ -72,12 +72,15 @@ bool TSXfilelist::issecondname(const TSXfinder& match, const char* fullpath) {
 TSXfilelist::~TSXfilelist() = default;
 
 void TSXfilelist::addfile(std::unique_ptr<TSXdatafile> file) {
+    database.keyschanged();
     names.insert(smallLetters(file->name.view()));
     files.push_back(std::move(file));
     ++count;
 }
 
 void TSXfilelist::removeat(int position) {
+    if (files[static_cast<std::size_t>(position)]->valid == 1)
+        database.keyschanged();
     names.erase(smallLetters(files[static_cast<std::size_t>(position)]->name.view()));
     lowestnumber = 1;
     const std::int32_t fileclass = files[static_cast<std::size_t>(position)]->classid;

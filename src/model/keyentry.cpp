@@ -3,10 +3,12 @@
 #include <algorithm>
 
 #include "model/database.h"
+#include "model/datafile.h"
 
-TSXkeyentry::TSXkeyentry(TSXdatabase& owner, std::string_view text, std::span<Occurrence> firstrecords)
-    : database(owner), key(text), lasttype(static_cast<std::int16_t>(owner.lasttype)),
-      first(firstrecords.data()), count(static_cast<std::uint32_t>(firstrecords.size())), room(count) {}
+TSXkeyentry::TSXkeyentry(const TSXdatabase& database, std::string_view text,
+                         std::span<Occurrence> firstrecords)
+    : key(text), lasttype(static_cast<std::int16_t>(database.lasttype)), first(firstrecords.data()),
+      count(static_cast<std::uint32_t>(firstrecords.size())), room(count) {}
 
 std::span<const Occurrence> TSXkeyentry::list(int t) const {
     const std::span<const Occurrence> all = records();
@@ -20,7 +22,7 @@ void TSXkeyentry::addoccurrence(int t, TSXdatafile& file, int record) {
     const auto place = list(t).end() - records().begin();
     if (count == room) {
         room = std::max(2 * room, std::uint32_t{1});
-        Occurrence* const larger = database.keytree.makerecords(room);
+        Occurrence* const larger = file.database.keytree.makerecords(room);
         std::copy_n(first, count, larger);
         first = larger;
     }

@@ -5,8 +5,6 @@
 #include <span>
 #include <string_view>
 
-#include "platform/system/cobject.h"
-
 class TSXdatabase;
 class TSXdatafile;
 
@@ -17,11 +15,13 @@ struct Occurrence {
     std::int32_t type = 0; // experiment type of the record
 };
 
-class TSXkeyentry : public CObject {
+class TSXkeyentry {
 public:
     // The text has to stay as long as the entry, with a terminator behind it, and so do the records that it
     // may start with, which ascend by type. The key index, which makes the entries, sees to both.
-    TSXkeyentry(TSXdatabase& owner, std::string_view text, std::span<Occurrence> firstrecords = {});
+    TSXkeyentry(const TSXdatabase& database, std::string_view text, std::span<Occurrence> firstrecords = {});
+    TSXkeyentry(const TSXkeyentry&) = delete;
+    TSXkeyentry& operator=(const TSXkeyentry&) = delete;
 
     // Adds a record to the end of the list of type t. A type beyond those known when the entry was made is
     // ignored.
@@ -40,7 +40,6 @@ public:
     // Whether experiments use the key and no database entry has it. The empty key ties nothing.
     bool isorphan() const { return !key.empty() && count > 0 && first->type != 0; }
 
-    TSXdatabase& database;
     TSXkeyentry* left = nullptr;
     TSXkeyentry* right = nullptr;
     std::string_view key;     // as it was spelled at the first insertion

@@ -228,9 +228,10 @@ std::string encodedforid(std::string_view bytes) {
 }
 
 TSXproblem::TSXproblem(TSXdatabase& owner, int problemkind, int problemsubkind, const char* subject)
-    : kind(problemkind), subkind(problemsubkind), name(subject), message("Unknown error"), database(owner) {
-    if (const std::string text = facts().message(*this); !text.empty())
-        message = text.c_str();
+    : kind(problemkind), subkind(problemsubkind), database(owner) {
+    name = Text<2000>(subject);
+    const std::string text = facts().message(*this);
+    message = text.empty() ? "Unknown error" : Text<2400>(text.c_str()).c_str();
 }
 
 int TSXproblem::solutioncount() const {

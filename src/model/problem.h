@@ -81,6 +81,18 @@ int findkind(std::string_view numberorword);
 // With what an id can't hold, or would not come back from a terminal, as % and two hex digits for each byte.
 std::string encodedforid(std::string_view bytes);
 
+// A text that takes no more room than it fills: there may be as many problems as files.
+class OwnText {
+public:
+    void operator=(const char* text) { text_ = text; }
+    operator const char*() const { return text_.c_str(); }
+    const char* c_str() const { return text_.c_str(); }
+    std::string_view view() const { return text_; }
+
+private:
+    std::string text_;
+};
+
 class TSXproblem : public CObject {
 public:
     TSXproblem(TSXdatabase& owner, int problemkind, int problemsubkind, const char* subject = "");
@@ -103,8 +115,8 @@ public:
 
     std::int32_t kind;
     std::int32_t subkind;
-    Text<2000> name;
-    Text<2400> message; // made by the constructor
+    OwnText name;    // at most 1999 bytes
+    OwnText message; // made by the constructor; at most 2399
     TSXdatabase& database;
     std::int32_t fileindex = 0; // position in its file list; set for kind 6 only
     FileState looked;           // of a side file when it was looked at

@@ -247,7 +247,8 @@ FileState ByteStream::state() {
     }
     struct stat state = {};
     if (isOpen() && fstat(file_, &state) == 0) {
-        if (mode_ == OpenMode::read && state.st_size > 0) // a file that the system makes as it is read has none
+        if (mode_ == OpenMode::read &&
+            state.st_size > 0) // a file that the system makes as it is read has none
             end_ = state.st_size;
         return stateFrom(state);
     }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 // The byte with an ASCII capital turned into its small letter.
@@ -12,9 +13,13 @@ constexpr unsigned char smallLetter(char byte) {
 }
 
 // Below 0, 0 or above 0 as a stands before, with or behind b. A text that begins another is the smaller.
-constexpr int compareIgnoringCase(std::string_view a, std::string_view b) {
+inline int compareIgnoringCase(std::string_view a, std::string_view b) {
+    constexpr std::size_t step = 8;
     const std::size_t common = a.size() < b.size() ? a.size() : b.size();
-    for (std::size_t i = 0; i < common; ++i) {
+    std::size_t i = 0;
+    while (i + step <= common && std::memcmp(a.data() + i, b.data() + i, step) == 0)
+        i += step;
+    for (; i < common; ++i) {
         const int difference = smallLetter(a[i]) - smallLetter(b[i]);
         if (difference != 0)
             return difference;
@@ -22,6 +27,6 @@ constexpr int compareIgnoringCase(std::string_view a, std::string_view b) {
     return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
 }
 
-constexpr bool equalIgnoringCase(std::string_view a, std::string_view b) {
+inline bool equalIgnoringCase(std::string_view a, std::string_view b) {
     return a.size() == b.size() && compareIgnoringCase(a, b) == 0;
 }
