@@ -87,6 +87,7 @@ void TSXentryframe::limitSelection() {
 
 void TSXentryframe::refreshEntry() {
     limitSelection();
+    gridPane->setGridRange();
     InvalidateRect(true);
     gridPane->InvalidateRect(true);
     gridPane->UpdateWindow();

@@ -1,5 +1,7 @@
 #include "views/entrygridpane.h"
 
+#include <algorithm>
+
 #include "model/database.h"
 #include "model/datafile.h"
 #include "model/exptype.h"
@@ -16,8 +18,11 @@ constexpr int cellWidth = 100;
 }
 
 void TSXentrygridpane::setGridRange() {
-    hRange = 100;
-    vRange = 100;
+    int most = 0; // records in a row
+    for (int t = 0; t <= owner.database.lasttype; ++t)
+        most = std::max(most, owner.key.occurrences(t));
+    hRange = std::max(100, cellWidth * most / hStep);
+    vRange = std::max(100, rowHeight * rowCount() / vStep);
     updateScrollBars();
 }
 
@@ -41,10 +46,11 @@ void TSXentrygridpane::paintPane(CDC& dc) {
 
 void TSXentrygridpane::paintRow(CDC& dc, int type, int top, int width) {
     const COLORREF colour = rowColour(type == owner.selectedType);
-    RECT cell = {-hStep * hPos, top, -hStep * hPos, top + rowHeight};
-    dc.SetBkColor(colour);
     const int count = owner.key.occurrences(type);
-    for (int n = 1; n <= count; ++n) {
+    const int before = std::min(hStep * hPos / cellWidth, count); // cells to the left of the pane
+    RECT cell = {0, top, cellWidth * before - hStep * hPos, top + rowHeight};
+    dc.SetBkColor(colour);
+    for (int n = before + 1; n <= count && cell.right < width; ++n) {
         cell.left = cell.right;
         cell.right += cellWidth;
         paintOccurrence(dc, type, n, cell);

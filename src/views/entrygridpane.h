@@ -10,7 +10,7 @@ class TSXentrygridpane : public TSXrowpane {
 public:
     explicit TSXentrygridpane(TSXentryframe& frame) : owner(frame) {}
 
-    void setGridRange(); // 100 steps each way, whatever the key holds
+    void setGridRange(); // 100 steps each way, or as many as the key needs
 
     void paneCreated() override;
     void paintPane(CDC& dc) override;

@@ -95,7 +95,10 @@ void TSXproblempane::openMenu(int row) {
     const POINT below = ClientToScreen({left, top + rowHeight - 1});
     CClientDC popupDC(this);
     paintSolveButton(popupDC, left, top, true);
-    menu.TrackPopupMenu(below.x, below.y, owner);
+    menu.TrackPopupMenu(below.x, below.y, owner, [&frame = owner, row](std::uint32_t command) {
+        frame.selectedProblem = row; // whatever keys have selected since
+        frame.frameCommand(command);
+    });
     // The window may have gone while the menu was open: nothing of the pane is touched from here on.
     paintSolveButton(popupDC, left, top, false);
 }

@@ -7,6 +7,7 @@ import os
 import pathlib
 import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -345,7 +346,36 @@ def starting(display, work):
     expect(place.check()["problems"] == [], "a refusal kept the lock")
 
 
-SCENARIOS = (starting, solving, keys)
+def strays(display, work):
+    """Keys that nobody meant for what they meet solve nothing, also such as delete; those that are meant do."""
+    place = Place(display, work, "--damage", "corrupt-files,side-files")
+    before = contents(place.database)
+    place.choose()
+    display.start("txstart")
+    display.xdotool("windowactivate", "--sync", display.window(START_TITLE))
+    display.xdotool("keydown", "Return")  # on "Inspect", and held
+    tool = Tool(display, place.name)
+    time.sleep(1.5)
+    display.xdotool("keyup", "Return")
+    expect(len(display.shown()) == 1, "a key that is held has opened a menu")
+    display.xdotool("keydown", "Return", "sleep", 1.5, "keyup", "Return", "key", "Escape")
+    wait("the menu to go", lambda: len(display.shown()) == 1)
+    process = int(display.call("getwindowpid", tool.main).stdout)
+    os.kill(process, signal.SIGSTOP)
+    display.key("Return", "Down", "Return", "End")
+    os.kill(process, signal.SIGCONT)
+    wait("the menu", lambda: len(display.shown()) > 1)
+    display.key("Return", "Escape")  # nothing is marked
+    time.sleep(0.5)
+    expect(contents(place.database) == before, "a key that was held or typed ahead has solved something")
+    display.key("Return")
+    wait("the menu", lambda: len(display.shown()) > 1)
+    display.xdotool("key", "--delay", 2, "Down", "Return", "End")
+    wait("the first file to go", lambda: contents(place.database).keys() == before.keys() - {"fprint/BADHEAD.CNF"})
+    tool.leave()
+
+
+SCENARIOS = (starting, solving, keys, strays)
 
 
 def main():

@@ -44,6 +44,23 @@ TEST_F(DesktopTest, AClickInTheGridSelectsTheRowAndACellOfIt) {
     }
 }
 
+TEST_F(DesktopTest, WhatKeysSelectInTheGridIsInView) {
+    for (int i = 100; i < 200; ++i)
+        put(2, "U" + std::to_string(i),
+            dataFile(2, "U" + std::to_string(i), Texts(i == 199 ? 30 : 1, "Alpha")));
+    TearDown();
+    SetUp();
+    TSXentryframe& window = openEntry("Alpha");
+    QTest::keyClick(clientWidget(*window.gridPane), Qt::Key_End);
+    for (int i = 1; i < 30; ++i)
+        QTest::keyClick(clientWidget(*window.gridPane), Qt::Key_Right);
+    const int x = 2900 - 16 * window.gridPane->hPos, y = 20 * 102 - 16 * window.gridPane->vPos;
+    window.gridPane->UpdateWindow();
+    EXPECT_EQ(std::pair(window.selectedType, window.selectedOccurrence), std::pair(102, 30));
+    EXPECT_EQ(surfacePixel(*window.gridPane, x, y + 10), black) << "the outline";
+    EXPECT_EQ(surfacePixel(*window.gridPane, x + 99, y + 19), black);
+}
+
 TEST_F(DesktopTest, TheNamesFollowTheGridUpAndDown) {
     TSXentryframe& window = openEntry("Alpha");
     TSXentrygridpane& grid = *window.gridPane;

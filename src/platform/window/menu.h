@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,9 +21,10 @@ public:
 
     // Adds an entry at the end.
     void AppendMenuA(std::uint32_t id, const char* text);
-    // Opens the menu with its top-left corner at a point of the screen and returns when it has closed. A
-    // choice arrives afterwards, from the message loop, as onCommand of the window.
-    void TrackPopupMenu(int x, int y, CWnd& commandWindow) const;
+    // Opens the menu, with nothing marked, with its top-left corner at a point of the screen and returns when
+    // it has closed. A choice is told afterwards, from the message loop, if the window is there by then.
+    void TrackPopupMenu(int x, int y, CWnd& window,
+                        const std::function<void(std::uint32_t id)>& chosen) const;
 
     const std::vector<Item>& items() const { return items_; }
 

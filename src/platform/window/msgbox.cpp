@@ -7,6 +7,7 @@
 #include "platform/window/internal/conversion.h"
 #include "platform/window/internal/host.h"
 #include "platform/window/internal/modal.h"
+#include "platform/window/internal/strayinput.h"
 #include "platform/window/testaccess.h"
 
 Answers answers;
@@ -57,6 +58,7 @@ int answerOf(int button) {
 int MessageBoxA(CWnd* owner, const char* text, const char* title, std::uint32_t flags) {
     if (answers.messageBox)
         return answers.messageBox(text, title, flags);
+    discardInput();
     const ModalScope modal;
     const bool waiting = QApplication::overrideCursor() != nullptr;
     SetCursor(IDC_ARROW); // a question waits for the person, not the person for it

@@ -4,6 +4,7 @@
 
 #include "platform/window/framewnd.h"
 #include "platform/window/internal/application.h"
+#include "platform/window/internal/strayinput.h"
 
 namespace {
 
@@ -32,6 +33,7 @@ void endApplicationWith(const CWnd& window) {
 
 int AfxWinMain(int argc, char** argv, CWinApp& (*application)()) {
     QApplication windowSystem(argc, argv);
+    const HeldKeyFilter filter;
     QApplication::setQuitOnLastWindowClosed(false); // a message box may be the last window for a while
     CWinApp& app = application();
     if (app.InitInstance() == 0 || app.m_pMainWnd == nullptr)

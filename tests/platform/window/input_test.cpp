@@ -184,20 +184,21 @@ TEST_F(Input, MenusSendTheirCommandsFromTheMessageLoopWhenTheyHaveClosed) {
     CMenu menu;
     menu.AppendMenuA(7003, "first");
     menu.AppendMenuA(7004, "second");
+    const auto chosen = [this](std::uint32_t id) { frame->onCommand(id); };
     whenOpen([](QWidget& open) { QTest::keyClick(&open, Qt::Key_Escape); });
-    menu.TrackPopupMenu(50, 50, *frame);
+    menu.TrackPopupMenu(50, 50, *frame, chosen);
     whenOpen([&](QWidget& open) {
         outerWidget(*frame)->close(); // closes the menu first: an operation still waits for it
         EXPECT_FALSE(open.isVisible());
     });
-    menu.TrackPopupMenu(50, 50, *frame);
+    menu.TrackPopupMenu(50, 50, *frame, chosen);
     QApplication::processEvents();
     EXPECT_EQ(taken(), Events());
     whenOpen([](QWidget& open) {
         QTest::keyClick(&open, Qt::Key_Down);
         QTest::keyClick(&open, Qt::Key_Return);
     });
-    menu.TrackPopupMenu(50, 50, *frame);
+    menu.TrackPopupMenu(50, 50, *frame, chosen);
     EXPECT_EQ(taken(), Events());
     QApplication::processEvents();
     EXPECT_EQ(taken(), Events({"command 7003"}));

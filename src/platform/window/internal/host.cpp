@@ -12,6 +12,7 @@
 
 #include "platform/window/internal/conversion.h"
 #include "platform/window/internal/modal.h"
+#include "platform/window/internal/strayinput.h"
 #include "platform/window/resources.h"
 
 namespace {
@@ -31,10 +32,10 @@ private:
     WindowHost& host_;
 };
 
-class CommandEvent : public QEvent {
+class WorkEvent : public QEvent {
 public:
-    explicit CommandEvent(std::uint32_t commandId) : QEvent(QEvent::User), id(commandId) {}
-    const std::uint32_t id;
+    explicit WorkEvent(std::function<void()> what) : QEvent(QEvent::User), work(std::move(what)) {}
+    const std::function<void()> work;
 };
 
 int scrollCode(int action) {
@@ -163,14 +164,24 @@ void WindowHost::setDialog(QDialog* dialog) {
         menu_->setEnabled(dialog == nullptr);
 }
 
-void WindowHost::postCommand(std::uint32_t id) {
-    QCoreApplication::postEvent(this, new CommandEvent(id)); // owned by the queue
+void WindowHost::post(std::function<void()> work) {
+    QCoreApplication::postEvent(this, new WorkEvent(std::move(work))); // owned by the queue
 }
 
+void WindowHost::postCommand(std::uint32_t id) {
+    post([this, id] { wnd_->onCommand(id); });
+}
+
+// The menu has gone from the screen before the work begins, and nothing that was typed while it went on meets
+// what it leaves.
 void WindowHost::customEvent(QEvent* event) {
-    const auto* const command = dynamic_cast<CommandEvent*>(event);
-    if (command != nullptr && wnd_ != nullptr)
-        wnd_->onCommand(command->id);
+    const auto* const posted = dynamic_cast<WorkEvent*>(event);
+    if (posted == nullptr)
+        return;
+    discardInput();
+    if (wnd_ != nullptr)
+        posted->work();
+    discardInput();
 }
 
 const std::shared_ptr<Canvas>& WindowHost::surface() {

@@ -10,6 +10,7 @@
 #include <QScrollBar>
 #include <QWidget>
 #include <array>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -37,7 +38,7 @@ public:
     QSize clientSize() const { return client_->size(); }
 
     void setMenu(const MenuResource& menu);
-    void postCommand(std::uint32_t id); // reaches the window from the message loop, if it is there by then
+    void post(std::function<void()> work); // from the message loop, if the window is there by then
     // While a dialog is there, the window takes no input; the dialog is rejected when the window goes.
     void setDialog(QDialog* dialog);
 
@@ -82,6 +83,7 @@ private:
     };
 
     QRect clientRectangle() const;
+    void postCommand(std::uint32_t id);
     void barMoved(ScrollBarKind kind, int action);
     void sendLines(ScrollBarKind kind, int delta);
 
