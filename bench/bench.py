@@ -3,6 +3,7 @@ ratio, its spread (the width of the middle half of the pairs), the goal, and whe
 Where the spread is larger than the distance to the goal the machine is too noisy, and nothing is judged."""
 import os
 import pathlib
+import re
 import statistics
 import subprocess
 import sys
@@ -80,11 +81,40 @@ def measure_tree(work, label, tree, records, pairs=PAIRS):
         cats.append(shell(CAT.format(tree=tree)))
         sorts.append(shell(SORT.format(keys=keys)))
         tables.append(sqlite(SQL_TABLE.format(keys=keys) + SQL_COUNT))
-    row(f"load, {label}", "cat", [run["load"] / cat for run, cat in zip(runs, cats)], 3)
-    row(f"analysis, {label}", "sort -f | uniq -Di", [run["analysis"] / other for run, other in zip(runs, sorts)], 0.8)
+    row(f"load, {label}", "cat", [run["load"] / cat for run, cat in zip(runs, cats)], 1.3 if records < 10**6 else 1.5)
+    row(f"analysis, {label}", "sort -f | uniq -Di", [run["analysis"] / other for run, other in zip(runs, sorts)], 0.5)
     row(f"analysis, {label}", "sqlite3", [run["analysis"] / other for run, other in zip(runs, tables)], 0.2)
     row(f"second analysis, {label}", "the first", [run["again"] / run["analysis"] for run in runs], 1)
+    row(f"analysis where no key has changed, {label}", "the first", [run["looks"] / run["analysis"] for run in runs], 0.05)
     return [(run["load"] + run["analysis"]) / records for run in runs]
+
+
+def instructions(function, *arguments):
+    """What a function of bench_steps and all that it calls take."""
+    done = subprocess.run(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", f"--toggle-collect={function}",
+                           PROGRAMS / "bench/bench_steps", *map(str, arguments)], check=True, capture_output=True, text=True)
+    return int(re.search(r"Collected : (\d+)", done.stderr)[1])
+
+
+def measure_instructions(work):
+    """Of which a busy machine makes no more."""
+    found = instructions("TSXdatabase::readlists(char const*)", "load", work / "shuffled55", work / "keys")
+    row("load, 55,000 shuffled, instructions", "40 million", [found / 40e6], 1)
+    one, many = [instructions("TSXdatabase::readlists(char const*)", "load", sample(work / f"types{types}", "--files", 40,
+                              "--entries", 1000, "--experiments", 40, "--records", 1000, "--types", types), work / "keys")
+                 for types in (1, 40)]
+    row("load, 200,000 records with 200 types, instructions", "with 5 types", [many / one], 1.2)
+
+
+def cold(command):
+    subprocess.run("sync; echo 3 >/proc/sys/vm/drop_caches", shell=True, check=True)
+    return shell(command)
+
+
+def measure_cold(tree):
+    check, cat = f"{PROGRAMS}/txcheck --no-lock {tree}", CAT.format(tree=tree)
+    compare("txcheck as a whole, 550,000 records, cold", "cat, cold, and itself, warm", lambda: cold(check),
+            lambda: cold(cat) + shell(check), 1.3, 3)
 
 
 def log_of(work, tree):
@@ -202,7 +232,7 @@ def measure_full(work, style):
     costs = measure_tree(work, f"15,003,000 {style}", tree, 15003000, pairs=3)
     if style == "shuffled":
         compare("txcheck as a whole, 15,003,000 records", "cat", lambda: shell(f"{PROGRAMS}/txcheck --no-lock {tree}"),
-                lambda: shell(CAT.format(tree=tree)), 10, 3)
+                lambda: shell(CAT.format(tree=tree)), 4, 3)
     fresh(tree)
     return costs
 
@@ -210,7 +240,7 @@ def measure_full(work, style):
 def measure_memory(work):
     """18,000,000 distinct keys; no files could hold them, since a file of one of the classes holds one record."""
     found = {types: [steps("memory", work / "empty", types)["memory"] for _ in range(3)] for types in (5, 200)}
-    row("memory of 18,000,000 keys, 5 types, GiB", "", found[5], 3)
+    row("memory of 18,000,000 keys, 5 types, GiB", "", found[5], 2.4)
     row("memory of 18,000,000 keys, 200 types", "5 types", [b / a for a, b in zip(found[5], found[200])], 1.05)
 
 
@@ -234,14 +264,18 @@ def main():
     with tempfile.TemporaryDirectory() as directory:
         work = pathlib.Path(directory)
         os.environ["XDG_STATE_HOME"] = str(work / "state")
-        for files in (5, 55, 550):
-            for style in STYLES if files > 5 else ("shuffled",):
+        for files in (55, 550):
+            for style in STYLES:
                 tree = sample(work / f"{style}{files}", "--files", files, "--entries", 1000, "--experiments", 0, "--keys", style)
                 cost = measure_tree(work, f"{files},000 {style}", tree, files * 1000)
                 if style == "shuffled":
                     costs[files * 1000] = cost
-                    # The start of a process is most of what the smallest takes, and not judged.
-                    measure_check(work, tree, work / "keys", f"{files},000 records", 1 if files > 5 else None)
+                    measure_check(work, tree, work / "keys", f"{files},000 records", 0.5 if files > 55 else 1)
+        compare("start of txcheck", "that of txsample", lambda: shell(f"for i in {{1..50}}; do {PROGRAMS}/txcheck --version; done"),
+                lambda: shell(f"for i in {{1..50}}; do {PROGRAMS}/txsample --version; done"), 1.15)
+        measure_instructions(work)
+        if os.access("/proc/sys/vm/drop_caches", os.W_OK):
+            measure_cold(work / "shuffled550")
         measure_log(work, work / "shuffled55")
         measure_repairs(work)
         measure_writing(work)

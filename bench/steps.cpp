@@ -53,6 +53,7 @@ void measureLoad(const char* path, const char* keyfile) {
     database.renameduplicates(0);
     database.keyschanged();
     measure("again", [&] { database.analyse(); });
+    measure("looks", [&] { database.analyse(); });
 }
 
 void measureLog(const char* linesfile, const char* directory) {
