@@ -43,7 +43,7 @@ class Display:
         read, write = os.pipe()
         self.errors = open(work / "stderr", "a")
         # What libraries keep at an early exit. The window plugin is not among them: it lies under every event.
-        (work / "leaks").write_text("leak:libdbus\nleak:libfontconfig\n")
+        (work / "leaks").write_text("leak:libdbus\nleak:libfontconfig\nleak:QGenericUnixServices\n")
         self.server = subprocess.Popen(["Xvfb", "-noreset", "-displayfd", str(write), "-screen", "0", "1600x1000x24"],
                                        pass_fds=[write], stderr=subprocess.DEVNULL)
         os.close(write)
