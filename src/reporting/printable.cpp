@@ -14,8 +14,8 @@ struct Range {
     std::uint32_t first;
     std::uint32_t last;
 };
-// What a terminal shows as nothing, or by moving what stands beside it: controls, what Unicode has to be ignored in a
-// picture (joiners, marks of direction, fillers, letters of tags), and marks between lines.
+// What a terminal shows as nothing, or by moving what stands beside it: controls, what Unicode has to be
+// ignored in a picture (joiners, marks of direction, fillers, letters of tags), and marks between lines.
 constexpr Range unseen[] = {{0, 0x1F},          {0x7F, 0x9F},      {0xAD, 0xAD},     {0x34F, 0x34F},
                             {0x61C, 0x61C},     {0x115F, 0x1160},  {0x17B4, 0x17B5}, {0x180B, 0x180F},
                             {0x200B, 0x200F},   {0x2028, 0x202E},  {0x2060, 0x206F}, {0x3164, 0x3164},
