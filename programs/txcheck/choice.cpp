@@ -12,15 +12,54 @@ std::nullopt_t refuse(const std::string& text) {
     return std::nullopt;
 }
 
+// "There is no database 'Nope' in …; there are Moved, Sound"
+std::string noSuchDatabase(const DatabaseSettings& settings) {
+    std::string names;
+    for (const std::string& name : databaseNames(settings.homeDirectory.c_str()))
+        names += (names.empty() ? "; there are " : ", ") + name;
+    return std::string("There is no database '") + settings.currentDatabase.c_str() + "' in " +
+           settings.homeDirectory.c_str() + (names.empty() ? "; there is none at all" : names);
+}
+
+// Of the current database of these settings; empty where it can't be known, which has been told.
+std::string directoryIn(DatabaseSettings& settings) {
+    const bool read = readDatabaseFile(settings);
+    const std::uint32_t reason = GetLastError();
+    if (read && !settings.databaseDirectory.empty())
+        return settings.databaseDirectory.c_str();
+    if (read)
+        tell(databaseFilePath(settings) + ": the settings file names no directory below [DIR]");
+    else if (reason == ERROR_FILE_NOT_FOUND)
+        tell(noSuchDatabase(settings));
+    else
+        tell(databaseFilePath(settings) + ": " + noValidDatabaseText + ", the settings file can't be read (" +
+             errorText(reason) + ")");
+    return {};
+}
+
+std::optional<std::vector<Chosen>> everyDatabase(DatabaseSettings& settings) {
+    std::vector<Chosen> all;
+    for (const std::string& name : databaseNames(settings.homeDirectory.c_str())) {
+        settings.currentDatabase = name.c_str();
+        all.push_back({name, directoryIn(settings)});
+    }
+    if (all.empty())
+        tell(std::string(settings.homeDirectory.c_str()) + ": there is no database in this home directory");
+    return all.empty() ? std::nullopt : std::optional(all);
+}
+
 } // namespace
 
-std::optional<std::string> chooseDirectory(const Options& options) {
-    if (options.directory)
-        return options.directory;
+std::optional<std::vector<Chosen>> chooseDatabases(const Options& options) {
+    std::vector<Chosen> all;
+    for (const std::string& directory : options.directories)
+        all.push_back({directory, directory});
+    if (!all.empty())
+        return all;
     if (options.restore && !options.database && !options.home) {
         std::string why;
         const std::string recorded = recordedDirectory(*options.restore, why);
-        return why.empty() ? std::optional(recorded) : refuse(why);
+        return why.empty() ? std::optional(std::vector{Chosen{recorded, recorded}}) : refuse(why);
     }
     DatabaseSettings settings;
     readSettingsStore(settings);
@@ -28,13 +67,13 @@ std::optional<std::string> chooseDirectory(const Options& options) {
         (options.database && !settings.currentDatabase.take(*options.database)))
         return refuse(
             "The home directory or the name of the database is too long: each has at most 1999 bytes");
-    if (settings.homeDirectory.empty() || settings.currentDatabase.empty())
+    if (settings.homeDirectory.empty() || (settings.currentDatabase.empty() && !options.every))
         return refuse(std::string(notStartedText) +
                       ", or give the database directory, or --home and --database, on the command line");
-    if (!readDatabaseFile(settings))
-        return refuse(databaseFilePath(settings) + ": " + noValidDatabaseText +
-                      ", the settings file can't be read (" + errorText(GetLastError()) + ")");
-    if (settings.databaseDirectory.empty())
-        return refuse(databaseFilePath(settings) + ": the settings file names no directory below [DIR]");
-    return settings.databaseDirectory.c_str();
+    if (options.every)
+        return everyDatabase(settings);
+    const std::string directory = directoryIn(settings);
+    return directory.empty()
+               ? std::nullopt
+               : std::optional(std::vector{Chosen{settings.currentDatabase.c_str(), directory}});
 }

@@ -31,6 +31,31 @@ void forEachFile(const TSXproblem& problem, const std::function<void(const std::
             take(database.diskname(files[i]->path.view()));
 }
 
+bool isUnread(const TSXproblem& problem) {
+    if (problem.kind != corruptdatafile && problem.kind != corruptsidefile)
+        return false;
+    const TSXdatabase& database = problem.database;
+    return database.isunread(std::string(database.directory) + '/' + problem.facts().subject(problem));
+}
+
+const char* meaningOf(const TSXproblem& problem) {
+    return isUnread(problem)
+               ? "The file could not be read, so that nobody knows whether it is damaged. Make it "
+                 "readable, and check again."
+               : problem.facts().meaning;
+}
+
+const char* meaningOf(const Unread& thing) {
+    constexpr const char* meanings[] = {
+        "It was left out, and nothing of the database is missing by that.",
+        "Nothing is known of it, so that no repair touches it. All else is judged and can be repaired.",
+        "Without it no key can be judged, so that nothing is repaired that changes keys. Make it readable, "
+        "or "
+        "restore it from a copy, and check again.",
+    };
+    return meanings[thing.weight];
+}
+
 std::string idOf(const Unread& thing) {
     return std::string("unread:") + (thing.record == Unread::type ? "type/" : "") + encodedforid(thing.name) +
            (thing.record > 0 ? '#' + std::to_string(thing.record) : std::string());

@@ -17,6 +17,12 @@ void forEachKey(const TSXproblem& problem, const KeyVisit& take);
 // Names the files and directories that a problem is about, relative to the database's directory.
 void forEachFile(const TSXproblem& problem, const std::function<void(const std::string&)>& take);
 
+// Whether the file that it calls corrupted could not be read, so that nothing is known of it.
+bool isUnread(const TSXproblem& problem);
+// What a problem, or a thing that could not be read, means for the data.
+const char* meaningOf(const TSXproblem& problem);
+const char* meaningOf(const Unread& thing);
+
 // Of what could not be read, the same in every run over the same tree.
 std::string idOf(const Unread& thing);
 

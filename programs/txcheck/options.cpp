@@ -9,8 +9,8 @@
 
 #include "model/datafile.h"
 #include "model/problem.h"
-#include "page.h"
 #include "status.h"
+#include "terminal.h"
 #include "told.h"
 
 namespace {
@@ -26,6 +26,7 @@ struct Flag {
     const char* help;
 };
 constexpr Flag flags[] = {
+    {"--every", &Options::every, "All databases of the home directory"},
     {"-a,--all", &Options::all, "List every key, not only those with something wrong"},
     {"-p,--preen", &Options::preen, "Apply the solutions that delete and clear nothing, until none is left"},
     {"-y,--yes", &Options::yes, "Change the key even where NEW is in use"},
@@ -45,17 +46,17 @@ struct Value {
     const char* help;
 };
 constexpr Value values[] = {
-    {"DIRECTORY", &Options::directory, "",
-     "The database directory; without it, the current database of the per-user settings"},
     {"--database", &Options::database, "NAME", "The database of that name in the home directory"},
     {"--home", &Options::home, "DIR", "The home directory, in place of that of the settings"},
     {"-e,--entry", &Options::entry, "KEY", "List every record that uses KEY"},
     {"--explain", &Options::explain, "WHAT",
-     "Tell of the problem in that row, or with that id, which keys, files and records it is about, and what "
-     "each solution does"},
+     "Tell of the problem in that row, or of what has that id, which keys, files and records it is about, "
+     "and "
+     "what each solution does"},
     {"--known", &Options::known, "FILE",
-     "Take the problems whose ids stand in FILE as accepted: they are listed apart and don't count"},
-    {"--write-known", &Options::writeKnown, "FILE", "Write the ids of all problems to FILE, for --known"},
+     "Take what stands in FILE as accepted: it is listed apart and doesn't count; what goes beyond it does"},
+    {"--write-known", &Options::writeKnown, "FILE",
+     "Write all problems, and what could not be read, to FILE, for --known"},
     {"--report", &Options::report, "FILE", "Write the report as an HTML page to FILE too"},
     {"--undo", &Options::undo, "FILE", "Write the undo file there; default: into $XDG_STATE_HOME/txinspect"},
     {"--restore", &Options::restore, "FILE",
@@ -169,10 +170,27 @@ class NarrowHelp : public CLI::Formatter {
     }
 };
 
+// What speaks of one database, and so does not go with several.
+void refuseForSeveral(const Options& options) {
+    const std::pair<bool, const char*> ofOne[] = {{!options.solve.empty(), "--solve and --solve-all"},
+                                                  {options.changeKey.has_value(), changeKeyOption},
+                                                  {options.rename.has_value(), renameOption},
+                                                  {options.log.has_value(), "--log"},
+                                                  {options.undo.has_value(), "--undo"},
+                                                  {options.restore.has_value(), "--restore"},
+                                                  {options.explain.has_value(), "--explain"}};
+    for (const auto& [given, names] : ofOne)
+        if (given)
+            refuse(names, "goes with one database alone");
+}
+
 void describe(CLI::App& app, Options& options, Words& words) {
     app.formatter(std::make_shared<NarrowHelp>());
     app.set_version_flag("--version", "txcheck " TX_VERSION);
     app.set_help_flag("-h,--help", "Print this help and leave");
+    app.add_option("DIRECTORY", options.directories,
+                   "The database directories; without one, the current database of the per-user settings")
+        ->type_name("");
     for (const Value& value : values) {
         CLI::Option* option = app.add_option(value.names, options.*value.given, value.help);
         if (*value.form != '\0')
@@ -229,8 +247,10 @@ void interpret(const CLI::App& app, const Words& words, Options& options) {
     if (words.progress && words.noProgress)
         refuse("--progress", "does not go with --no-progress");
     options.progress = words.progress || (!words.noProgress && isatty(STDERR_FILENO) == 1);
-    if (options.directory && (options.database || options.home))
-        refuse("DIRECTORY", "does not go with --database and --home");
+    if (!options.directories.empty() && (options.database || options.home || options.every))
+        refuse("DIRECTORY", "does not go with --database, --every and --home");
+    if (options.database && options.every)
+        refuse("--database", "does not go with --every");
     readSolveSteps(app, words, options);
     if (options.entry)
         options.entry = readKey("--entry", *options.entry);
@@ -240,8 +260,12 @@ void interpret(const CLI::App& app, const Words& words, Options& options) {
         options.rename = readRename(words.rename);
     const bool changes =
         !options.solve.empty() || options.preen || options.changeKey || options.rename || options.save;
-    if (options.explain && options.json)
-        refuse("--explain", "does not go with --json");
+    if (options.explain == "")
+        refuse("--explain", "says nothing that is to be explained");
+    if (options.undoList && (changes || options.restore))
+        refuse("--undo-list", "goes with no repair, no --save and no --restore");
+    if (options.several())
+        refuseForSeveral(options);
     if (options.undo && options.noUndo)
         refuse("--undo", "does not go with --no-undo");
     if (options.restore && (changes || options.noLock || options.plan))

@@ -29,9 +29,12 @@ struct RenameStep {
 };
 
 struct Options {
-    std::optional<std::string> directory; // none: the current database of the settings
+    std::vector<std::string> directories; // none: the current database of the settings
     std::optional<std::string> home;      // in place of that of the settings
     std::optional<std::string> database;  // a database of the home directory, by name
+    bool every = false;                   // all of them
+    // Whether several databases are meant; how many is not known before.
+    bool several() const { return every || directories.size() > 1; }
     bool all = false;
     std::optional<std::string> entry;
     std::vector<SolveStep> solve; // in the order given

@@ -2,50 +2,68 @@
 
 #include <functional>
 #include <map>
+#include <set>
 
+#include "concern.h"
 #include "model/problem.h"
 #include "status.h"
+#include "terminal.h"
 
 namespace {
+
+// "25 problems left: 9 corrupted files, …"
+std::string summary(const Session& session, const char* state) {
+    constexpr int unread = corruptsidefile + 1;
+    std::map<int, int, std::greater<>> counts;
+    int total = 0;
+    for (int row = 1; row <= session.database.problemcount; ++row)
+        if (const TSXproblem& problem = *session.database.getproblem(row);
+            !session.known.has(session.database, row)) {
+            ++counts[isUnread(problem) ? unread : problem.kind];
+            ++total;
+        }
+    std::string text;
+    for (const auto& [kind, count] : counts) {
+        const KindOfProblem& facts = kindofproblem(kind);
+        text +=
+            (text.empty() ? ": " : ", ") + (kind == unread ? counted(count, "file", "files") + " not readable"
+                                                           : counted(count, facts.one, facts.many));
+    }
+    return counted(total, "problem", "problems") + state + text + ".";
+}
 
 Sentence problemsLeft(const Session& session, bool failed) {
     const bool planned = session.database.planning;
     const char* state = session.steps.solved.empty() ? "" : (planned ? " would be left" : " left");
     if (session.known.unknownIn(session.database) > 0)
-        return {summary(session, state), Sentence::bad};
+        return {summary(session, state), Mood::bad};
     if (failed)
         return {"No problem was found in what could be read."};
     if (session.steps.found)
-        return {planned ? "No problem would be left." : "No problem is left.", Sentence::good};
-    return {session.database.problemcount > 0 ? "Nothing is wrong but what is known." : "Nothing is wrong.",
-            Sentence::good};
+        return {planned ? "No problem would be left." : "No problem is left.", Mood::good};
+    const bool known = session.database.problemcount > 0 || session.database.unreadcount() > 0;
+    return {known ? "Nothing is wrong but what is known." : "Nothing is wrong.", Mood::good};
+}
+
+int filesNotReadable(const Session& session) {
+    std::set<std::string> names;
+    for (const Unread& thing : session.database.unread)
+        if (thing.weight != Unread::told && !session.known.has(thing))
+            names.insert(thing.name);
+    return static_cast<int>(names.size());
 }
 
 } // namespace
 
-std::string counted(int count, int kind) {
-    const KindOfProblem& facts = kindofproblem(kind);
-    return std::to_string(count) + ' ' + (count == 1 ? facts.one : facts.many);
-}
-
-std::string summary(const Session& session, const char* state) {
-    std::map<int, int, std::greater<>> counts;
-    for (int row = 1; row <= session.database.problemcount; ++row) {
-        const TSXproblem& problem = *session.database.getproblem(row);
-        if (!session.known.has(problem))
-            ++counts[problem.kind];
-    }
-    std::string text;
-    for (const auto& [kind, count] : counts)
-        text += (text.empty() ? ": " : ", ") + counted(count, kind);
-    return counted(session.known.unknownIn(session.database), 0) + state + text + ".";
-}
-
 std::vector<Sentence> outcome(const Session& session, const Options& options) {
-    const bool failed = (session.status() & statusFailed) != 0;
-    std::vector<Sentence> sentences = {problemsLeft(session, failed)};
-    if (failed)
-        sentences.push_back({"Not everything could be read or done: see the messages.", Sentence::bad});
+    const int status = session.status();
+    std::vector<Sentence> sentences = {problemsLeft(session, (status & statusFailed) != 0)};
+    if ((status & statusFailed) != 0)
+        sentences.push_back(
+            {"Not everything could be read or done: see the messages, and what could not be read.",
+             Mood::bad});
+    if ((status & statusEnded) != 0)
+        sentences.push_back({"You have ended it: what was to follow was left out.", Mood::bad});
     if (session.database.planning)
         sentences.push_back({"This is a plan: nothing was written."});
     else if (session.saved)
@@ -53,6 +71,20 @@ std::vector<Sentence> outcome(const Session& session, const Options& options) {
     else if (session.database.ismodified() == 1)
         sentences.push_back({options.save ? "Changed keys are not saved."
                                           : "Changed keys are not saved: give --save to write them to disk.",
-                             Sentence::bad});
+                             Mood::bad});
     return sentences;
+}
+
+std::string inShort(const Session& session) {
+    if (!session.loaded)
+        return "could not be checked";
+    const int problems = session.known.unknownIn(session.database);
+    const int unread = filesNotReadable(session);
+    const long changes = static_cast<long>(session.database.changes.size());
+    std::string text = problems > 0 ? counted(problems, "problem", "problems") : "no problem";
+    if (unread > 0)
+        text += ", " + counted(unread, "file", "files") + " not readable";
+    if (changes > 0)
+        text += ", " + counted(changes, "change", "changes") + (session.database.planning ? " planned" : "");
+    return text;
 }

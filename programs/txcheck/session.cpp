@@ -2,9 +2,11 @@
 
 #include <sstream>
 
-#include "explanation.h"
-#include "htmlreport.h"
+#include "concern.h"
+#include "ending.h"
 #include "model/marker.h"
+#include "model/problem.h"
+#include "pageform.h"
 #include "platform/system/messagebox.h"
 #include "progress.h"
 #include "reporting/log.h"
@@ -15,7 +17,9 @@
 #include "undo/journal.h"
 #include "undo/restore.h"
 
-Session::Session(const Options& given) : database(""), steps(database, given, known), options(given) {
+Session::Session(const Options& given, Together& with, std::string name)
+    : database(""), label(std::move(name)), steps(database, given, known), options(given), together(with) {
+    tellOf(with.several ? label : "");
     database.planning = options.plan;
     setReport([this](const char* text, const char* title, std::uint32_t flags) {
         return answer(text, title, flags);
@@ -47,7 +51,8 @@ int Session::answer(const char* text, const char* title, std::uint32_t flags) {
 }
 
 bool Session::open(const std::string& directory) {
-    if (const std::string failure = options.known ? known.read(*options.known) : ""; !failure.empty())
+    if (const std::string failure = options.known ? known.read(*options.known, directory) : "";
+        !failure.empty())
         return refuse(failure);
     if (!hold.take(directory, options.noLock ? Hold::Marker::left
                               : options.plan ? Hold::Marker::present
@@ -90,6 +95,7 @@ void Session::keepUndo() {
 }
 
 void Session::restoreFrom(const std::string& undoFile) {
+    endBetweenSteps();
     const RestoreResult result = restore(
         {undoFile, database.directory.c_str(), options.yes, !options.noUndo, options.undo.value_or("")});
     for (const std::string& text : result.left)
@@ -107,8 +113,8 @@ void Session::restoreFrom(const std::string& undoFile) {
 void Session::tellUnread() {
     for (const Unread& thing : database.unread)
         if (toldUnread.insert(thing.name + '\n' + thing.reason).second)
-            tell((thing.weight == Unread::told ? "Passed over: " : "Could not read: ") + thing.name + ": " +
-                 thing.reason);
+            tellOnly((thing.weight == Unread::told ? "Passed over: " : "Could not read: ") + thing.name +
+                     ": " + thing.reason);
 }
 
 void Session::run() {
@@ -116,24 +122,59 @@ void Session::run() {
         database.fileread = [progress = Progress(database.directory.c_str())](
                                 const TSXdatafile& file) mutable { progress.show(file); };
     database.load(std::string(database.directory).c_str());
+    loaded = true;
     endProgress();
     tellUnread();
+    endBetweenSteps();
     steps.run([this] { return save(); });
     tellUnread();
-    for (const std::string& id : known.goneFrom(database))
-        tell("Warning: " + *options.known + ": there is no such problem (any more): " + id);
-    if (options.explain && (explained = rowToExplain(database, *options.explain)) == 0)
-        refuse("--explain " + *options.explain + ": there is no such problem");
+    for (const std::string& text : known.goneFrom(database))
+        tell("Warning: " + *options.known + ": " + text);
+    if (options.explain)
+        findExplained();
     if (options.writeKnown)
-        write(*options.writeKnown, knownText(database));
+        writeKnown();
     if (options.all)
         database.showallkeys();
     if (options.report)
-        write(*options.report, htmlReport(*this, options));
+        writePage();
+    endAtOnce(status());
 }
 
-void Session::write(const std::string& path, const std::string& text) {
-    if (const std::string failure = writeTextFile(path, text, database.directory); !failure.empty())
+void Session::findExplained() {
+    const std::string& what = *options.explain;
+    for (int row = 1; row <= database.problemcount && explained == 0; ++row)
+        if (what == std::to_string(row) || what == database.getproblem(row)->id())
+            explained = row;
+    for (const Unread& thing : database.unread)
+        if (what == idOf(thing))
+            explainedUnread = &thing;
+    if (explained == 0 && explainedUnread == nullptr)
+        refuse("--explain " + what + ": there is no such problem");
+}
+
+// Of all databases so far, so that the file is whole whenever the work ends.
+void Session::writeKnown() {
+    if (together.known.empty())
+        together.known = "# What is accepted as it is, for txcheck --known: id, number, digests\n";
+    if (together.several)
+        together.known += '@' + encodedforid(database.directory.view()) + '\n';
+    together.known += knownLines(database);
+    TextFile file;
+    std::string failure = file.open(*options.writeKnown, {database.directory.c_str()});
+    if (failure.empty()) {
+        file.out() << together.known;
+        failure = file.close();
+    }
+    if (!failure.empty())
+        refuse(failure);
+}
+
+void Session::writePage() {
+    std::string failure = together.page.add(*this, options);
+    if (failure.empty() && !together.several)
+        failure = together.page.end();
+    if (!failure.empty())
         refuse(failure);
 }
 
@@ -145,10 +186,10 @@ bool Session::save() {
 }
 
 int Session::status() const {
-    const int failed = steps.failed ? statusFailed : 0;
-    if (options.restore)
+    const int failed = (steps.failed ? statusFailed : 0) | (steps.ended ? statusEnded : 0);
+    if (options.restore || !loaded)
         return failed;
-    const int unread = database.unreadcount() > 0 ? statusFailed : 0;
+    const int unread = known.unreadIn(database) > 0 ? statusFailed : 0;
     if (options.plan)
         return failed | unread | (steps.found ? statusLeft : 0);
     const bool changed = !finished.empty() || !database.changes.empty();

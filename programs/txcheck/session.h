@@ -14,9 +14,18 @@
 #include "steps.h"
 #include "undo/keeper.h"
 
+class PageForm;
+
+// What the runs of one command line share.
+struct Together {
+    bool several = false;
+    std::string known; // of what --write-known writes, so far
+    PageForm& page;
+};
+
 class Session {
 public:
-    explicit Session(const Options& given);
+    Session(const Options& given, Together& with, std::string database);
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
     ~Session();
@@ -34,9 +43,12 @@ public:
     bool changedSomething() const { return !steps.solved.empty() || !database.changes.empty(); }
 
     TSXdatabase database;
-    KnownProblems known;
+    const std::string label; // the database, as the person knows it
+    Known known;
     Steps steps;
-    int explained = 0;  // the row that is to be explained; 0: none
+    int explained = 0;                       // the row that is to be explained; 0: none
+    const Unread* explainedUnread = nullptr; // the same
+    bool loaded = false;
     bool saved = false; // a save was asked for, and nothing is left unsaved
 
 private:
@@ -45,10 +57,13 @@ private:
     int answer(const char* text, const char* title, std::uint32_t flags);
     void tellUnread();
     bool save();
-    void write(const std::string& path, const std::string& text);
+    void findExplained();
+    void writeKnown();
+    void writePage();
     bool refuse(const std::string& text);
 
     const Options& options;
+    Together& together;
     Hold hold;
     std::set<std::string> toldUnread;
     std::vector<std::string> finished; // of an earlier run, for the log

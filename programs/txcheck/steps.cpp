@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <set>
 
+#include "ending.h"
+
 #include "model/exptype.h"
 #include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
-#include "page.h"
 #include "platform/system/letters.h"
+#include "terminal.h"
 #include "told.h"
 
 namespace {
@@ -56,6 +58,16 @@ bool Steps::refuse(const std::string& text) {
     return false;
 }
 
+void Steps::analyse() {
+    database.analyse();
+    known.forget();
+}
+
+bool Steps::goesOn() {
+    ended = ended || isAskedToEnd();
+    return !ended;
+}
+
 void Steps::noteLoaded() {
     found = known.unknownIn(database) > 0;
     for (int row = 1; row <= database.problemcount && !options.solve.empty(); ++row)
@@ -81,13 +93,17 @@ void Steps::run(const std::function<bool()>& save) {
     noteLoaded();
     const std::vector<Step> steps = listSteps(save);
     std::size_t taken = 0;
-    while (taken < steps.size() && steps[taken].take())
+    while (taken < steps.size() && goesOn() && steps[taken].take())
         ++taken;
     std::string left;
-    for (std::size_t i = taken + 1; i < steps.size(); ++i)
+    for (std::size_t i = ended ? taken : taken + 1; i < steps.size(); ++i)
         left += (left.empty() ? "" : ", ") + steps[i].name;
     if (!left.empty())
-        tell("Left out, since " + steps[taken].name + " failed: " + left);
+        tell("Left out, since " + (ended ? "you have ended it" : steps[taken].name + " failed") + ": " +
+             left);
+    const auto isFailed = [](const SolvedStep& step) { return step.result == 0; };
+    if (!database.changes.empty() && std::ranges::any_of(solved, isFailed))
+        analyse(); // what was done in part of it counts in types and keys
 }
 
 int Steps::rowOf(const Identity& wanted) const {
@@ -148,18 +164,17 @@ bool Steps::solveRow(int row, int number, const std::string& given) {
         failed = true;
         return false;
     }
-    database.analyse();
+    analyse();
     return true;
 }
 
 // Solves the first row for which a solution is chosen, and then looks at the new list from the top. A problem
 // is taken once, so that this ends whatever the database holds.
-bool Steps::solveEach(const std::function<int(const TSXproblem&)>& choose, const std::string& given,
-                      bool goOn) {
+bool Steps::solveEach(const Choice& choose, const std::string& given, bool goOn) {
     std::set<Identity> taken;
-    for (int row = 1; row <= database.problemcount;) {
+    for (int row = 1; row <= database.problemcount && goesOn();) {
         const TSXproblem& problem = *database.getproblem(row);
-        const int number = choose(problem);
+        const int number = choose(problem, row);
         if (number == 0 || !taken.insert(identityOf(problem)).second)
             ++row;
         else if (solveRow(row, number, given))
@@ -167,26 +182,27 @@ bool Steps::solveEach(const std::function<int(const TSXproblem&)>& choose, const
         else if (!goOn)
             return false;
     }
-    return true;
+    return !ended;
 }
 
 bool Steps::solveAll(const SolveStep& step) {
     const int count = TSXproblem(database, step.kind, 0).solutioncount();
     if (step.number < 1 || step.number > count)
         return refuse(step.given + ": problems of this kind have " + counted(count, "solution", "solutions"));
-    return solveEach([&](const TSXproblem& problem) { return problem.kind == step.kind ? step.number : 0; },
-                     step.given, false);
+    return solveEach(
+        [&](const TSXproblem& problem, int) { return problem.kind == step.kind ? step.number : 0; },
+        step.given, false);
 }
 
 // Where the entries or experiments are not there, as under a share that isn't mounted, what else looks wrong
 // is nothing to go by.
 bool Steps::preen() {
-    const auto safe = [this](const TSXproblem& problem) {
+    const auto safe = [this](const TSXproblem& problem, int row) {
         int number = problem.solutioncount();
         while (number > 0 && problem.solutioncost(number) != Cost::safe)
             --number;
         const bool onlyDirectories = database.directorymissing() && problem.kind != missingdirectory;
-        return onlyDirectories || known.has(problem) ? 0 : number;
+        return onlyDirectories || known.has(database, row) ? 0 : number;
     };
     return solveEach(safe, "--preen", true);
 }
@@ -215,7 +231,7 @@ bool Steps::rename(const RenameStep& step) {
 // Behind a change of keys that was made, 1, was none, 0, or was refused, -1.
 bool Steps::finishChange(int result) {
     if (result == 1)
-        database.analyse();
+        analyse();
     failed = failed || result == -1;
     return result != -1;
 }

@@ -23,7 +23,7 @@ struct SolvedStep {
 
 class Steps {
 public:
-    Steps(TSXdatabase& inspected, const Options& given, const KnownProblems& accepted)
+    Steps(TSXdatabase& inspected, const Options& given, Known& accepted)
         : database(inspected), options(given), known(accepted) {}
 
     // Takes the steps, behind a load; the save, which is given, is the last. A step that fails ends the work,
@@ -33,6 +33,7 @@ public:
     std::vector<SolvedStep> solved;
     bool found = false;  // the load found a problem that is not accepted
     bool failed = false; // something that was to be done could not be done
+    bool ended = false;  // the person has ended the work before its end
 
 private:
     // What makes a problem the same in another analysis; pointers to problems don't outlive one.
@@ -45,6 +46,8 @@ private:
         Identity problem;
         std::string id;
     };
+    // The number of the solution for a problem in a row; 0: none.
+    using Choice = std::function<int(const TSXproblem&, int)>;
     struct Step {
         std::string name;
         std::function<bool()> take;
@@ -60,15 +63,17 @@ private:
     bool solveAll(const SolveStep& step);
     bool solveRow(int row, int number, const std::string& given);
     bool passGone(const Loaded& gone, const SolveStep& step);
-    bool solveEach(const std::function<int(const TSXproblem&)>& choose, const std::string& given, bool goOn);
+    bool solveEach(const Choice& choose, const std::string& given, bool goOn);
     bool preen();
     bool changeKey(const ChangeKeyStep& step);
     bool rename(const RenameStep& step);
     bool finishChange(int result);
     bool refuse(const std::string& text);
+    void analyse();
+    bool goesOn();
 
     TSXdatabase& database;
     const Options& options;
-    const KnownProblems& known;
+    Known& known;
     std::vector<Loaded> loaded; // the rows after the load, from 0; only where a step speaks of one
 };

@@ -1,6 +1,5 @@
 #include "textfile.h"
 
-#include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
 #include "platform/system/path.h"
 
@@ -27,16 +26,34 @@ std::string readTextFile(const std::string& path, std::string& content) {
     return stream.readFailure() == 0 ? std::string() : failure(path, "The file can't be read");
 }
 
-std::string writeTextFile(const std::string& path, std::string_view content, const char* databaseDirectory) {
-    if (leadsInto(path, databaseDirectory))
-        return path + ": The file is not written, since it would stand in the database. Give another place";
-    ByteStream stream;
-    const bool opened = stream.open(path.c_str(), OpenMode::write);
-    if (!opened && GetLastError() == ERROR_ALREADY_EXISTS)
+std::string TextFile::open(const std::string& path, const std::vector<std::string>& databases) {
+    name = path;
+    for (const std::string& database : databases)
+        if (leadsInto(path, database))
+            return path +
+                   ": The file is not written, since it would stand in the database. Give another place";
+    if (stream.open(path.c_str(), OpenMode::write))
+        return {};
+    if (GetLastError() == ERROR_ALREADY_EXISTS)
         return path + ": The file is not written, since it has a second name, which may be one of the data. "
                       "Give another place";
-    if (!opened)
-        return failure(path, "The file can't be made");
-    const bool written = stream.write(content.data(), content.size()) == content.size();
-    return stream.close() && written ? std::string() : failure(path, "The file can't be written");
+    return failure(path, "The file can't be made");
+}
+
+TextFile::int_type TextFile::overflow(int_type byte) {
+    const char one = traits_type::to_char_type(byte);
+    return xsputn(&one, 1) == 1 ? byte : traits_type::eof();
+}
+
+std::streamsize TextFile::xsputn(const char* bytes, std::streamsize count) {
+    return static_cast<std::streamsize>(stream.write(bytes, static_cast<std::size_t>(count)));
+}
+
+std::string TextFile::close() {
+    const std::uint32_t reason = text ? 0 : GetLastError();
+    if (stream.close() && reason == 0)
+        return {};
+    if (reason != 0)
+        SetLastError(reason);
+    return failure(name, "The file can't be written");
 }

@@ -7,14 +7,24 @@
 namespace {
 
 std::vector<std::string> lines;
+std::string prefix;    // the database that is meant
 std::size_t shown = 0; // columns of the progress that stands there
 
 } // namespace
 
 void tell(std::string_view text) {
+    lines.emplace_back(text);
+    tellOnly(text);
+}
+
+void tellOnly(std::string_view text) {
     endProgress();
-    lines.push_back(printable(text));
-    std::fprintf(stderr, "txcheck: %s\n", lines.back().c_str());
+    std::fprintf(stderr, "txcheck: %s\n", printable(prefix + std::string(text)).c_str());
+}
+
+void tellOf(const std::string& database) {
+    lines.clear();
+    prefix = database.empty() ? "" : database + ": ";
 }
 
 const std::vector<std::string>& told() {

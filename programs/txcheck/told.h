@@ -8,8 +8,12 @@
 
 // Writes a line under the program's name.
 void tell(std::string_view text);
-// What was told so far, escaped: a report has it once more at its end, where it isn't missed.
+// The same, of what the report has in a list of its own.
+void tellOnly(std::string_view text);
+// What was told so far: a report has it once more at its end, where it isn't missed.
 const std::vector<std::string>& told();
+// Another database begins, which is named in each line where there are several.
+void tellOf(const std::string& database);
 
 // Shows how far the reading is, in a line that the next text replaces.
 void tellProgress(std::string_view text);

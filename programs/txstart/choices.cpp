@@ -2,7 +2,6 @@
 
 #include <filesystem>
 
-#include "files/finder.h"
 #include "platform/system/errors.h"
 #include "platform/system/path.h"
 #include "platform/system/startprogram.h"
@@ -56,19 +55,6 @@ std::string currentHome() {
 
 std::string currentDatabaseName() {
     return readStore().currentDatabase.c_str();
-}
-
-std::vector<std::string> databaseNames(const std::string& home) {
-    std::vector<std::string> names;
-    TSXfinder finder;
-    for (int match = finder.findfirst((home + "/*" + std::string(extension)).c_str()); match != 0;
-         match = finder.findnext()) {
-        const std::string_view name = finder.entryname.view();
-        if (finder.entrykind == TSXfinder::file && name.size() > extension.size())
-            names.emplace_back(name.substr(0, name.size() - extension.size()));
-    }
-    finder.findclose();
-    return names;
 }
 
 std::string directoryOfDatabase(const std::string& home, const std::string& name) {

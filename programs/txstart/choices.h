@@ -3,14 +3,11 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 // The home directory and the current database of the settings store; empty where there is none.
 std::string currentHome();
 std::string currentDatabaseName();
 
-// The names of the databases whose settings files lie in the home directory, in the order of their names.
-std::vector<std::string> databaseNames(const std::string& home);
 // The directory that the settings file of the database names; empty if there is none.
 std::string directoryOfDatabase(const std::string& home, const std::string& name);
 

@@ -15,6 +15,7 @@
 #include <algorithm>
 
 #include "choices.h"
+#include "files/databasefile.h"
 #include "settings/edition.h"
 
 namespace {

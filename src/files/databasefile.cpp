@@ -3,9 +3,12 @@
 #include <cstdio>
 #include <string>
 
+#include "files/finder.h"
 #include "platform/system/bytestream.h"
 
 namespace {
+
+constexpr std::string_view extension = ".dbs";
 
 // Reads one line and cuts it at its first carriage return or line feed. At the end of the file the line is
 // left as it is. False if it may go on behind what was read of it.
@@ -53,6 +56,19 @@ void readSections(ByteStream& stream, DatabaseSettings& settings) {
 
 std::string databaseFilePath(const DatabaseSettings& settings) {
     return std::string(settings.homeDirectory) + "/" + settings.currentDatabase.c_str() + ".dbs";
+}
+
+std::vector<std::string> databaseNames(const std::string& home) {
+    std::vector<std::string> names;
+    TSXfinder finder;
+    for (int match = finder.findfirst((home + "/*" + std::string(extension)).c_str()); match != 0;
+         match = finder.findnext()) {
+        const std::string_view name = finder.entryname.view();
+        if (finder.entrykind == TSXfinder::file && name.size() > extension.size())
+            names.emplace_back(name.substr(0, name.size() - extension.size()));
+    }
+    finder.findclose();
+    return names;
 }
 
 bool readDatabaseFile(DatabaseSettings& settings) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "platform/system/text.h"
 
@@ -18,6 +19,9 @@ struct DatabaseSettings {
 };
 
 std::string databaseFilePath(const DatabaseSettings& settings);
+
+// The names of the databases whose settings files are in a home directory, in their order.
+std::vector<std::string> databaseNames(const std::string& home);
 
 // Reads the settings file of that database. False if it can't be opened or read;
 // GetLastError then tells why.

@@ -228,6 +228,7 @@ class DataFile:
         with open(place, "wb") as file:
             file.write(data)
         self.ondisk = True
+        self.database.touched |= bool(changed)
         for record in changed:
             record.changed = False
 
@@ -255,7 +256,7 @@ class Database:
     """The tree at a place, which the texts show under another path.  Repairs change the tree."""
 
     def __init__(self, root, shown_as):
-        self.root, self.shown, self.log = root, os.fsencode(shown_as), []
+        self.root, self.shown, self.log, self.touched = root, os.fsencode(shown_as), [], False
         self.types, self.unread, self.looking = [], [], False  # name, weight, whether found by the last analysis, id
         self.newtype(0, b"Database")
         self.files = []
@@ -510,6 +511,7 @@ class Database:
         if os.path.lexists(place) or not os.path.isdir(os.path.dirname(place)):
             return False
         os.mkdir(place)
+        self.touched = True
         return True
 
     def remove(self, path):
@@ -517,6 +519,7 @@ class Database:
         if not os.path.lexists(place) or stat.S_ISDIR(os.lstat(place).st_mode):
             return False
         os.remove(place)
+        self.touched = True
         return True
 
     def change_key(self, key, kind, n, new, yes):
@@ -563,11 +566,13 @@ class Run:
         self.options = options_of(words)
         self.database = Database(root, shown_as)
         self.loaded = self.database.problems
-        self.changed, self.failed, self.saved, self.solved = False, False, False, []
+        self.failed, self.saved, self.solved = False, False, []
         steps = [lambda step=step: self.solve_step(*step) for step in self.options.solve]
         steps += [step for wanted, step in [(self.options.preen, self.preen), (self.options.change_key, self.change_key),
                                             (self.options.save, self.save)] if wanted]
         self.failed = not all(step() for step in steps) or self.failed
+        if self.database.touched and not all(step["result"] for step in self.solved):
+            self.database.analyse()
 
     def solve(self, problem, n):
         row, command = self.database.problems.index(problem) + 1, SOLUTIONS[problem.kind][n - 1][0]
@@ -625,7 +630,7 @@ class Run:
 
     def status(self):
         failed = self.failed or self.database.lacks("record", "part", "whole")
-        return 8 * failed + 4 * bool(self.database.problems or self.database.modified()) + self.changed
+        return 8 * failed + 4 * bool(self.database.problems or self.database.modified()) + self.database.touched
 
     def log(self):
         return HEAD + b"".join(line + b"\n" for line in self.database.log) + TRAILER

@@ -1,4 +1,4 @@
-#include "page.h"
+#include "terminal.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -15,33 +15,30 @@ constexpr std::size_t leastroom = 10; // behind an indent
 
 } // namespace
 
-Page::Page(std::ostream& stream) : out(stream) {
+Terminal::Terminal(std::ostream& stream) : out(stream), width(0) {
     if (isatty(STDOUT_FILENO) == 0)
         return;
     winsize size = {};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0)
-        width = std::max(narrowest, std::size_t{size.ws_col});
+    const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    width = known ? std::max(narrowest, std::size_t{size.ws_col}) : 80;
     const char* wish = std::getenv("NO_COLOR");
     coloured = wish == nullptr || *wish == '\0';
 }
 
-void Page::line(std::string_view first, std::string_view text, Colour colour) {
-    constexpr const char* codes[] = {"", "\x1B[1m", "\x1B[32m", "\x1B[33m", "\x1B[31m"};
+void Terminal::line(std::string_view first, std::string_view text, Colour colour) {
+    constexpr const char* codes[] = {"", "\x1B[32m", "\x1B[31m", "\x1B[1m"};
     const bool marked = coloured && colour != Colour::none;
-    const std::size_t indent = columns(first);
-    const std::size_t room = std::max(leastroom, width - std::min(indent, width));
-    out << (marked ? codes[static_cast<int>(colour)] : "") << first << wrapped(text, room, indent)
-        << (marked ? "\x1B[0m" : "") << '\n';
+    out << (marked ? codes[static_cast<int>(colour)] : "") << first;
+    if (width == 0) {
+        out << text;
+    } else {
+        const std::size_t indent = columns(first);
+        out << wrapped(text, std::max(leastroom, width - std::min(indent, width)), indent);
+    }
+    out << (marked ? "\x1B[0m" : "") << '\n';
 }
 
-void Page::line(std::size_t columnCount, std::string_view first, std::string_view text) {
-    const bool fits = columns(first) <= columnCount;
-    if (!fits)
-        out << first << '\n';
-    line(padded(fits ? std::string(first) : "", columnCount), text);
-}
-
-void Page::heading(std::string_view text) {
+void Terminal::heading(std::string_view text) {
     out << '\n';
     line("", text, Colour::bold);
 }

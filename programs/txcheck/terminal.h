@@ -1,5 +1,5 @@
 // A text for a person, as wide as the terminal that it goes to: lines that go on with an indent, columns,
-// headings, colour where that can be shown.
+// headings, colour where that can be shown. Into a file or a pipe go whole lines.
 #pragma once
 
 #include <cstddef>
@@ -7,24 +7,21 @@
 #include <string>
 #include <string_view>
 
-class Page {
+class Terminal {
 public:
-    enum class Colour { none, bold, green, yellow, red };
+    enum class Colour { none, green, red, bold };
 
-    // Takes the width and whether there is colour from what standard output is: that of the terminal, else 80
-    // columns and none. NO_COLOR in the environment switches colour off.
-    explicit Page(std::ostream& stream);
+    // Takes the width and whether there is colour from what standard output is. NO_COLOR in the environment
+    // switches colour off.
+    explicit Terminal(std::ostream& stream);
 
     // A line of printable text behind its first words; what does not fit goes on below the text.
     void line(std::string_view first, std::string_view text, Colour colour = Colour::none);
-    // The same, with the first words brought to a number of columns; longer ones have a line of their own.
-    void line(std::size_t columnCount, std::string_view first, std::string_view text);
     void heading(std::string_view text); // behind an empty line
-
-    std::size_t width = 80;
 
 private:
     std::ostream& out;
+    std::size_t width; // 0: as long as a line is
     bool coloured = false;
 };
 
