@@ -33,6 +33,17 @@ template <class Fill> std::function<bool(Row&)> oneRow(Fill fill) {
     return rowsTo(1, [fill](Row& row, std::size_t) { fill(row); });
 }
 
+Section section(const char* member, const char* name, std::string title, Section::Shape shape,
+                std::function<bool(Row&)> next) {
+    Section made;
+    made.member = member;
+    made.name = name;
+    made.title = std::move(title);
+    made.shape = shape;
+    made.next = std::move(next);
+    return made;
+}
+
 std::string typeName(const TSXdatabase& database, int type) {
     const TSXexptype& found = *database.gettype(type);
     return type == 0 ? "Database"
@@ -105,12 +116,13 @@ Section problems(const Session& session, bool known, Form form) {
         if (session.known.has(session.database, row) == known)
             rows.push_back(row);
     const std::size_t count = rows.size();
-    return {"", known ? "known" : "problems",
-            known ? "Known problems, which are accepted as they are"
-                  : "Problems, each with its id and its solutions for --solve WHAT:N",
-            Section::list, rowsTo(count, [&session, rows = std::move(rows), form](Row& row, std::size_t n) {
-                fillProblem(row, session, rows[n], form);
-            })};
+    return section("", known ? "known" : "problems",
+                   known ? "Known problems, which are accepted as they are"
+                         : "Problems, each with its id and its solutions for --solve WHAT:N",
+                   Section::list,
+                   rowsTo(count, [&session, rows = std::move(rows), form](Row& row, std::size_t n) {
+                       fillProblem(row, session, rows[n], form);
+                   }));
 }
 
 void fillType(Row& row, const TSXdatabase& database, std::size_t n) {
@@ -202,14 +214,14 @@ void addEntry(std::vector<Section>& sections, const TSXdatabase& database, const
     std::vector<Row> rows = recordsOf(entry);
     const std::size_t count = rows.size();
     const std::string key(count > 0 ? entry->key : wanted);
-    sections.push_back({"entry", "", "", Section::object, oneRow([key, rows](Row& row) {
-                            row.text("key", "", key).rows("occurrences") = rows;
-                        })});
-    sections.push_back({"", "entry",
-                        "Entry " + std::string(shownKey(key)) + ", used by " + std::to_string(count) +
-                            (count == 1 ? " record" : " records"),
-                        Section::table,
-                        rowsTo(count, [rows = std::move(rows)](Row& row, std::size_t n) { row = rows[n]; })});
+    sections.push_back(section("entry", "", "", Section::object, oneRow([key, rows](Row& row) {
+                                   row.text("key", "", key).rows("occurrences") = rows;
+                               })));
+    sections.push_back(section(
+        "", "entry",
+        "Entry " + std::string(shownKey(key)) + ", used by " + std::to_string(count) +
+            (count == 1 ? " record" : " records"),
+        Section::table, rowsTo(count, [rows = std::move(rows)](Row& row, std::size_t n) { row = rows[n]; })));
 }
 
 void fillSolved(Row& row, const SolvedStep& step, bool planned) {
@@ -268,23 +280,23 @@ void addDone(std::vector<Section>& sections, const Session& session) {
         {"solved", "solved", planned ? "Solutions that would be applied" : "Solutions applied", Section::list,
          eachOf(session.steps.solved,
                 [planned](Row& row, const SolvedStep& step) { fillSolved(row, step, planned); })});
-    sections.push_back({"", "", "", Section::members, oneRow([&session](Row& row) {
-                            row.number("modified", "", session.database.ismodified());
-                            row.number("saved", "", session.saved ? 1 : 0);
-                        })});
-    sections.push_back({"changes", "changes",
-                        planned ? "What would be changed on the disk" : "Changed on the disk", Section::list,
-                        eachOf(database.changes, fillChange)});
+    sections.push_back(section("", "", "", Section::members, oneRow([&session](Row& row) {
+                                   row.number("modified", "", session.database.ismodified());
+                                   row.number("saved", "", session.saved ? 1 : 0);
+                               })));
+    sections.push_back(section("changes", "changes",
+                               planned ? "What would be changed on the disk" : "Changed on the disk",
+                               Section::list, eachOf(database.changes, fillChange)));
 }
 
 Section directoryOf(const TSXdatabase& database) {
-    return {"", "", "", Section::members,
-            oneRow([&database](Row& row) { row.text("directory", "", database.directory.view()); })};
+    return section("", "", "", Section::members,
+                   oneRow([&database](Row& row) { row.text("directory", "", database.directory.view()); }));
 }
 
 Section statusOf(const Session& session) {
-    return {"", "", "", Section::members,
-            oneRow([&session](Row& row) { row.number("status", "", session.status()); })};
+    return section("", "", "", Section::members,
+                   oneRow([&session](Row& row) { row.number("status", "", session.status()); }));
 }
 
 void addFound(std::vector<Section>& sections, const Session& session, const Options& options, Form form) {
@@ -298,11 +310,12 @@ void addFound(std::vector<Section>& sections, const Session& session, const Opti
     else
         for (const bool known : {false, true})
             sections.push_back(problems(session, known, form));
-    sections.push_back({"types", "types", "Data types", Section::table,
-                        rowsTo(database.types.size(),
-                               [&database](Row& row, std::size_t n) { fillType(row, database, n); })});
-    sections.push_back({"", "", "", Section::members,
-                        oneRow([&database](Row& row) { row.number("keytotal", "", database.keytotal); })});
+    sections.push_back(section(
+        "types", "types", "Data types", Section::table,
+        rowsTo(database.types.size(), [&database](Row& row, std::size_t n) { fillType(row, database, n); })));
+    sections.push_back(section("", "", "", Section::members, oneRow([&database](Row& row) {
+                                   row.number("keytotal", "", database.keytotal);
+                               })));
     sections.push_back(
         {"keys", "keys",
          std::string(options.all ? "Keys" : "Keys with something wrong") + " (" +
@@ -321,14 +334,15 @@ std::vector<Section> contentsOf(const Session& session, const Options& options, 
     if (options.entry)
         addEntry(sections, database, *options.entry);
     addDone(sections, session);
-    sections.push_back({"unread", "unread", "What could not be read, or was passed over", Section::list,
-                        eachOf(database.unread, [&session](Row& row, const Unread& thing) {
-                            fillUnread(row, thing, session.known);
-                        })});
+    sections.push_back(section("unread", "unread", "What could not be read, or was passed over",
+                               Section::list,
+                               eachOf(database.unread, [&session](Row& row, const Unread& thing) {
+                                   fillUnread(row, thing, session.known);
+                               })));
     sections.push_back(
         {"", "messages", "Messages", Section::list,
          eachOf(told(), [](Row& row, const std::string& text) { row.text("", "Message", text); })});
-    sections.push_back({"", "result", "Result", Section::list, sentences(session, options)});
+    sections.push_back(section("", "result", "Result", Section::list, sentences(session, options)));
     sections.push_back(statusOf(session));
     return sections;
 }
@@ -385,12 +399,13 @@ std::vector<Section> explanationOf(const Session& session) {
     const TSXdatabase& database = session.database;
     std::vector<Section> sections = {directoryOf(database)};
     if (const TSXproblem* problem = database.getproblem(session.explained)) {
-        sections.push_back({"problem", "problem", "Problem", Section::object, oneRow([&session](Row& row) {
-                                fillProblem(row, session, session.explained, Form::page);
-                            })});
-        sections.push_back({"files", "files", "Files", Section::list, filesOf(*problem)});
-        sections.push_back({"keys", "keys", "Keys and their records", Section::list, usesOf(*problem)});
-        sections.push_back({"effects", "effects", "Solutions", Section::list, effectsOf(*problem)});
+        sections.push_back(section(
+            "problem", "problem", "Problem", Section::object,
+            oneRow([&session](Row& row) { fillProblem(row, session, session.explained, Form::page); })));
+        sections.push_back(section("files", "files", "Files", Section::list, filesOf(*problem)));
+        sections.push_back(
+            section("keys", "keys", "Keys and their records", Section::list, usesOf(*problem)));
+        sections.push_back(section("effects", "effects", "Solutions", Section::list, effectsOf(*problem)));
     } else if (session.explainedUnread != nullptr) {
         sections.push_back(
             {"unread", "unread", "Could not be read", Section::object, oneRow([&session](Row& row) {

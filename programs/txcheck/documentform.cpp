@@ -79,7 +79,7 @@ void writeSection(std::ostream& out, const Section& section, const char* lineEnd
 
 } // namespace
 
-void writeDocument(std::ostream& out, std::vector<Section> sections, bool inOneLine) {
+void writeDocument(std::ostream& out, const std::vector<Section>& sections, bool inOneLine) {
     const char* lineEnd = inOneLine ? "" : "\n";
     const char* between = "";
     out << '{';

@@ -6,4 +6,4 @@
 #include "contents.h"
 
 // In one line, or with a line for each thing: a document of a large database can be read in an editor then.
-void writeDocument(std::ostream& out, std::vector<Section> sections, bool inOneLine);
+void writeDocument(std::ostream& out, const std::vector<Section>& sections, bool inOneLine);

@@ -1,4 +1,5 @@
 // txcheck: the checks and repairs of the tool without a window, for scripts, cron and remote machines.
+#include <algorithm>
 #include <iostream>
 
 #include "choice.h"
@@ -69,9 +70,8 @@ void writeTable(const std::vector<Line>& lines) {
 
 // The statuses of all databases together.
 int runAll(const Options& options, const std::vector<Chosen>& all) {
-    std::vector<std::string> directories;
-    for (const Chosen& chosen : all)
-        directories.push_back(chosen.directory);
+    std::vector<std::string> directories(all.size());
+    std::ranges::transform(all, directories.begin(), &Chosen::directory);
     PageForm page(options.report.value_or(""), directories);
     Together together{options.several(), "", page};
     std::vector<Line> lines;

@@ -67,7 +67,7 @@ void writeSection(Terminal& terminal, const Section& section) {
 
 } // namespace
 
-void writeText(std::ostream& out, const std::string& title, std::vector<Section> sections) {
+void writeText(std::ostream& out, const std::string& title, const std::vector<Section>& sections) {
     Terminal terminal(out);
     if (!title.empty())
         terminal.line("", printable(title), Terminal::Colour::bold);

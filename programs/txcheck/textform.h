@@ -5,4 +5,4 @@
 
 #include "contents.h"
 
-void writeText(std::ostream& out, const std::string& title, std::vector<Section> sections);
+void writeText(std::ostream& out, const std::string& title, const std::vector<Section>& sections);
