@@ -134,19 +134,19 @@ void fillType(Row& row, const TSXdatabase& database, std::size_t n) {
     row.number("files", "Files", type.filecount, 7).number("entries", "Entries", type.entrycount, 8);
 }
 
-std::string wrongWith(const TSXkeyentry& entry) {
+std::string wrongWith(const TSXdatabase& database, const TSXkeyentry& entry) {
     std::string text = entry.isorphan() ? "no database entry has it" : "";
     entry.foreachlist([&](std::span<const Occurrence> records) {
         const int type = records.front().type;
         if (records.size() < 2 || (type != 0 && entry.key.empty()))
             return;
         text += (text.empty() ? "" : "; ") + std::to_string(records.size());
-        text += entry.key.empty() ? " entries have none" : " times in " + typeName(entry.database, type);
+        text += entry.key.empty() ? " entries have none" : " times in " + typeName(database, type);
     });
     return text;
 }
 
-void fillUses(std::string& numbers, const TSXkeyentry& entry) {
+void fillUses(std::string& numbers, const TSXkeyentry& entry, int lasttype) {
     int type = 0;
     const auto add = [&](std::size_t count) { numbers += (type++ == 0 ? "" : ",") + std::to_string(count); };
     entry.foreachlist([&](std::span<const Occurrence> records) {
@@ -154,23 +154,23 @@ void fillUses(std::string& numbers, const TSXkeyentry& entry) {
             add(0);
         add(records.size());
     });
-    while (type <= entry.database.lasttype)
+    while (type <= lasttype)
         add(0);
 }
 
 // How many records there are of each type, in a line of a text.
-std::string countsOf(const TSXkeyentry& entry) {
+std::string countsOf(const TSXdatabase& database, const TSXkeyentry& entry) {
     std::string counts;
     entry.foreachlist([&](std::span<const Occurrence> records) {
-        counts += (counts.empty() ? "" : "  ") + typeName(entry.database, records.front().type) + ':' +
+        counts += (counts.empty() ? "" : "  ") + typeName(database, records.front().type) + ':' +
                   std::to_string(records.size());
     });
     return counts;
 }
 
-void fillPlaces(std::string& lines, const TSXkeyentry& entry) {
+void fillPlaces(std::string& lines, const TSXdatabase& database, const TSXkeyentry& entry) {
     for (const Occurrence& record : entry.records())
-        addLine(lines, typeName(entry.database, record.type) + ": " + placeOf(*record.file) + ", record " +
+        addLine(lines, typeName(database, record.type) + ": " + placeOf(*record.file) + ", record " +
                            std::to_string(record.record));
 }
 
@@ -178,15 +178,15 @@ void fillKey(Row& row, const TSXdatabase& database, std::size_t n, Form form) {
     const TSXkeyentry& entry = *database.getvisiblekey(static_cast<int>(n) + 1);
     row.text("key", "", entry.key);
     if (form == Form::document)
-        return fillUses(row.numbers("counts"), entry);
+        return fillUses(row.numbers("counts"), entry, database.lasttype);
     row.text("", "Key", shownKey(entry.key), 34);
-    const std::string wrong = entry.shown == 1 ? wrongWith(entry) : "";
+    const std::string wrong = entry.shown == 1 ? wrongWith(database, entry) : "";
     if (form == Form::text) {
-        row.text("", "Records", countsOf(entry) + (wrong.empty() ? "" : "  (" + wrong + ")"));
+        row.text("", "Records", countsOf(database, entry) + (wrong.empty() ? "" : "  (" + wrong + ")"));
         return;
     }
     row.text("", "What is wrong", wrong);
-    fillPlaces(row.lines("Records"), entry);
+    fillPlaces(row.lines("Records"), database, entry);
 }
 
 void fillRecord(Row& row, const Occurrence& record, long n) {
@@ -373,7 +373,7 @@ std::function<bool(Row&)> usesOf(const TSXproblem& problem) {
         row.text("file", "", file).number("record", "", use.record.record);
         row.text("", "Record",
                  file + ", record " + std::to_string(use.record.record) + ", " +
-                     typeName(use.key->database, use.record.type));
+                     typeName(use.record.file->database, use.record.type));
     });
 }
 

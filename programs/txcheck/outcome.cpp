@@ -63,7 +63,7 @@ std::vector<Sentence> outcome(const Session& session, const Options& options) {
             {"Not everything could be read or done: see the messages, and what could not be read.",
              Mood::bad});
     if ((status & statusEnded) != 0)
-        sentences.push_back({"You have ended it: what was to follow was left out.", Mood::bad});
+        sentences.push_back({"You have ended it: what was not done yet was left out.", Mood::bad});
     if (session.database.planning)
         sentences.push_back({"This is a plan: nothing was written."});
     else if (session.saved)

@@ -95,6 +95,7 @@ void Steps::run(const std::function<bool()>& save) {
     std::size_t taken = 0;
     while (taken < steps.size() && goesOn() && steps[taken].take())
         ++taken;
+    goesOn(); // for who asked during the last step
     std::string left;
     for (std::size_t i = ended ? taken : taken + 1; i < steps.size(); ++i)
         left += (left.empty() ? "" : ", ") + steps[i].name;
