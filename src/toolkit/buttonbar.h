@@ -35,7 +35,6 @@ public:
     void drawButton(CDC& dc, int index, int state);
     void showHint(); // of the button under the mouse; an older hint goes first
     void hideHint();
-    bool hintOnShow() const { return hint != nullptr; }
 
     void paneSized(int type, int width, int height) override;
     void paintPane(CDC& dc) override;

@@ -1,8 +1,9 @@
 #include "toolkit/rowpane.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "platform/window/dc.h"
+#include "platform/window/windowdc.h"
 #include "toolkit/drawing.h"
 
 void TSXrowpane::paneCreated() {
@@ -10,10 +11,20 @@ void TSXrowpane::paneCreated() {
     SetRows(*this);
 }
 
-std::string TSXrowpane::wider(const std::string& text, int width) {
-    CDC dc;
+std::string TSXrowpane::wider(const std::string& text, int width) const {
+    CClientDC dc(this); // letters have another width at each scale
     dc.SelectObject(getFont(plainFont));
     return dc.GetTextExtentPoint32A(text.c_str()).cx > width ? text : std::string();
+}
+
+void TSXrowpane::updateRows() {
+    updateScrollBars();
+    const int rest = rowHeight * rowCount() - GetClientRect().bottom; // what doesn't fit into the pane
+    const int lastPage = rest <= 0 ? 0 : (rest + vStep - 1) / vStep;
+    if (std::exchange(knownRows, rowCount()) > rowCount() && vPos > lastPage) {
+        verticalScroll(SB_THUMBTRACK, lastPage);
+        updateScrollBars();
+    }
 }
 
 RECT TSXrowpane::rowPlace(int row) const {

@@ -18,10 +18,15 @@ public:
     virtual void openRow() {}              // the selected one, if there is
 
 protected:
-    // The text where it is wider in the plain font than so many pixels, else nothing.
-    static std::string wider(const std::string& text, int width);
+    // The text where it is wider in the plain font, as it stands on this pane, than so many pixels, else
+    // nothing.
+    std::string wider(const std::string& text, int width) const;
+    // As updateScrollBars; where the list has become shorter than the position, its last page shows.
+    void updateRows();
 
 private:
     void goToRow(int row);
     void showRow(int row);
+
+    int knownRows = 0; // at the last updateRows
 };

@@ -32,7 +32,7 @@ void TSXentriespane::updateScrollRange() {
     // One spare row, and one spare column.
     vRange = scrollSteps(rowHeight * (database->visiblecount + 1), height, vStep);
     hRange = scrollSteps(keyWidth + countWidth * (database->lasttype + 2), width, hStep);
-    updateScrollBars();
+    updateRows();
 }
 
 void TSXentriespane::paintPane(CDC& dc) {

@@ -72,6 +72,42 @@ int changedFiles(const TSXdatabase& model) {
     return count;
 }
 
+int unsavedKeys(const TSXdatabase& model) {
+    std::ptrdiff_t count = 0;
+    for (const auto& list : model.lists)
+        for (std::size_t i = 1; i < list->files.size(); ++i)
+            count += std::count(list->files[i]->keydirty.begin(), list->files[i]->keydirty.end(), 1);
+    return static_cast<int>(count);
+}
+
+// Nothing of no thing.
+std::string counted(std::int64_t count, const char* thing, const char* what) {
+    return count == 0 ? "" : std::to_string(count) + " " + thing + (count == 1 ? "" : "s") + what;
+}
+
+// What was changed on the disk since then, or else in memory.
+std::string workDone(const TSXdatabase& model, std::size_t firstChange, int unsavedBefore) {
+    const auto first = model.changes.begin() + static_cast<std::ptrdiff_t>(firstChange);
+    const auto of = [&](Change::Kind kind) {
+        return std::count_if(first, model.changes.end(), [kind](const Change& c) { return c.kind == kind; });
+    };
+    if (const std::int64_t deleted = of(Change::deletion); deleted > 0)
+        return "Deleted " + counted(deleted, "file", "");
+    if (of(Change::making) > 0)
+        return "Made a directory";
+    const int keys = unsavedKeys(model) - unsavedBefore;
+    return keys > 0 ? "Changed " + counted(keys, "key", "") : "";
+}
+
+std::string namedUnread(const TSXdatabase& model) {
+    const auto first = std::find_if(model.unread.begin(), model.unread.end(),
+                                    [](const Unread& thing) { return thing.weight != Unread::told; });
+    if (first == model.unread.end())
+        return "";
+    const std::string more = std::to_string(model.unreadcount() - 1);
+    return "Could not be read: " + first->name + (more == "0" ? "" : " and " + more + " more");
+}
+
 } // namespace
 
 TSXmainframe::TSXmainframe() {
@@ -99,7 +135,7 @@ void TSXmainframe::frameCreated() {
          std::initializer_list<TSXrowpane*>{problemPane.get(), typesPane.get(), entriesPane.get()})
         pane->SetTabStop();
     updateScrollRanges();
-    showStatus();
+    say("");
 }
 
 void TSXmainframe::updateScrollRanges() {
@@ -143,6 +179,7 @@ void TSXmainframe::frameCommand(std::uint32_t id) {
         showAllEntries();
         break;
     case rebuildCommand:
+        said.clear();
         rebuildDatabase();
         break;
     case saveCommand:
@@ -171,25 +208,39 @@ int TSXmainframe::canClose() {
 bool TSXmainframe::save() {
     database->saveall();
     unsavedFiles = changedFiles(*database);
-    showStatus();
+    say(unsavedFiles == 0 ? "Saved" : "");
     return unsavedFiles == 0;
 }
 
 // What the person should know although no message box says it, or says it any more.
-void TSXmainframe::showStatus() {
-    const int unread = database->unreadcount();
-    std::string line;
-    const auto add = [&line](const char* what, int count) {
-        if (count > 0)
-            line += (line.empty() ? "" : "; ") + (what + std::to_string(count));
+void TSXmainframe::say(const std::string& text) {
+    said = text;
+    std::string line = text;
+    const auto add = [&line](const std::string& part) {
+        if (!part.empty())
+            line += (line.empty() ? "" : line.back() == '.' ? " " : "; ") + part;
     };
-    add("Could not be read: ", unread);
-    add("Left out: ", static_cast<int>(database->unread.size()) - unread);
-    if (!line.empty())
-        line += " (see TXLOG.TXT)";
-    add("Files not saved: ", unsavedFiles);
-    add("Lines missing in TXLOG.TXT, which could not be written: ", lostLogLines());
+    const int unread = database->unreadcount();
+    add(counted(unsavedKeys(*database), "key", " not saved"));
+    add(database->problemcount > 0 ? counted(database->problemcount, "problem", "")
+        : unread > 0               ? "No problem in what could be read"
+                                   : "Nothing is wrong");
+    add(namedUnread(*database));
+    add(counted(static_cast<int>(database->unread.size()) - unread, "thing", " left out (see TXLOG.TXT)"));
+    add(counted(unsavedFiles, "file", " not saved"));
+    add(counted(lostLogLines(), "line", " missing in TXLOG.TXT, which could not be written"));
     statusBar->SetText(line.c_str());
+    statusBar->UpdateWindow();
+}
+
+void TSXmainframe::describeProblem() {
+    constexpr const char* costs[] = {"loses nothing", "clears keys", "deletes at once"}; // by Cost
+    const TSXproblem* const problem = database->getproblem(selectedProblem);
+    std::string text;
+    for (int n = 1; problem != nullptr && n <= problem->solutioncount(); ++n)
+        text += std::string(problem->solutionlabel(n)) + ": " +
+                costs[static_cast<std::size_t>(problem->solutioncost(n))] + ". ";
+    say(problem == nullptr ? text : text + problem->facts().meaning);
 }
 
 void TSXmainframe::showAllEntries() {
@@ -199,18 +250,31 @@ void TSXmainframe::showAllEntries() {
 }
 
 void TSXmainframe::solveProblem(std::uint32_t command) {
+    const TSXproblem* const problem = database->getproblem(selectedProblem);
+    int number = problem == nullptr ? 0 : problem->solutioncount();
+    while (number > 0 && problem->solutioncommand(number) != static_cast<int>(command))
+        --number;
+    if (number == 0)
+        return MessageBeep();
     SetCursor(IDC_WAIT);
-    const TSXproblem* problem = database->getproblem(selectedProblem);
-    const std::size_t changes = database->changes.size();
-    int result = 0;
-    for (int i = 1; problem != nullptr && i <= problem->solutioncount(); ++i)
-        if (problem->solutioncommand(i) == static_cast<int>(command))
-            result = problem->solve(i);
-    if (result == 1 || database->changes.size() > changes) // some of the files may have gone all the same
-        rebuildDatabase();
-    if (result != 1)
-        MessageBeep();
+    solve(*problem, number);
     SetCursor(IDC_ARROW);
+}
+
+void TSXmainframe::solve(const TSXproblem& problem, int number) {
+    const std::string label = problem.solutionlabel(number);
+    say(label + " ...");
+    const std::size_t changes = database->changes.size();
+    const int unsaved = unsavedKeys(*database);
+    const bool solved = problem.solve(number) == 1;
+    const std::string done = workDone(*database, changes, unsaved);
+    said = done.empty() ? label + (solved ? ": done" : ": not done") : done;
+    if (solved || database->changes.size() > changes) // some of the files may have gone all the same
+        rebuildDatabase();
+    else
+        say(said);
+    if (!solved)
+        MessageBeep();
 }
 
 void TSXmainframe::rebuildDatabase() {
@@ -218,7 +282,7 @@ void TSXmainframe::rebuildDatabase() {
     database->analyse();
     unsavedFiles = std::min(unsavedFiles, changedFiles(*database)); // a solution may have deleted one
     updateScrollRanges();
-    showStatus();
+    say(said);
     InvalidateRect(true);
     entriesPane->InvalidateRect(true);
     typesPane->InvalidateRect(true);
@@ -264,4 +328,5 @@ void TSXmainframe::changeKey(TSXkeyentry& entry, int type, int n, const char* te
             window->refreshEntry();
     entriesPane->updateScrollRange();
     entriesPane->InvalidateRect(false);
+    say("");
 }

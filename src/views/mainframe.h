@@ -13,6 +13,7 @@
 class TSXentriespane;
 class TSXentryframe;
 class TSXkeyentry;
+class TSXproblem;
 class TSXproblempane;
 class TSXtypespane;
 
@@ -37,6 +38,7 @@ public:
     void entryWindowClosed(const TSXentryframe& window); // frees its place; called by its destructor
     // Moves occurrence n of the key in a type to another key, as TSXdatabase::changekey does, and repaints.
     void changeKey(TSXkeyentry& entry, int type, int n, const char* text);
+    void describeProblem(); // the selected one, and what its solutions cost, in the status bar
 
     void paintFrame(CDC& dc) override;
     void frameCreated() override;
@@ -57,10 +59,12 @@ public:
 private:
     void updateScrollRanges();
     void showAllEntries();
-    bool save(); // false when something is left unsaved, which has been reported
-    void showStatus();
+    bool save();                       // false when something is left unsaved, which has been reported
+    void say(const std::string& text); // in the status bar, before what it always says
     void solveProblem(std::uint32_t command);
+    void solve(const TSXproblem& problem, int number);
     void closeEntryWindows();
 
     std::int32_t unsavedFiles = 0; // that the last save left with a change
+    std::string said;
 };

@@ -44,7 +44,7 @@ void TSXproblempane::updateScrollRange() {
     getClientSize(width, height);
     hRange = 0;
     vRange = scrollSteps(rowHeight * database->problemcount, height, vStep);
-    updateScrollBars();
+    updateRows();
 }
 
 void TSXproblempane::placeButtons(CDC& dc, int width) {
@@ -77,7 +77,7 @@ void TSXproblempane::mouseDown(int kind, int x, int y) {
     const int row = (y + vStep * vPos) / rowHeight + 1;
     const bool onRow = row >= 1 && row <= database->problemcount;
     if (onRow) {
-        owner.selectedProblem = row;
+        selectRow(row);
         InvalidateRect(false);
     }
     UpdateWindow(); // the selection stands on the screen before a menu opens
@@ -117,6 +117,7 @@ int TSXproblempane::selectedRow() const {
 
 void TSXproblempane::selectRow(int row) {
     owner.selectedProblem = row;
+    owner.describeProblem();
 }
 
 void TSXproblempane::openRow() {

@@ -39,7 +39,7 @@ void TSXtypespane::updateScrollRange() {
     getClientSize(width, height);
     hRange = 0;
     vRange = scrollSteps(rowHeight * (database->lasttype + 1), height, vStep);
-    updateScrollBars();
+    updateRows();
 }
 
 void TSXtypespane::paintPane(CDC& dc) {

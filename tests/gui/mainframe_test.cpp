@@ -39,6 +39,7 @@ TEST_F(DesktopTest, ASolutionThatFailsBeepsAndLeavesTheList) {
     diskFaultHook = nullptr;
     EXPECT_EQ(beeps, 5);
     EXPECT_EQ(::database->problemcount, before - 1) << "a file that has gone stays in the list";
+    EXPECT_TRUE(outerWidget(*main->statusBar)->accessibleName().startsWith("Deleted 1 file; "));
 }
 
 TEST_F(DesktopTest, LeavingAsksOnlyWhenSomethingIsUnsaved) {
@@ -56,27 +57,32 @@ TEST_F(DesktopTest, LeavingAsksOnlyWhenSomethingIsUnsaved) {
 
 TEST_F(DesktopTest, WhatWasNotReadOrNotSavedIsToldAndKeepsTheWindowOpen) {
     const auto status = [this] { return outerWidget(*main->statusBar)->accessibleName(); };
-    EXPECT_EQ(status(), "");
+    EXPECT_EQ(status(), "8 problems");
+    QTest::keyClick(clientWidget(*main->problemPane), Qt::Key_End);
+    EXPECT_TRUE(status().startsWith("Remove these experiment keys: clears keys. Add "))
+        << status().toStdString();
     ::database->createkeys();
     answer = IDYES;
     diskFaultHook = [](DiskOperation) { return true; };
     EXPECT_EQ(main->canClose(), 0);
     EXPECT_EQ(::database->ismodified(), 1);
-    EXPECT_EQ(status(), "Files not saved: 1");
+    EXPECT_EQ(status(), "2 keys not saved; 8 problems; 1 file not saved");
     EXPECT_GE(reports.size(), 2U) << "the failure is told beside the question";
     diskFaultHook = nullptr;
     command(101);
-    EXPECT_EQ(status(), "");
+    EXPECT_EQ(status(), "Saved; 8 problems");
     logEnabled = 1; // of a log that was not begun
     ::database->addunread({"seq/X.DEF", "no reason", Unread::whole});
     ::database->addunread({"seq/Y.DEF", "the same as X", Unread::told});
     command(102);
-    EXPECT_TRUE(status().startsWith("Could not be read: 1; Left out: 1 (see TXLOG.TXT); Lines missing in "));
+    EXPECT_TRUE(
+        status().startsWith("7 problems; Could not be read: seq/X.DEF; 1 thing left out (see TXLOG.TXT); "));
     main->selectedProblem = 1;
     while (::database->getproblem(main->selectedProblem)->kind != duplicatekeys)
         ++main->selectedProblem;
     command(renameduplicatescommand);
     EXPECT_NE(reports.back().find("seq/X.DEF"), std::string::npos) << reports.back();
+    EXPECT_TRUE(status().startsWith("Rename all duplicate keys: not done; ")) << status().toStdString();
     EXPECT_EQ(::database->ismodified(), 0);
     endLog();
 }

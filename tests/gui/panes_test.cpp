@@ -64,6 +64,10 @@ TEST_F(DesktopTest, ALongListOfProblemsScrollsToItsEnd) {
     EXPECT_EQ(main->selectedProblem, ::database->problemcount);
     click(pane, 10, bottom + 1);
     EXPECT_EQ(main->selectedProblem, ::database->problemcount) << "a click below the rows selects";
+    for (int i = 0; i < 30; ++i)
+        std::filesystem::remove(root / ("fprint/BAD" + std::to_string(i) + ".CNF"));
+    command(102);
+    EXPECT_LE(pane.vPos, 1) << "the rest of the list is out of sight";
 }
 
 TEST_F(DesktopTest, AClickSelectsAKeyInView) {

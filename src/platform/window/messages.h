@@ -65,7 +65,7 @@ public:
     virtual void onChar(std::uint32_t /*unicode*/, std::uint32_t /*repeat*/, std::uint32_t /*flags*/) {}
 
     // From the window's own bars, and in lines, three a notch, from wheel and touchpad. The code is a
-    // ScrollCode; the position is the thumb's, its low 16 bits with their sign, as the platform carries it.
+    // ScrollCode; the position is the thumb's.
     virtual void onVScroll(int /*code*/, int /*position*/) {}
     virtual void onHScroll(int /*code*/, int /*position*/) {}
 };

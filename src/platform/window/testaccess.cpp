@@ -13,10 +13,6 @@ COLORREF surfacePixel(const CWnd& window, int x, int y) {
     return colourOf(surface.image().pixel(place));
 }
 
-bool saveWindow(const CWnd& window, const char* path) {
-    return window.host() != nullptr && window.host()->grab().save(QString::fromUtf8(path), "PNG");
-}
-
 QWidget* clientWidget(const CWnd& window) {
     return window.host() == nullptr ? nullptr : window.host()->client();
 }

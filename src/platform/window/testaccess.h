@@ -29,8 +29,6 @@ extern Answers answers;
 
 // The colour on the window's surface in the middle of a client pixel; 0xFFFFFFFF outside of it.
 COLORREF surfacePixel(const CWnd& window, int x, int y);
-// Writes the whole window as it would be on the screen, with menu and bars and child windows, to a PNG file.
-bool saveWindow(const CWnd& window, const char* path);
 
 // The widgets that take real events: the client area (mouse, wheel) and the whole window (keys, close).
 QWidget* clientWidget(const CWnd& window);

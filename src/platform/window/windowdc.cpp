@@ -23,7 +23,7 @@ CPaintDC::CPaintDC(CWnd& window) : CDC(surfaceOf(window)) {
     state_->clipBox = region.boundingRect();
 }
 
-CClientDC::CClientDC(CWnd* window) : CDC(window == nullptr ? screenCanvas() : surfaceOf(*window)) {
+CClientDC::CClientDC(const CWnd* window) : CDC(window == nullptr ? screenCanvas() : surfaceOf(*window)) {
     if (!state_->canvas)
         return;
     if (window == nullptr) {

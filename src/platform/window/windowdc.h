@@ -18,6 +18,6 @@ public:
 // what was drawn.
 class CClientDC : public CDC {
 public:
-    explicit CClientDC(CWnd* window);
+    explicit CClientDC(const CWnd* window);
     ~CClientDC() override;
 };

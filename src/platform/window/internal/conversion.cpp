@@ -87,5 +87,5 @@ QString titleOf(std::string_view bytes) {
 }
 
 QString hintOf(std::string_view bytes) {
-    return bytes.empty() ? QString() : "<span>" + unicodeOf(bytes).toHtmlEscaped() + "</span>";
+    return bytes.empty() ? QString() : "<p style='white-space:nowrap'>" + unicodeOf(bytes).toHtmlEscaped();
 }

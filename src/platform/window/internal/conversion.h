@@ -22,4 +22,4 @@ std::size_t cutBetweenCharacters(std::string_view bytes, std::size_t limit);
 // The text for a menu or button, and for a title: with the marks doubled that Qt would not show there.
 QString labelOf(std::string_view bytes);
 QString titleOf(std::string_view bytes);
-QString hintOf(std::string_view bytes); // for a tooltip, which takes some texts for markup
+QString hintOf(std::string_view bytes); // for a tooltip of one line

@@ -57,6 +57,17 @@ int scrollCode(int action) {
     }
 }
 
+// The label with a mark before its first letter that none above it has: that key chooses it.
+QString withLetter(QString label, QString& taken) {
+    const auto* const free = std::find_if(label.cbegin(), label.cend(), [&](QChar letter) {
+        return letter.isLetter() && !taken.contains(letter, Qt::CaseInsensitive);
+    });
+    if (free == label.cend())
+        return label;
+    taken += *free;
+    return label.insert(free - label.cbegin(), '&');
+}
+
 std::vector<WindowHost*> childHosts(const QObject& parent) {
     std::vector<WindowHost*> found;
     for (QObject* child : parent.children()) {
@@ -148,11 +159,15 @@ void WindowHost::setMenu(const MenuResource& menu) {
     menu_->setNativeMenuBar(false);
     QMenu* column = nullptr;
     const char* title = nullptr;
+    QString titleLetters;
+    QString letters;
     for (const MenuEntry& entry : menu.entries) {
-        if (column == nullptr || std::string_view(title) != entry.menu)
-            column = menu_->addMenu(labelOf(entry.menu));
+        if (column == nullptr || std::string_view(title) != entry.menu) {
+            column = menu_->addMenu(withLetter(labelOf(entry.menu), titleLetters));
+            letters.clear();
+        }
         title = entry.menu;
-        connect(column->addAction(labelOf(entry.text)), &QAction::triggered, this,
+        connect(column->addAction(withLetter(labelOf(entry.text), letters)), &QAction::triggered, this,
                 [this, id = entry.id] { postCommand(id); });
     }
 }
@@ -287,11 +302,10 @@ void WindowHost::barMoved(ScrollBarKind kind, int action) {
 void WindowHost::sendScroll(ScrollBarKind kind, int code, int position) {
     if (wnd_ == nullptr)
         return;
-    const int carried = static_cast<std::int16_t>(position); // as wide as the message is
     if (kind == SB_VERT)
-        wnd_->onVScroll(code, carried);
+        wnd_->onVScroll(code, position);
     else
-        wnd_->onHScroll(code, carried);
+        wnd_->onHScroll(code, position);
 }
 
 void WindowHost::setTimer(std::uint32_t id, int milliseconds) {
