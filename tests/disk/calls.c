@@ -12,6 +12,8 @@
 // each change of the disk, with all bytes, in order CALLS_SHOWN=PATH       lines "number other": a file of
 // that number is shown and recorded under the other one, as on the disk from which it was copied CALLS_ADD=N
 // is added to all other numbers
+// CALLS_NAMED=1          there are no files without a name
+// CALLS_CLOCK=N          the time of day is N seconds later
 #define _GNU_SOURCE
 #undef _FORTIFY_SOURCE
 #include <dirent.h>
@@ -30,6 +32,7 @@
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
+#include <time.h>
 #include <unistd.h>
 
 #define REAL(name) ((__typeof__(&name))dlsym(RTLD_NEXT, #name))
@@ -37,7 +40,7 @@
 enum { MOST = 4096, NEVER = -1, BLOCK = 512 };
 static const char *root, *sector, *command;
 static regex_t only;
-static long at, from, shortened, ended, killed, paused, error, calls, added;
+static long at, from, shortened, ended, killed, paused, error, calls, added, later, named;
 static int list = -1, records = -1, known;
 static struct { unsigned long real, shown; } numbers[MOST];
 
@@ -73,6 +76,8 @@ __attribute__((constructor)) static void start(void) {
     killed = number("CALLS_KILL", NEVER);
     paused = number("CALLS_PAUSE", NEVER);
     added = number("CALLS_ADD", 0);
+    later = number("CALLS_CLOCK", 0);
+    named = number("CALLS_NAMED", 0);
     root = getenv("CALLS_BELOW");
 }
 
@@ -229,6 +234,10 @@ static int opened(long call, int directory, const char* path, int flags, mode_t 
     struct stat state;
     if (fails(call))
         return -1;
+    if (named != 0 && (flags & O_TMPFILE) == O_TMPFILE) {
+        errno = EOPNOTSUPP;
+        return -1;
+    }
     const int existed = REAL(fstatat)(directory, path, &state, AT_SYMLINK_NOFOLLOW) == 0;
     const int file = REAL(openat)(directory, path, flags, mode);
     if (file < 0 || call == 0)
@@ -371,6 +380,19 @@ int fcntl(int file, int request, ...) {
     const int locks =
         request == F_OFD_SETLK || request == F_OFD_GETLK || request == F_SETLK || request == F_GETLK;
     return locks && fails(counts("fcntl", file, NULL)) ? -1 : REAL(fcntl)(file, request, argument);
+}
+
+int clock_gettime(clockid_t clock, struct timespec* now) {
+    const int result = REAL(clock_gettime)(clock, now);
+    now->tv_sec += clock == CLOCK_REALTIME ? later : 0;
+    return result;
+}
+
+time_t time(time_t* now) {
+    const time_t moment = REAL(time)(NULL) + later;
+    if (now != NULL)
+        *now = moment;
+    return moment;
 }
 
 // A kernel that does not know openat2, which would pass by the calls above.

@@ -9,6 +9,7 @@ import pathlib
 import random
 import re
 import shutil
+import signal
 import stat
 import struct
 import subprocess
@@ -22,6 +23,7 @@ from programtest import bytes_of, oracle  # noqa: E402
 
 AT_WORK = "changing_db.txf"  # stands in a database while it is being changed, and after an interruption
 FIELD, CAPACITY = 69, 61
+NOBODY, DUPLICATE, REPAIR = 65534, "DBASE/DUPL2.DBS", ["--preen", "--save"]
 CHANGED, LEFT, FAILED = 1, 4, 8  # of which an exit status is the sum
 Entry = collections.namedtuple("Entry", "mode owner group time attributes names content")
 Outcome = collections.namedtuple("Outcome", "status document said")
@@ -202,3 +204,53 @@ def attempts(rows, attempt):
                 job.result()
             except Exception as fault:  # the next one is still worth a look
                 yield row, f"{type(fault).__name__}: {str(fault)[:700]}"
+
+
+CASES = {}
+
+
+def case(*rows, needs_root=False):
+    """Each row is the name of a case and what its function gets beside the place."""
+
+    def add(function):
+        for row in rows or [()]:
+            CASES[" ".join([function.__name__.replace("_", " "), *map(str, row[:2])])] = function, row, needs_root
+        return function
+
+    return add
+
+
+def new_place(root):
+    place = Place(root)
+    place.sample("--files", "2", "--entries", "8", "--types", "1", "--experiments", "1", "--records", "8", "--damage",
+                 "duplicates,orphans")
+    os.makedirs(place.state)
+    os.chmod(os.path.dirname(root), 0o755)
+    return place
+
+
+def give_away(place):
+    for at, below, files in os.walk(place.root):
+        for name in [".", *below, *files]:
+            os.chown(os.path.join(at, name), NOBODY, NOBODY)
+
+
+def try_cases(not_yet=()):
+    """What is not yet good has to fail."""
+    given = arguments(("--case", ""))
+    signal.signal(signal.SIGINT, signal.default_int_handler)  # which a shell lets its background jobs ignore
+    wrong = later = 0
+    for name in [name for name in CASES if given.case in name]:
+        function, row, needs_root = CASES[name]
+        if needs_root and os.geteuid() != 0:
+            print(f"left out, it needs root: {name}")
+            continue
+        with tempfile.TemporaryDirectory() as work:
+            faults = [fault for _, fault in attempts([(new_place(os.path.join(work, "place")), *row)], function)]
+        expected = name.startswith(tuple(not_yet))
+        later += expected
+        if bool(faults) != expected or given.case:
+            wrong += bool(faults) != expected
+            print(f"{name}: {faults[0] if faults else 'good'}", flush=True)
+    print(f"{len(CASES)} cases, {later} not yet good, {wrong} wrong")
+    return 1 if wrong else 0
