@@ -15,7 +15,6 @@
 #include "model/datafile.h"
 #include "model/dbsfile.h"
 #include "reporting/log.h"
-#include "undo/keeper.h"
 
 namespace {
 
@@ -104,10 +103,9 @@ void save(TSXdatabase& database) {
 
 // Changes every key and saves, with an undo file where that is asked for.
 void measureSave(const char* path, bool undo) {
-    UndoKeeper keeper(path, UndoKeeper::WithoutPlace::refuse);
     TSXdatabase database("");
     database.load(path);
-    database.keeper = undo ? &keeper : nullptr;
+    database.committer = std::make_unique<Committer>(database.tree, CommitOptions{.keepundo = undo});
     forEachFile(database, [](TSXdatafile& file) {
         for (int r = 1; r <= file.keycount; ++r)
             file.setkey(r, (std::to_string(r) + " changed").c_str());

@@ -1,10 +1,12 @@
 // Makes the first inputs of each fuzz target from two small samples, a sound one and one with every damage.
 #include <cstdio>
 
+#include "changes/carryout.h"
+#include "changes/frames.h"
+#include "changes/undowriter.h"
 #include "places.h"
 #include "sample.h"
 #include "tempdir.h"
-#include "undo/undowriter.h"
 
 namespace {
 
@@ -37,26 +39,38 @@ void writeSeeds(const std::string& corpus, const Target& target, const TempDir& 
     writeFile(stem + "-all", all);
 }
 
-// The items of an undo file of the small database of that target, as of a finished and an interrupted run.
+// The frames of an undo file of the small database of that target.
 bool writeUndoSeeds(const std::string& corpus) {
     const TempDir place;
-    const std::string undo = place / "seed.undo", database = place / "database";
     setenv("XDG_STATE_HOME", place.path().c_str(), 1);
-    fs::create_directories(database + "/DBASE");
+    fs::create_directories(place / "database/DBASE");
     fs::create_directories(corpus + "/fuzz_undo");
-    writeFile(database + "/DBASE/A.DBS", std::string(200, 'a'));
-    writeFile(database + "/DBASE/B.DBS", std::string(100, 'b'));
-    UndoWriter writer(database, undo);
-    const bool kept = writer.addKeys("DBASE/A.DBS", {{1, 7, std::string(69, 'a'), std::string(69, 'c')}}) &&
-                      writer.addDeletion("DBASE/B.DBS") && writer.addMaking("DBASE/C.DBS") && writer.commit();
-    writeFile(database + "/DBASE/C.DBS", "c");
-    UndoFile file;
-    if (!kept || !writer.finish() || !readUndoFile(undo, file).empty())
+    writeFile(place / "database/DBASE/A.DBS", std::string(200, 'a'));
+    writeFile(place / "database/DBASE/B.DBS", std::string(100, 'b'));
+    Tree tree;
+    std::vector<Change> group(3);
+    group[0].file = "DBASE/A.DBS";
+    group[0].sizeafter = 200;
+    addfield(group[0], 1, 7, std::string(69, 'a'), std::string(69, 'c'));
+    group[1] = deletionof("DBASE/B.DBS", {});
+    group[2] = makingof("DBASE/C.DBS", EntryState::plain, contentOf(std::string("c")));
+    UndoWriter writer("", false);
+    if (tree.open(place / "database") || draftdeletion(tree, {}, group[1]) ||
+        !writer.keep(tree, group).empty())
         return false;
-    const std::string items =
-        file.bytes.substr(UndoHeader::size + 8 + file.directory.size() + file.program.size());
-    for (const char* first : {"0", "1"})
-        writeFile(corpus + "/fuzz_undo/" + first, first + items);
+    const std::string bytes = readFile(writer.path());
+    std::string seed;
+    Decoder from(std::string_view(bytes).substr(UndoHeader::size));
+    while (from.good && !from.rest.empty()) {
+        const auto kind = from.number<std::uint8_t>();
+        const auto length = from.number<std::uint32_t>();
+        from.number<std::uint32_t>();
+        const std::string_view frame = from.take(length);
+        if (kind != static_cast<std::uint8_t>(FrameKind::head))
+            seed +=
+                Encoder().number(kind).number(static_cast<std::uint16_t>(length)).bytes + std::string(frame);
+    }
+    writeFile(corpus + "/fuzz_undo/0", seed);
     return true;
 }
 

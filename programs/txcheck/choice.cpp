@@ -1,9 +1,9 @@
 #include "choice.h"
 
+#include "changes/restore.h"
 #include "platform/system/errors.h"
 #include "settings/settings.h"
 #include "told.h"
-#include "undo/restore.h"
 
 namespace {
 
@@ -58,8 +58,11 @@ std::optional<std::vector<Chosen>> chooseDatabases(const Options& options) {
         return all;
     if (options.restore && !options.database && !options.home) {
         std::string why;
-        const std::string recorded = recordedDirectory(*options.restore, why);
-        return why.empty() ? std::optional(std::vector{Chosen{recorded, recorded}}) : refuse(why);
+        const std::string recorded = recordeddirectory(*options.restore, why);
+        if (!why.empty())
+            return refuse(why);
+        all.push_back({recorded, recorded});
+        return all;
     }
     DatabaseSettings settings;
     readSettingsStore(settings);

@@ -233,9 +233,9 @@ void fillSolved(Row& row, const SolvedStep& step, bool planned) {
     row.number("command", "", step.command).number("result", "", step.result);
 }
 
-void fillChange(Row& row, const Change& change) {
-    constexpr const char* words[] = {"key", "deleted", "made"};
-    const bool key = change.kind == Change::key;
+void fillChange(Row& row, const ChangeLine& change) {
+    constexpr const char* words[] = {"", "key", "deleted", "made"};
+    const bool key = change.kind == Change::keys;
     row.text("", "Change", words[change.kind], 7);
     row.text(key ? "file" : words[change.kind], "", change.file);
     if (key) {
@@ -265,6 +265,16 @@ template <class Things, class Fill> std::function<bool(Row&)> eachOf(const Thing
     return rowsTo(things.size(), [&things, fill](Row& row, std::size_t n) { fill(row, things[n]); });
 }
 
+std::function<bool(Row&)> linesOf(const std::vector<Change>& changes) {
+    return [lines = ChangeLines(changes), line = ChangeLine()](Row& row) mutable {
+        const bool more = lines.next(line);
+        row.clear();
+        if (more)
+            fillChange(row, line);
+        return more;
+    };
+}
+
 std::function<bool(Row&)> sentences(const Session& session, const Options& options) {
     const std::vector<Sentence> told = outcome(session, options);
     return rowsTo(told.size(), [told](Row& row, std::size_t n) {
@@ -286,7 +296,7 @@ void addDone(std::vector<Section>& sections, const Session& session) {
                                })));
     sections.push_back(section("changes", "changes",
                                planned ? "What would be changed on the disk" : "Changed on the disk",
-                               Section::list, eachOf(database.changes, fillChange)));
+                               Section::list, linesOf(database.changes)));
 }
 
 Section directoryOf(const TSXdatabase& database) {

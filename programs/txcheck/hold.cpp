@@ -5,8 +5,6 @@
 #include "model/database.h"
 #include "model/marker.h"
 #include "platform/system/errors.h"
-#include "platform/system/filesearch.h"
-#include "platform/system/path.h"
 #include "told.h"
 
 namespace {
@@ -20,28 +18,28 @@ std::string inOneLine(std::string text) {
     return text;
 }
 
-// What lies below a directory that can't be read is unknown as a whole. The number of the reason, 0 for none.
-std::uint32_t unreadable(const std::string& directory) {
-    WIN32_FIND_DATAA match;
-    std::vector<std::string> passedOver;
-    FindHandle search = FindFirstFileA((directory + "/*").c_str(), match, passedOver);
-    FindClose(search);
-    const std::uint32_t number = search == nullptr ? GetLastError() : ERROR_SUCCESS;
-    return number == ERROR_FILE_NOT_FOUND ? ERROR_SUCCESS : number;
+std::string unreadable(const std::string& directory, Failure failure) {
+    return directory + ": Unable to read the database directory (Error code " +
+           std::to_string(failure.number) + ": " + failure.text() +
+           "). Give one that is there and that you may read";
 }
 
-// Why no database can be checked under that path; empty where one can.
-std::string obstacle(const std::string& directory) {
+// Why no database can be checked under that path; empty where one can. What lies below a directory that can't
+// be read is unknown as a whole.
+std::string obstacle(Tree& tree, const std::string& directory) {
     constexpr std::size_t longest = decltype(TSXdatabase::directory)::capacity() - 1;
     if (directory.empty())
         return "The path of the database directory is empty";
     if (directory.size() > longest)
         return "The path of the database directory is too long: it has at most " + std::to_string(longest) +
                " bytes";
-    if (const std::uint32_t number = unreadable(directory); number != ERROR_SUCCESS)
-        return directory + ": Unable to read the database directory (Error code " + std::to_string(number) +
-               ": " + errorText(number) + "). Give one that is there and that you may read";
-    return isDatabase(directory.c_str()) ? std::string() : noDatabaseText(directory.c_str());
+    std::vector<std::string> names;
+    Failure failure = tree.open(directory);
+    if (!failure)
+        failure = tree.names(".", names);
+    if (failure)
+        return unreadable(directory, failure);
+    return isDatabase(tree) ? std::string() : noDatabaseText(directory.c_str());
 }
 
 } // namespace
@@ -51,18 +49,27 @@ Hold::~Hold() {
         CloseHandle(marker);
 }
 
-bool Hold::take(const std::string& directory, Marker wish) {
-    if (const std::string text = obstacle(directory); !text.empty()) {
+bool Hold::take(Tree& opened, const std::string& directory, Marker wish) {
+    if (const std::string text = obstacle(opened, directory); !text.empty()) {
         tell(text);
         return false;
     }
-    const std::string path = directory + "/" + markerName;
-    if (wish == Marker::left || (wish == Marker::present && !pathExists(path)))
-        return true;
-    marker = openMarker(directory.c_str());
+    Entry there;
+    const bool missing = wish == Marker::present && !opened.look(markerName, Links::refused, there) &&
+                         there.state.kind == EntryState::missing;
+    return wish == Marker::left || missing || lock(opened, directory);
+}
+
+bool Hold::lock(Tree& opened, const std::string& directory) {
+    tree = &opened;
+    marker = openMarker(opened);
     if (marker != INVALID_HANDLE_VALUE)
         return true;
     const std::string advice = lockAdvice(directory.c_str());
-    tell(path + ": " + inOneLine(lockFailureText() + advice));
+    tell(directory + "/" + markerName + ": " + inOneLine(lockFailureText() + advice));
     return false;
+}
+
+Failure Hold::stands() const {
+    return marker == INVALID_HANDLE_VALUE ? Failure() : holdStands(marker, *tree, markerName);
 }

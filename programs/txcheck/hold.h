@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/system/hold.h"
+#include "platform/system/tree.h"
 
 class Hold {
 public:
@@ -20,8 +21,13 @@ public:
 
     // Makes sure that a database is there and can be read, and takes hold of it. False when that can't be
     // done, which has been told; nothing has been touched then.
-    bool take(const std::string& directory, Marker wish);
+    // The tree is opened.
+    bool take(Tree& tree, const std::string& directory, Marker wish);
+    Failure stands() const; // whether it is still held, looked at anew
 
 private:
+    bool lock(Tree& opened, const std::string& directory);
+
     HANDLE marker = INVALID_HANDLE_VALUE;
+    Tree* tree = nullptr;
 };

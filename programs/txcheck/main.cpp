@@ -101,7 +101,8 @@ int main(int argc, char** argv) {
     if (!options)
         return status;
     if (options->undoList)
-        return writeUndoList(std::cout, options->json);
+        return writeUndoList(std::cout, options->directories.empty() ? "" : options->directories[0],
+                             options->json);
     const std::optional<std::vector<Chosen>> all = chooseDatabases(*options);
     if (!all)
         return statusFailed;

@@ -33,7 +33,9 @@ constexpr Flag flags[] = {
     {"-s,--save", &Options::save, "Write the changed keys to disk"},
     {"--plan", &Options::plan, "Show what the repairs and the save would change, and write nothing"},
     {"--no-undo", &Options::noUndo, "Make no undo file; what is changed then can't be taken back"},
-    {"--undo-list", &Options::undoList, "List the undo files of this user, and do nothing else"},
+    {"--undo-list", &Options::undoList, "List the undo files of this user, or those about DIRECTORY"},
+    {"--forget-interrupted", &Options::forgetInterrupted,
+     "Take the database as it stands where a change of it was interrupted and can't be finished"},
     {"--no-lock", &Options::noLock, "Take no hold of the database, for a copy on a read-only medium"},
     {"-q,--quiet", &Options::quiet, "Write no report where nothing is wrong and nothing was done"},
     {"--json", &Options::json, "Write one JSON document to standard output"},
@@ -268,8 +270,12 @@ void interpret(const CLI::App& app, const Words& words, Options& options) {
         refuseForSeveral(options);
     if (options.undo && options.noUndo)
         refuse("--undo", "does not go with --no-undo");
-    if (options.restore && (changes || options.noLock || options.plan))
-        refuse("--restore", "goes with no repair, and with none of --save, --plan and --no-lock");
+    if (options.restore && (changes || options.noLock))
+        refuse("--restore", "goes with no repair, and with neither --save nor --no-lock");
+    if (options.undoList && (changes || options.restore))
+        refuse("--undo-list", "goes with no repair, and with neither --save nor --restore");
+    if (options.forgetInterrupted && (options.noLock || options.plan))
+        refuse("--forget-interrupted", "goes with neither --no-lock nor --plan, which change nothing");
     if (options.noLock && changes)
         refuse("--no-lock", "goes with no repair and no --save: without the hold the database may be in use "
                             "elsewhere");

@@ -49,6 +49,7 @@ struct Options {
     std::optional<std::string> writeKnown; // a file
     std::optional<std::string> report;     // an HTML file
     std::optional<std::string> log;
+    bool forgetInterrupted = false;
     std::optional<std::string> undo;    // a file
     std::optional<std::string> restore; // a file
     bool noUndo = false;

@@ -80,7 +80,7 @@ std::string inShort(const Session& session) {
         return "could not be checked";
     const int problems = session.known.unknownIn(session.database);
     const int unread = filesNotReadable(session);
-    const long changes = static_cast<long>(session.database.changes.size());
+    const long changes = static_cast<long>(countlines(session.database.changes));
     std::string text = problems > 0 ? counted(problems, "problem", "problems") : "no problem";
     if (unread > 0)
         text += ", " + counted(unread, "file", "files") + " not readable";

@@ -5,7 +5,6 @@
 #include "model/datafile.h"
 #include "model/fileclass.h"
 #include "platform/system/letters.h"
-#include "platform/system/path.h"
 #include "told.h"
 
 namespace {
@@ -17,10 +16,13 @@ bool hasExtension(const std::string& name, const char* extension) {
 
 } // namespace
 
-Progress::Progress(const std::string& directory) {
+Progress::Progress(Tree& tree) {
+    std::vector<std::string> names;
     for (const FileClass& format : fileclasses)
-        for (const std::string& name : directoryEntries(directory + '/' + format.directory))
-            total += hasExtension(name, format.extension) ? 1 : 0;
+        if (!tree.names(format.directory, names))
+            total += std::count_if(names.begin(), names.end(), [&](const std::string& name) {
+                return hasExtension(name, format.extension);
+            });
 }
 
 void Progress::show(const TSXdatafile& file) {

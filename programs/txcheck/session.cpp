@@ -2,6 +2,7 @@
 
 #include <sstream>
 
+#include "changes/restore.h"
 #include "concern.h"
 #include "ending.h"
 #include "model/marker.h"
@@ -14,8 +15,6 @@
 #include "status.h"
 #include "textfile.h"
 #include "told.h"
-#include "undo/journal.h"
-#include "undo/restore.h"
 
 Session::Session(const Options& given, Together& with, std::string name)
     : database(""), label(std::move(name)), steps(database, given, known), options(given), together(with) {
@@ -54,58 +53,61 @@ bool Session::open(const std::string& directory) {
     if (const std::string failure = options.known ? known.read(*options.known, directory) : "";
         !failure.empty())
         return refuse(failure);
-    if (!hold.take(directory, options.noLock ? Hold::Marker::left
-                              : options.plan ? Hold::Marker::present
-                                             : Hold::Marker::made))
+    if (!hold.take(*database.tree, directory,
+                   options.noLock ? Hold::Marker::left
+                   : options.plan ? Hold::Marker::present
+                                  : Hold::Marker::made))
         return false;
-    if (!finishEarlier(directory))
+    if (!finishEarlier())
         return false;
-    if (hasConnectedDatabase(directory.c_str()))
+    if (hasConnectedDatabase(*database.tree))
         tell(std::string("Warning: ") + connectedDatabaseText + " It goes on");
     if (options.log && !startLog(1, options.log->c_str()))
         return false;
     database.directory = directory.c_str();
-    for (const std::string& text : finished)
+    for (const std::string& text : earlier.texts)
         logLine(text.c_str());
-    if (!options.noUndo)
-        keepUndo();
+    database.committer = std::make_unique<Committer>(database.tree, commitOptions());
+    if (earlier.outcome == Finished::left)
+        database.committer->closed = "An interrupted change waits to be finished";
     return true;
 }
 
 // What a run that was interrupted has left half done must not be read as if it were whole.
-bool Session::finishEarlier(const std::string& directory) {
-    if (options.noLock || options.plan) {
-        if (isInterrupted(directory))
-            tell("Warning: a change of this database was interrupted; the next run with neither --no-lock "
-                 "nor --plan "
-                 "finishes it first");
-        return true;
-    }
-    const FinishedWork work = finishInterrupted(directory);
-    finished = work.texts;
-    for (const std::string& text : finished)
+bool Session::finishEarlier() {
+    earlier = finishinterrupted(*database.tree, options.noLock || options.plan ? Wish::look
+                                                : options.forgetInterrupted    ? Wish::forget
+                                                                               : Wish::finish);
+    for (const std::string& text : earlier.texts)
         tell(text);
-    return work.complete || refuse("The database is left as it is until that is finished");
+    steps.failed = steps.failed || earlier.outcome == Finished::left;
+    return earlier.outcome != Finished::busy || refuse("The database is left alone");
 }
 
-void Session::keepUndo() {
-    keeper = std::make_unique<UndoKeeper>(database.directory.c_str(), UndoKeeper::WithoutPlace::refuse,
-                                          options.undo.value_or(""));
-    database.keeper = keeper.get();
+CommitOptions Session::commitOptions() {
+    return {.keepundo = !options.noUndo, .undofile = options.undo.value_or(""), .holds = [this] {
+                return hold.stands();
+            }};
 }
 
 void Session::restoreFrom(const std::string& undoFile) {
     endBetweenSteps();
-    const RestoreResult result = restore(
-        {undoFile, database.directory.c_str(), options.yes, !options.noUndo, options.undo.value_or("")});
+    RestoreResult result;
+    if (earlier.outcome == Finished::left && !options.plan)
+        result.refused = "Nothing is restored while an interrupted change waits to be finished";
+    else
+        result = restore(
+            database.tree,
+            {.undofile = undoFile, .yes = options.yes, .plan = options.plan, .commit = commitOptions()});
     for (const std::string& text : result.left)
         refuse(text);
     if (!result.refused.empty())
         refuse(result.refused);
-    if (!result.ownUndoFile.empty())
-        tell("The restore can be taken back with --restore " + result.ownUndoFile);
-    for (const Change& change : result.changes)
-        database.addchange(change);
+    steps.failed = steps.failed || result.open;
+    if (!result.ownundofile.empty())
+        tell("The restore can be taken back with --restore " + result.ownundofile);
+    for (Change& change : result.changes)
+        database.addchange(std::move(change));
     run();
 }
 
@@ -119,8 +121,9 @@ void Session::tellUnread() {
 
 void Session::run() {
     if (options.progress)
-        database.fileread = [progress = Progress(database.directory.c_str())](
-                                const TSXdatafile& file) mutable { progress.show(file); };
+        database.fileread = [progress = Progress(*database.tree)](const TSXdatafile& file) mutable {
+            progress.show(file);
+        };
     database.load(std::string(database.directory).c_str());
     loaded = true;
     endProgress();
@@ -192,7 +195,7 @@ int Session::status() const {
     const int unread = known.unreadIn(database) > 0 ? statusFailed : 0;
     if (options.plan)
         return failed | unread | (steps.found ? statusLeft : 0);
-    const bool changed = !finished.empty() || !database.changes.empty();
+    const bool changed = earlier.changed || !database.changes.empty();
     const bool left = known.unknownIn(database) > 0 || database.ismodified() == 1;
     return failed | unread | (changed ? statusChanged : 0) | (left ? statusLeft : 0);
 }

@@ -7,12 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "changes/finish.h"
 #include "hold.h"
 #include "known.h"
 #include "model/database.h"
 #include "options.h"
 #include "steps.h"
-#include "undo/keeper.h"
 
 class PageForm;
 
@@ -52,8 +52,8 @@ public:
     bool saved = false; // a save was asked for, and nothing is left unsaved
 
 private:
-    bool finishEarlier(const std::string& directory);
-    void keepUndo();
+    bool finishEarlier();
+    CommitOptions commitOptions();
     int answer(const char* text, const char* title, std::uint32_t flags);
     void tellUnread();
     bool save();
@@ -66,6 +66,5 @@ private:
     Together& together;
     Hold hold;
     std::set<std::string> toldUnread;
-    std::vector<std::string> finished; // of an earlier run, for the log
-    std::unique_ptr<UndoKeeper> keeper;
+    Finished earlier; // what an earlier run had left
 };

@@ -1,7 +1,6 @@
 #include "textfile.h"
 
 #include "platform/system/errors.h"
-#include "platform/system/path.h"
 
 namespace {
 
@@ -9,34 +8,53 @@ std::string failure(const std::string& path, const char* what) {
     return path + ": " + what + ": " + errorText(GetLastError());
 }
 
+std::string linkFailure(const std::string& path, const char* what) {
+    return path + ": " + what + ", since it is a link. Give the file itself";
+}
+
+bool standsIn(const Tree& place, const std::string& directory) {
+    Tree database;
+    std::string inner, outer;
+    return !database.open(directory) && !place.fullPath(inner) && !database.fullPath(outer) &&
+           (inner + "/").starts_with(outer + "/");
+}
+
 } // namespace
 
 std::string readTextFile(const std::string& path, std::string& content) {
-    constexpr std::size_t piece = 65536;
-    ByteStream stream;
-    if (!stream.open(path.c_str(), OpenMode::read))
-        return failure(path, "The file can't be opened");
-    std::size_t count = 0;
-    do {
-        content.resize(content.size() + piece);
-        count = stream.read(content.data() + content.size() - piece, piece);
-        content.resize(content.size() - piece + count);
-    } while (count > 0);
-    SetLastError(stream.readFailure());
-    return stream.readFailure() == 0 ? std::string() : failure(path, "The file can't be read");
+    constexpr std::int64_t longest = std::int64_t{64} << 20;
+    Tree place;
+    File file;
+    std::string name;
+    Failure reason = place.openDirectoryOf(path, name);
+    if (!reason)
+        reason = place.openToRead(name, file, Links::refused);
+    if (!succeeded(reason))
+        return reason.number == ERROR_CANT_RESOLVE_FILENAME ? linkFailure(path, "The file is not read")
+                                                            : failure(path, "The file can't be opened");
+    if (file.opened().size > longest)
+        return path + ": The file is not read, since it has more than 64 MiB";
+    reason = file.read(0, static_cast<std::size_t>(file.opened().size), content);
+    return succeeded(reason) ? std::string() : failure(path, "The file can't be read");
 }
 
 std::string TextFile::open(const std::string& path, const std::vector<std::string>& databases) {
     name = path;
-    for (const std::string& database : databases)
-        if (leadsInto(path, database))
+    Tree place;
+    std::string last;
+    if (!succeeded(place.openDirectoryOf(path, last)))
+        return failure(path, "The file can't be made");
+    for (const std::string& directory : databases)
+        if (standsIn(place, directory))
             return path +
                    ": The file is not written, since it would stand in the database. Give another place";
-    if (stream.open(path.c_str(), OpenMode::write))
+    if (stream.open(place, last, OpenMode::write, Links::refused))
         return {};
     if (GetLastError() == ERROR_ALREADY_EXISTS)
         return path + ": The file is not written, since it has a second name, which may be one of the data. "
                       "Give another place";
+    if (GetLastError() == ERROR_CANT_RESOLVE_FILENAME)
+        return linkFailure(path, "The file is not written");
     return failure(path, "The file can't be made");
 }
 

@@ -9,11 +9,13 @@
 
 #include "platform/system/bytestream.h"
 
-// Empty on success, else what could not be done, with the path and the reason.
+#include "platform/system/tree.h"
+
+// Empty on success, else what could not be done, with the path and the reason. At most 64 MiB are read.
 std::string readTextFile(const std::string& path, std::string& content);
 
 // A file that is written as its text is made. A new one appears whole at close or not at all; nothing below a
-// database directory is written.
+// database directory is written, and nothing through a link.
 class TextFile : private std::streambuf {
 public:
     // Empty on success, else what could not be done, with the path and the reason; close tells of the writing

@@ -5,11 +5,11 @@
 #include <nlohmann/json.hpp>
 #include <ostream>
 
+#include "changes/place.h"
 #include "reporting/printable.h"
 #include "shown.h"
 #include "status.h"
 #include "told.h"
-#include "undo/undolist.h"
 
 namespace {
 
@@ -22,27 +22,54 @@ std::string timeText(std::int64_t seconds) {
     return text;
 }
 
+std::string stateOf(const UndoListEntry& entry) {
+    const UndoHeader& header = entry.header;
+    std::string state = header.isrestore == 1 ? "a restore" : "";
+    if (header.restoredfrom != UndoHeader::never)
+        state += std::string(state.empty() ? "" : "; ") +
+                 (header.restoredfrom == 1 ? "restored" : "restored in part");
+    if (header.isopen())
+        state += std::string(state.empty() ? "" : "; ") + "interrupted, or at work";
+    return state;
+}
+
 void writeEntry(std::ostream& out, const UndoListEntry& entry) {
     if (!entry.damage.empty()) {
         out << printable(entry.path) << ": " << entry.damage << '\n';
         return;
     }
-    out << timeText(entry.time) << std::setw(9) << entry.changes << " changes" << std::setw(12) << entry.size
-        << " bytes  " << printable(entry.directory) << "  " << printable(entry.path)
-        << (entry.open ? "  (interrupted, or at work)\n" : "\n");
+    const std::string state = stateOf(entry);
+    out << timeText(entry.time) << "  "
+        << summaryof(entry.header.keys, entry.header.deletions, entry.header.makings)
+        << (state.empty() ? "" : " (" + state + ")") << "\n    in " << printable(entry.directory)
+        << "\n    txcheck --restore " << printable(entry.path) << "\n    kept until "
+        << timeText(entry.maygo).substr(0, 10) << " or longer, " << entry.size << " bytes\n";
 }
 
 nlohmann::ordered_json jsonOf(const UndoListEntry& entry) {
-    return {{"file", shown(entry.path)}, {"time", entry.time},       {"directory", shown(entry.directory)},
-            {"size", entry.size},        {"changes", entry.changes}, {"open", entry.open},
+    const UndoHeader& header = entry.header;
+    return {{"file", shown(entry.path)},
+            {"time", entry.time},
+            {"directory", shown(entry.directory)},
+            {"size", entry.size},
+            {"keys", header.keys},
+            {"deleted", header.deletions},
+            {"made", header.makings},
+            {"open", header.isopen()},
+            {"restore", header.isrestore == 1},
+            {"restored", header.restoredfrom != UndoHeader::never},
+            {"maygo", entry.maygo},
             {"damage", entry.damage}};
 }
 
 } // namespace
 
-int writeUndoList(std::ostream& out, bool json) {
+int writeUndoList(std::ostream& out, const std::string& directory, bool json) {
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
-    for (const UndoListEntry& entry : listUndoFiles())
+    const std::vector<UndoListEntry> entries = listundofiles(directory);
+    if (entries.empty() && !json)
+        out << "There are no undo files" << (directory.empty() ? "" : " about this directory") << ".\n";
+    for (const UndoListEntry& entry : entries)
         if (json)
             list.push_back(jsonOf(entry));
         else

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <iosfwd>
+#include <string>
 
-// Writes a line for each, the oldest first, or one JSON document. The exit status.
-int writeUndoList(std::ostream& out, bool json);
+// Writes what each can take back, the oldest first, or one JSON document; with a directory, of the database
+// there alone. The exit status.
+int writeUndoList(std::ostream& out, const std::string& directory, bool json);

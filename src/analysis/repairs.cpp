@@ -32,6 +32,10 @@ public:
     // Gives a record the next key, in its file and in the index. That is one way down the tree for each key
     // that is tried, the last of which makes the entry.
     void rename(TSXdatafile& file, int record, std::string_view key) {
+        if (!file.ischangeable(record)) {
+            file.clearkey(record); // which notes why it is left out
+            return;
+        }
         TSXkeyentry* entry = nullptr;
         const std::string free = firstfree(key, [&](const std::string& candidate) {
             entry = &tree.findoradd(candidate);
@@ -109,8 +113,12 @@ std::string obstacletorenaming(const TSXdatabase& database, const TSXkeyentry& e
     if (target != nullptr && !target->records().empty())
         return std::string("The key '") + text + "' is in use already";
     const auto unread = [](const Occurrence& used) { return used.file->isunread(used.record); };
-    if (database.picturecomplete() && std::none_of(entry.records().begin(), entry.records().end(), unread))
+    if (database.picturecomplete() && std::none_of(entry.records().begin(), entry.records().end(), unread)) {
+        for (const Occurrence& used : entry.records())
+            if (!used.file->ischangeable(used.record))
+                return used.file->whyleft(used.record);
         return {};
+    }
     return "A key can't be renamed while records that may use it are unread. Make them readable, or restore "
            "them, and start again";
 }
@@ -202,6 +210,8 @@ int TSXdatabase::changekey(TSXkeyentry& entry, int type, int n, const char* text
     if (moved.file->isunread(moved.record))
         return refuse("Record " + std::to_string(moved.record) + " of '" + diskname(moved.file->path.view()) +
                       "' could not be read. Make it readable, or restore it, and start again");
+    if (!moved.file->ischangeable(moved.record))
+        return refuse(moved.file->whyleft(moved.record));
     TSXkeyentry& target = findoraddkey(text);
     if (target.occurrences(type) > 0 && report(type == 0 ? "This database entry exists already. Continue?"
                                                          : "This experiment exists already. Continue?",

@@ -1,126 +1,194 @@
-// The save: all changes are collected and compared with the disk first, then the person's undo is seen to,
-// and only then is anything written, file by file.
+// The save: all changes are made from what stands on the disk now, and only where nothing is in the way of
+// any of them, or the person wants the others all the same, is anything written.
 #include <algorithm>
 
+#include "changes/linkednames.h"
 #include "model/database.h"
 #include "model/datafile.h"
 #include "platform/system/messagebox.h"
-#include "platform/system/path.h"
-#include "platform/system/plainfile.h"
 #include "platform/system/signalhold.h"
+#include "reporting/log.h"
 #include "reporting/report.h"
 
 namespace {
 
+constexpr const char* inform = "Could not write in file '%s'";
+constexpr const char* toform = "Could not write to file '%s'";
+constexpr const char* inspectagain = "Inspect the database again, and then repeat the change.";
+
+std::string message(const char* form, const TSXdatafile& file, const std::string& reason) {
+    return Text<1100>().format(form, file.path.c_str()).c_str() + ("\n" + reason);
+}
+
 class Save {
 public:
-    explicit Save(TSXdatabase& saved) : database(saved) {}
+    explicit Save(TSXdatabase& saved) : database(saved), tree(*saved.tree), linked(tree) {}
 
     bool run() {
-        reserve();
-        for (const auto& list : database.lists)
-            collect(*list);
-        if (database.keeper == nullptr || database.planning || group.empty()) {
-            make();
-        } else if (database.keeper->before(group)) {
-            make();
-            database.keeper->after();
+        if (!completeearlier())
+            return false;
+        if (const Failure failure = tree.begin()) {
+            obstacles.push_back("The database's directory can't be read any more: " + failure.text());
         } else {
-            complete = false;
+            for (const auto& list : database.lists)
+                collect(*list);
+            comparelists();
         }
-        database.addnoted(group);
-        tellrest();
-        return complete;
+        if (!obstacles.empty() && !goon())
+            return false;
+        std::vector<Failure> failures(group.size());
+        if (!database.planning && !database.committer->commit(group, failures))
+            return false;
+        if (const Failure failure = tree.begin()) // names that have come meanwhile are seen
+            troubles.push_back("The database's directory can't be read any more: " + failure.text());
+        for (std::size_t i = 0; i < group.size(); ++i)
+            settle(i, failures[i]);
+        reportall(troubles,
+                  "What could not be written stays marked as changed: remove the cause, and save again.");
+        return obstacles.empty() && troubles.empty() && !database.committer->isopen();
     }
 
 private:
-    // The changes of one file, from first to before the first of the next.
-    struct Part {
-        TSXdatafile* file;
-        std::size_t first;
-    };
-
-    // A million changes are not to be moved again and again.
-    void reserve() {
-        std::size_t count = 0;
-        for (const auto& list : database.lists)
-            for (std::size_t i = 1; i < list->files.size(); ++i) {
-                const std::vector<std::int32_t>& dirty = list->files[i]->keydirty;
-                count += static_cast<std::size_t>(std::count(dirty.begin(), dirty.end(), 1));
-            }
-        group.reserve(count);
+    // What an earlier save has written, and the disk has confirmed only now.
+    bool completeearlier() {
+        std::vector<Change> done;
+        const bool complete = database.planning || database.committer->completeopen(done);
+        for (Change& change : done) {
+            for (const auto& list : database.lists)
+                for (std::size_t i = 1; i < list->files.size(); ++i)
+                    if (database.diskname(list->files[i]->path.view()) == change.file)
+                        settlefile(*list->files[i], change);
+            database.addchange(std::move(change));
+        }
+        return complete;
     }
 
-    void collect(TSXfilelist& list) {
+    void collect(const TSXfilelist& list) {
         for (std::size_t i = 1; i < list.files.size(); ++i) {
-            const std::size_t first = group.size();
-            tell(list.files[i]->collectchanges(group));
-            if (group.size() > first)
-                parts.push_back({list.files[i].get(), first});
-        }
-    }
-
-    void make() {
-        std::vector<Part> made;
-        names.renew();
-        for (std::size_t i = 0; i < parts.size(); ++i) {
-            const std::size_t end = i + 1 < parts.size() ? parts[i + 1].first : group.size();
-            if (!made.empty() && !makesfile(parts[i]))
-                endmaking(made);
-            const bool good = tell(parts[i].file->makechanges(&group[parts[i].first], group.data() + end));
-            if (good && makesfile(parts[i]))
-                made.push_back(parts[i]);
-        }
-        endmaking(made);
-    }
-
-    bool makesfile(const Part& part) const {
-        return group[part.first].kind == Change::making && !database.planning;
-    }
-
-    // One look at the names of their directory, and one sync of it, serve all files that were made one behind
-    // the other. One beside which a name in other letters has appeared meanwhile is taken away again.
-    void endmaking(std::vector<Part>& made) {
-        if (made.empty())
-            return;
-        names.renew();
-        std::vector<Part> alone;
-        for (const Part& part : made)
-            if (standsAlone(part.file->path.view()))
-                alone.push_back(part);
+            TSXdatafile& file = *list.files[i];
+            if (file.anydirty() == 0)
+                continue;
+            if (file.ondisk == 0)
+                draftnew(file);
             else
-                tell(part.file->endmaking(group[part.first], unwritten()));
-        const std::string obstacle = syncDirectoryOf(made[0].file->path) ? std::string() : unwritten();
-        for (const Part& part : alone)
-            tell(part.file->endmaking(group[part.first], obstacle));
-        made.clear();
+                draft(file);
+        }
     }
 
-    // A person reads a few messages one by one, and many as one.
-    bool tell(const std::string& left) {
-        if (left.empty())
-            return true;
-        complete = false;
-        constexpr int few = 3;
-        if (++told <= few)
-            report(left.c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
-        else
-            rest += (rest.empty() ? "" : "\n") + left;
-        return false;
+    void draft(TSXdatafile& file) {
+        Change change;
+        std::vector<std::string> left;
+        change.file = tree.spelled(file.path.view());
+        std::string why = draftkeys(tree, file.onread, file.changedkeys(), change, left);
+        if (!why.empty())
+            logLocalError(Text<1200>().format("TSXbinfile: Could not open file %s", file.path.c_str()));
+        if (why.empty() && change.state.names > linked.of(change.state).size() && change.state.names > 1)
+            why = "It has " + std::to_string(change.state.names) +
+                  " names, not all of them in the database, and what is written would reach the others too";
+        if (!why.empty())
+            left = {std::move(why)};
+        for (const std::string& text : left)
+            obstacles.push_back(message(inform, file, text));
+        if (change.fieldcount > 0 && (left.empty() || change.fieldcount + left.size() > left.size()))
+            add(file, std::move(change));
     }
 
-    void tellrest() const {
-        if (!rest.empty())
-            report(rest.c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
+    void draftnew(TSXdatafile& file) {
+        Entry entry;
+        std::string why;
+        const std::string name = tree.spelled(file.path.view());
+        Failure failure = tree.look(name, Links::refused, entry);
+        if (!failure)
+            failure = tree.mayChangeDirectoryOf(name);
+        if (failure)
+            why = failure.text();
+        else if (entry.state.kind != EntryState::missing)
+            why = std::string("Another file has that name by now. ") + inspectagain;
+        else if (!entry.outside.empty())
+            why = "'" + entry.outside +
+                  "' is a link that leads out of the database, and nothing is made there. Put the "
+                  "directory itself in its place, and save again.";
+        if (!why.empty()) {
+            logLocalError(Text<1200>().format("TSXbinfile: Could not open file %s", file.path.c_str()));
+            obstacles.push_back(message(toform, file, why));
+            return;
+        }
+        std::vector<std::int32_t> offsets;
+        Change change = makingof(name, EntryState::plain, contentOf(file.wholecontent(offsets)));
+        change.parts = {Standing::before};
+        add(file, std::move(change), std::move(offsets));
+    }
+
+    void add(TSXdatafile& file, Change change, std::vector<std::int32_t> offsets = {}) {
+        files.push_back(&file);
+        group.push_back(std::move(change));
+        places.push_back(std::move(offsets));
+    }
+
+    // Keys were judged by all files that were read: another program may have written or made one since.
+    void comparelists() {
+        if (group.empty())
+            return;
+        for (const auto& list : database.lists)
+            for (const std::string& text : list->changedsince())
+                obstacles.push_back(text);
+    }
+
+    bool goon() {
+        if (group.empty()) {
+            reportall(obstacles, inspectagain);
+            return false;
+        }
+        return askall(obstacles, "Nothing was written yet. Save the others all the same?");
+    }
+
+    void settle(std::size_t i, Failure failure) {
+        TSXdatafile& file = *files[i];
+        Change& change = group[i];
+        const bool whole = change.kind == Change::making;
+        if (failure) {
+            logLocalError(Text<1200>().format("TSXbinfile: Could not open file %s", file.path.c_str()));
+            troubles.push_back(message(whole ? toform : inform, file, failure.text()));
+            return;
+        }
+        if (!database.planning && !whole)
+            settlefile(file, change);
+        if (!database.planning && whole && !settlenew(file, change, std::move(places[i])))
+            return;
+        database.addchange(std::move(change));
+    }
+
+    static void settlefile(TSXdatafile& file, const Change& change) {
+        foreachfield(change,
+                     [&](const KeyField& field) { file.settle(field.record, keyin(field.after.whole())); });
+        file.onread = change.judged;
+    }
+
+    // One beside which a name in other letters has appeared meanwhile would hide that file, and is taken away
+    // again.
+    bool settlenew(TSXdatafile& file, const Change& change, std::vector<std::int32_t> offsets) {
+        if (const Failure failure = tree.standsAlone(change.file)) {
+            troubles.push_back(message(toform, file, failure.text()));
+            std::vector<Change> back{deletionof(change.file, {})};
+            std::vector<Failure> failures;
+            if (!draftdeletion(tree, change.judged, back[0]))
+                database.committer->commit(back, failures);
+            return false;
+        }
+        file.settlewhole(std::move(offsets), change.judged);
+        file.list.notemade(change.file);
+        return true;
     }
 
     TSXdatabase& database;
-    OneLook names;
+    Tree& tree;
+    LinkedNames linked;
+    // Side by side: each change, its file, and the offsets of the keys in a new one.
     std::vector<Change> group;
-    std::vector<Part> parts;
-    bool complete = true;
-    int told = 0;
-    std::string rest;
+    std::vector<TSXdatafile*> files;
+    std::vector<std::vector<std::int32_t>> places;
+    std::vector<std::string> obstacles; // to all or nothing
+    std::vector<std::string> troubles;  // on the way
 };
 
 } // namespace

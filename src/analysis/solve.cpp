@@ -1,4 +1,6 @@
 // Carries the solution of a problem out, where nothing is in the way.
+#include <algorithm>
+
 #include "model/database.h"
 #include "model/datafile.h"
 #include "model/problem.h"
@@ -57,5 +59,10 @@ int TSXproblem::solve(int number) const {
         report(text.c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
         return 0;
     }
-    return carryout(database, *this);
+    database.leftout.clear();
+    const int result = carryout(database, *this);
+    auto& left = database.leftout;
+    left.erase(std::unique(left.begin(), left.end()), left.end());
+    reportall(left, "All else was done.");
+    return left.empty() ? result : 0;
 }

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/application.h"
+#include "changes/finish.h"
 #include "model/database.h"
 #include "model/marker.h"
 #include "platform/system/directory.h"
@@ -14,8 +15,6 @@
 #include "settings/settings.h"
 #include "settings/windowplaces.h"
 #include "toolkit/drawing.h"
-#include "undo/journal.h"
-#include "undo/keeper.h"
 #include "views/current.h"
 #include "views/mainframe.h"
 
@@ -25,6 +24,9 @@ Text<2000> databaseDirectory;
 HANDLE lockHandle = INVALID_HANDLE_VALUE;
 
 namespace {
+
+std::shared_ptr<Tree> heldTree; // the database's directory
+std::string waiting;            // what keeps this run from changing anything; empty: nothing
 
 // An exit from inside the constructor leaves without the destructor, and so without the start-up program.
 [[noreturn]] void leave(const char* text, std::uint32_t icon) {
@@ -63,32 +65,38 @@ void refuseLongDirectory() {
 }
 
 void takeHold() {
-    lockHandle = openMarker(databaseDirectory);
+    heldTree = std::make_shared<Tree>();
+    lockHandle =
+        succeeded(heldTree->open(databaseDirectory.c_str())) ? openMarker(*heldTree) : INVALID_HANDLE_VALUE;
     if (lockHandle == INVALID_HANDLE_VALUE)
         leave((lockFailureText() + lockAdvice(databaseDirectory)).c_str(), MB_ICONEXCLAMATION);
 }
 
 void warnOfConnectedDatabase() {
-    if (hasConnectedDatabase(databaseDirectory) &&
+    if (hasConnectedDatabase(*heldTree) &&
         report(connectedDatabaseText, "Warning", MB_OKCANCEL | MB_ICONINFORMATION) != IDOK)
         std::exit(-1);
 }
 
 // What a run that was interrupted has left half done must not be read as if it were whole.
 void finishEarlier() {
-    const FinishedWork work = finishInterrupted(databaseDirectory.c_str());
+    const Finished work = finishinterrupted(*heldTree, Wish::finish);
     std::string text;
     for (const std::string& line : work.texts) {
         logLine(line.c_str());
         text += (text.empty() ? "" : "\n") + line;
     }
-    if (!work.complete)
-        leave((text + "\nThe database is left as it is until that is finished").c_str(), MB_ICONEXCLAMATION);
-    if (!text.empty())
+    if (work.outcome == Finished::busy)
+        leave(text.c_str(), MB_ICONEXCLAMATION);
+    if (work.outcome == Finished::left) {
+        waiting = text;
+        if (report((text + "\nInspect it all the same? Nothing is changed then").c_str(), "Warning",
+                   MB_YESNO | MB_ICONEXCLAMATION) != IDYES)
+            std::exit(0);
+    } else if (!text.empty()) {
         report(text.c_str(), "Warning", MB_OK | MB_ICONINFORMATION);
+    }
 }
-
-std::unique_ptr<UndoKeeper> keeper; // of this run
 
 constexpr const char* mainPlace = "Main Window"; // values of the settings store
 constexpr const char* entryPlace = "Entry Window";
@@ -117,8 +125,10 @@ TSXapp::TSXapp() {
 
 int TSXapp::InitInstance() {
     database = std::make_unique<TSXdatabase>((std::string(rootDirectory) + "\\DATA\\").c_str());
-    keeper = std::make_unique<UndoKeeper>(databaseDirectory.c_str(), UndoKeeper::WithoutPlace::ask);
-    database->keeper = keeper.get();
+    database->tree = heldTree;
+    const auto stands = [] { return holdStands(lockHandle, *heldTree, markerName); };
+    database->committer = std::make_unique<Committer>(heldTree, CommitOptions{.ask = true, .holds = stands});
+    database->committer->closed = waiting;
     mainFrame = new TSXmainframe;
     mainFrame->places = {readWindowPlace(mainPlace), readWindowPlace(entryPlace)};
     mainFrame->keepPlaces = keepPlaces;

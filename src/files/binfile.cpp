@@ -47,12 +47,14 @@ TSXbinfile::~TSXbinfile() {
     }
 }
 
-int TSXbinfile::open(const char* path, OpenMode mode) {
-    if (openflag == 1) {
+int TSXbinfile::isopen() const {
+    if (openflag == 1)
         logLocalError("TSXbinfile: tried to open opened file");
-        return -1;
-    }
-    if (!stream.open(path, mode)) {
+    return openflag;
+}
+
+int TSXbinfile::opened(bool good, const char* path) {
+    if (!good) {
         const std::uint32_t reason = GetLastError();
         logLocalError(Text<1200>().format("TSXbinfile: Could not open file %s", path));
         SetLastError(reason);
@@ -63,20 +65,22 @@ int TSXbinfile::open(const char* path, OpenMode mode) {
     return 1;
 }
 
-int TSXbinfile::openread(const char* path) {
-    return open(path, OpenMode::read);
+int TSXbinfile::openread(Tree& tree, const char* path) {
+    return isopen() == 1 ? -1 : opened(stream.open(tree, tree.below(path), OpenMode::read), path);
 }
 
 int TSXbinfile::openwrite(const char* path) {
-    return open(path, OpenMode::write);
+    return isopen() == 1 ? -1 : opened(stream.open(path, OpenMode::write), path);
 }
 
-int TSXbinfile::openupdate(const char* path) {
-    return open(path, OpenMode::update);
+int TSXbinfile::openmemory() {
+    openflag = stream.openMemory() ? 1 : 0;
+    return openflag;
 }
 
-int TSXbinfile::opennew(const char* path) {
-    return open(path, OpenMode::create);
+std::string TSXbinfile::takecontent() {
+    openflag = 0;
+    return stream.takeMemory();
 }
 
 int TSXbinfile::close() {
@@ -91,10 +95,6 @@ int TSXbinfile::close() {
     logWithName("could not write all of ", filename);
     SetLastError(reason);
     return 0;
-}
-
-int TSXbinfile::sync() {
-    return stream.sync() ? 1 : 0;
 }
 
 int TSXbinfile::blockread(void* bytes, int count) {
@@ -120,12 +120,6 @@ int TSXbinfile::blockwrite(const void* bytes, int count) {
         return 0;
     const auto wanted = static_cast<std::size_t>(count);
     return stream.write(bytes, wanted) == wanted ? 1 : 0;
-}
-
-std::string_view TSXbinfile::bytesat(std::int64_t position, int count) {
-    piece.resize(static_cast<std::size_t>(count));
-    const std::size_t found = stream.seek(position) ? stream.read(piece.data(), piece.size()) : 0;
-    return std::string_view(piece).substr(0, found);
 }
 
 std::int32_t TSXbinfile::intin(std::string_view bytes, std::size_t at, std::int32_t missing) {
@@ -255,6 +249,7 @@ bool TSXbinfile::takefield(std::string_view& text, int capacity) {
         return false;
     text = ahead.substr(head, static_cast<std::size_t>(length));
     text = text.substr(0, text.find('\0'));
+    lastcapacity = intin(ahead, 4, 0);
     stream.pass(size);
     return true;
 }
@@ -265,8 +260,9 @@ int TSXbinfile::readfield(std::string_view& text, int capacity) {
     std::int32_t length = 0;
     const int lengthread = readlength(length, capacity);
     Integer bytes = {};
-    blockread(bytes.data(), static_cast<int>(bytes.size()));
+    const bool told = blockread(bytes.data(), static_cast<int>(bytes.size())) == 1;
     const std::int32_t width = decode(bytes);
+    lastcapacity = told ? width : capacity;
     const int textread = lengthread == 1 ? readtext(piece, length) : 0;
     const std::int32_t used = std::max(length, 0);
     if (width > used && iseof() == 0)

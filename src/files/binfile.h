@@ -10,6 +10,7 @@
 #include "platform/system/bytestream.h"
 #include "platform/system/cobject.h"
 #include "platform/system/text.h"
+#include "platform/system/tree.h"
 
 constexpr int tagBufferSize = 5;
 constexpr int headercapacity = 100; // with which the counted string at the start of a file is read
@@ -21,22 +22,18 @@ public:
     ~TSXbinfile() override;
 
     // 1 opened; 0 could not be opened; -1 this object is open already, and stays open on its old file.
-    int openread(const char* path);   // an existing file
-    int openwrite(const char* path);  // a new file, or an existing one emptied
-    int openupdate(const char* path); // an existing file, to be changed in place
-    // A new file, which appears at close, on the disk as a whole, and replaces nothing.
-    int opennew(const char* path);
+    int openread(Tree& tree, const char* path); // an existing file, whose path begins with that of the tree
+    int openwrite(const char* path);            // a new file, or an existing one emptied
+    int openmemory();                           // no file: takecontent takes what is written, and closes
+    std::string takecontent();
     int close(); // 0 when not all that was written is in the file; GetLastError tells why
-    int sync();  // puts what was written in place on the disk itself
     FileState state() { return stream.state(); }
+    const FileState& stateatopen() const { return stream.opened(); }
 
     // All count bytes or failure; 0 bytes is a failure. Bytes of a short read stay in the buffer.
     int blockread(void* bytes, int count);
     int blockwrite(const void* bytes, int count);
 
-    // The bytes that stand at a position, fewer where the file ends or the disk gives nothing; until the next
-    // call of this, readfield or writefield.
-    std::string_view bytesat(std::int64_t position, int count);
     int seek(std::int64_t position); // 0 on success, else not: the one operation whose 0 is success
     std::int32_t tell() const;       // -1 where the position is beyond what 32 bits hold
     int iseof() const;               // non-zero once a read has asked for more than there was
@@ -57,7 +54,8 @@ public:
     // operation.
     int readstring(std::string& text, int capacity);
     int readfield(std::string_view& text, int capacity);
-    // Passes over counted strings. Behind the end of the file, or once the disk has failed, there is nothing
+    std::int32_t fieldcapacity() const { return lastcapacity; } // of the last one, as it stands in the file
+    // Passes over counted strings. After the end of the file, or once the disk has failed, there is nothing
     // to pass over, however many there should be.
     void passstrings(std::int32_t count, int capacity);
 
@@ -71,7 +69,8 @@ public:
     static std::int32_t intin(std::string_view bytes, std::size_t at, std::int32_t missing);
 
 private:
-    int open(const char* path, OpenMode mode);
+    int isopen() const;
+    int opened(bool good, const char* path);
     int readbytes(void* bytes, std::size_t wanted);
     int readlength(std::int32_t& length, int capacity);
     bool takefield(std::string_view& text, int capacity);
@@ -84,8 +83,9 @@ private:
     std::int32_t chunkend = 0;
     std::int32_t endposition = 0; // where the end field of the chunk that is being written stands
     Text<200> filename = "???";   // for messages only
-    std::string piece;            // of bytesat, readfield and writefield
+    std::string piece;            // of readfield and writefield
     ByteStream stream;
     std::int64_t frameend = 0; // where the body of the last chunk read begins
-    bool endknown = false;     // whether that chunk's end could be read
+    std::int32_t lastcapacity = 0;
+    bool endknown = false; // whether that chunk's end could be read
 };

@@ -60,7 +60,10 @@ std::string databaseFilePath(const DatabaseSettings& settings) {
 
 std::vector<std::string> databaseNames(const std::string& home) {
     std::vector<std::string> names;
-    TSXfinder finder;
+    Tree place;
+    if (place.open(home))
+        return names;
+    TSXfinder finder(place);
     for (int match = finder.findfirst((home + "/*" + std::string(extension)).c_str()); match != 0;
          match = finder.findnext()) {
         const std::string_view name = finder.entryname.view();

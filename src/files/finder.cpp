@@ -4,7 +4,7 @@
 
 int TSXfinder::findfirst(const char* pattern) {
     WIN32_FIND_DATAA match;
-    handle = FindFirstFileA(pattern, match, passedover);
+    handle = FindFirstFileA(tree, tree.below(pattern), match, passedover);
     const std::uint32_t number = handle == nullptr ? GetLastError() : ERROR_SUCCESS;
     missing = number == ERROR_PATH_NOT_FOUND;
     failure = isAbsence(number) ? ERROR_SUCCESS : number;
@@ -26,6 +26,7 @@ void TSXfinder::take(const WIN32_FIND_DATAA& match, bool isdirectory) {
     entryname = match.cFileName.c_str();
     entrykind = isdirectory ? directory : file;
     entryidentity = match.identity;
+    entryoutside = match.outside;
     entryfailure = match.failure;
 }
 

@@ -8,13 +8,17 @@
 #include "platform/system/cobject.h"
 #include "platform/system/filesearch.h"
 #include "platform/system/text.h"
+#include "platform/system/tree.h"
 
 class TSXfinder : public CObject {
 public:
+    explicit TSXfinder(Tree& searched) : tree(searched) {}
+
     enum Kind : std::int32_t { file = 1, directory = 2 };
 
-    // Starts a search with a path that has a wildcard. 1 if there is a match, which then stands in the
-    // fields, else 0: nothing matches, or the directory could not be read, as failure tells.
+    // Starts a search with a path that has a wildcard and begins with that of the tree. 1 if there is a
+    // match, which then stands in the fields, else 0: nothing matches, or the directory could not be read, as
+    // failure tells.
     int findfirst(const char* pattern);
     // Non-zero if there was another match, which then stands in the fields, else 0.
     int findnext();
@@ -24,6 +28,7 @@ public:
     Text<400> entryname;            // no directory
     std::int32_t entrykind = 0;     // a Kind; a first match is a directory only if it has no other attribute
     FileIdentity entryidentity;     // none where the disk did not tell
+    std::string entryoutside;       // the link by which it lies outside of the tree; else empty
     std::uint32_t entryfailure = 0; // the error number where it did not tell what the match is; else 0
     FindHandle handle = nullptr;
     std::uint32_t failure = 0; // of the directory: the error number; 0 also where there is none
@@ -34,4 +39,6 @@ public:
 
 private:
     void take(const WIN32_FIND_DATAA& match, bool isdirectory);
+
+    Tree& tree;
 };

@@ -9,24 +9,24 @@
 #include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
-#include "platform/system/directory.h"
 #include "platform/system/errors.h"
 #include "platform/system/letters.h"
-#include "platform/system/path.h"
-#include "platform/system/plainfile.h"
-#include "platform/system/plan.h"
+#include "platform/system/listing.h"
 #include "reporting/log.h"
 
 TSXdatabase::TSXdatabase(const char* datadirectory)
     : datapath(datadirectory), types(1), keytree(*this), keyarray(1), visiblekeys(1), problems(1) {}
 
-TSXdatabase::~TSXdatabase() {
-    if (planning)
-        forgetPlan();
-}
+TSXdatabase::~TSXdatabase() = default;
 
 void TSXdatabase::readlists(const char* directorytext) {
     directory = directorytext;
+    if (!tree->isOpen()) [[maybe_unused]]
+        const Failure failure = tree->open(directorytext);
+    else [[maybe_unused]]
+        const Failure failure = tree->begin();
+    if (committer == nullptr)
+        committer = std::make_unique<Committer>(tree, CommitOptions{.keepundo = false});
     clearproblems();
     types[0] = std::make_unique<TSXexptype>(0, "Database");
     for (const FileClass& format : fileclasses)
@@ -98,26 +98,42 @@ void TSXdatabase::notesearch(const TSXfinder& search, const char* relative, Unre
 }
 
 // Of directories whose names differ in case alone one is read; what lies in another is not known, unless it
-// is that very directory.
+// is that very directory. Names are those of the listing: a file system that takes any letters for a name has
+// one of them.
 void TSXdatabase::notetwins(const std::string& name, Unread::Weight weight) {
-    const std::string path = std::string(directory) + "/" + name;
-    const std::string read = diskname(path);
-    const FileIdentity identity = stateOf(path.c_str()).identity;
-    TSXfinder finder;
-    int match = finder.findfirst((path + "*").c_str());
-    notesearch(finder, ".", weight);
-    for (; match != 0; match = finder.findnext()) {
-        const std::string twin = finder.entryname.c_str();
-        if (twin == read || !equalIgnoringCase(twin, name) ||
-            !mayBeDirectory((std::string(directory) + "/" + twin).c_str()))
-            continue;
-        if (finder.entryidentity == identity)
-            addunread({twin, "It is another name of '" + read + "'.", Unread::told, 0, !looking});
-        else
-            addunread({twin, "'" + read + "' is read in its place: bring the files of both together.", weight,
-                       0, !looking});
+    std::vector<std::string> names;
+    if (const Failure failure = tree->names(".", names)) {
+        addunreadpath(directory.view(), failure.text(), weight);
+        return;
     }
-    finder.findclose();
+    const std::string* read = findName(names, name);
+    for (const std::string& twin : names)
+        if (&twin != read && equalIgnoringCase(twin, name))
+            notetwin(twin, *read, weight);
+}
+
+void TSXdatabase::notetwin(const std::string& twin, const std::string& read, Unread::Weight weight) {
+    Entry entry, other;
+    const Failure failure = tree->enter(twin);
+    if (failure.isAbsence())
+        return;
+    const bool known = !tree->look(twin, Links::followed, other) && !tree->look(read, Links::followed, entry);
+    if (known && entry.file.identity == other.file.identity)
+        addunread({twin, "It is another name of '" + read + "'.", Unread::told, 0, !looking});
+    else if (known && entry.state.kind != EntryState::directory)
+        addunread({twin, "'" + read + "' is no directory, and keeps it from being read: move that away.",
+                   weight, 0, !looking});
+    else
+        addunread({twin, "'" + read + "' is read in its place: bring the files of both together.", weight, 0,
+                   !looking});
+}
+
+void TSXdatabase::noteoutside(const TSXfinder& match) {
+    if (!match.entryoutside.empty() && outsidelinks.insert(match.entryoutside).second)
+        addunread(
+            {match.entryoutside,
+             "It is a link that leads out of the database: what it leads to is judged, and never changed.",
+             Unread::told, 0, !looking});
 }
 
 void TSXdatabase::forgetrecords(const std::string& name) {
@@ -125,10 +141,18 @@ void TSXdatabase::forgetrecords(const std::string& name) {
     unread.erase(std::remove_if(unread.begin(), unread.end(), ofthefile), unread.end());
 }
 
+void TSXdatabase::forgettold(std::string_view fullpath) {
+    const std::string name = diskname(fullpath);
+    std::erase_if(unread,
+                  [&](const Unread& thing) { return thing.weight == Unread::told && thing.name == name; });
+}
+
 void TSXdatabase::forgetlooks() {
     const auto passing = [&](const Unread& thing) {
-        if (!thing.lasting)
+        if (!thing.lasting) {
             unreadnames.erase(thing.name);
+            outsidelinks.erase(thing.name);
+        }
         return !thing.lasting;
     };
     unread.erase(std::remove_if(unread.begin(), unread.end(), passing), unread.end());
@@ -155,36 +179,15 @@ bool TSXdatabase::isunread(std::string_view fullpath) const {
     return unreadnames.count(diskname(fullpath)) != 0;
 }
 
-// A look-up changes the case of a path's letters, never its length.
 std::string TSXdatabase::diskname(std::string_view fullpath) const {
-    std::string name = resolvePath(fullpath);
-    name.erase(0, std::min(name.size(), directory.view().size()));
-    while (!name.empty() && (name[0] == '/' || name.compare(0, 2, "./") == 0))
-        name.erase(0, 1);
-    return name.empty() ? "." : name;
+    return tree->spelled(fullpath);
 }
 
 void TSXdatabase::addchange(Change change) {
-    notechange(change);
+    ChangeLines lines({&change, 1});
+    for (ChangeLine line; !planning && logEnabled == 1 && lines.next(line);)
+        logLine(describe(line).c_str());
     changes.push_back(std::move(change));
-}
-
-void TSXdatabase::notechange(Change& change) const {
-    change.made = true;
-    if (!planning && logEnabled == 1)
-        logLine(describe(change).c_str());
-}
-
-void TSXdatabase::addnoted(std::vector<Change>& group) {
-    std::erase_if(group, [](const Change& change) { return !change.made; });
-    if (changes.empty())
-        changes.swap(group);
-    else
-        std::move(group.begin(), group.end(), std::back_inserter(changes));
-}
-
-bool TSXdatabase::takeaway(const char* fullpath) const {
-    return planning ? planRemoval(fullpath) : removeFile(fullpath);
 }
 
 void TSXdatabase::addproblem(std::unique_ptr<TSXproblem> problem) {

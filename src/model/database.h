@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "model/change.h"
+#include "changes/commit.h"
 #include "model/exptype.h"
 #include "model/filelist.h"
 #include "model/keytree.h"
@@ -60,7 +60,10 @@ public:
     // The same for the directories beside one of the database's whose names differ from its own in case
     // alone.
     void notetwins(const std::string& name, Unread::Weight weight);
+    // The same for the link through which a match lies outside of the database, once for each.
+    void noteoutside(const TSXfinder& match);
     void forgetrecords(const std::string& name); // takes the records of a data file off the list
+    void forgettold(std::string_view fullpath);  // and what was told of a name that was passed over
     // False while something of weight whole is unread: no key can be judged then.
     bool picturecomplete() const;
     // Whether a directory of entries or experiments that a database must have was missing at the load, as it
@@ -70,16 +73,13 @@ public:
     bool isunread(std::string_view fullpath) const; // whether that file or directory could not be read
     // The name of a path relative to the database's directory, as it is spelled on the disk; "." for itself.
     std::string diskname(std::string_view fullpath) const;
-    // Keeps a change that was made, and writes its line to the log; while planning, one that would have been.
+    // Keeps a change that was made, and writes its lines to the log; while planning, one that would have
+    // been.
     void addchange(Change change);
-    // The same of a group in two steps: each change when it was made, and those behind the last of them. A
-    // million are not moved one by one.
-    void notechange(Change& change) const;
-    void addnoted(std::vector<Change>& group);
-    bool takeaway(const char* fullpath) const; // removeFile, or while planning as if
 
     // Adds a problem for each damaged file with that extension in a directory relative to the database's.
     void scansidefiles(const char* relative, const char* extension, const char* header);
+    void lookatsidefile(const TSXfinder& match, const char* path, const char* header);
     void checkdirectory(const char* fullpath); // adds a problem if it can't be entered
     // Rebuilds the index, the counts, the visible keys and the problem list from memory; looks at the disk
     // only for side files and directories. Pointers to problems and keys from before are invalid behind it.
@@ -101,6 +101,9 @@ public:
     int createdirectory(const char* fullpath);
     int deletecorruptfile(int fileclass, int position);
     int deletefile(const char* fullpath);
+    // The solutions of several problems that delete or make, as one group. Of each 1 done, 0 failed, 2 what
+    // was to go had gone. The problems are those of the last analysis.
+    std::vector<int> solvetogether(const std::vector<const TSXproblem*>& chosen);
     void uniquekey(std::string& text, int type); // replaces the text by a key that the type does not use yet
     // Moves occurrence n of the entry in a type to another key; asks where that is in use there. 1 moved; 0
     // nothing to do, the text is the entry's key; -1 refused, by the person, for its length, because the
@@ -131,11 +134,15 @@ public:
     std::vector<std::unique_ptr<TSXproblem>> problems; // from 1 to problemcount; slot 0 holds nothing
 
     std::vector<Unread> unread;
+    std::vector<std::string> leftout; // what the solution at work has left, since it is never changed
 
     // What was changed on the disk, in this order; while planning, what would be.
     std::vector<Change> changes;
-    bool planning = false;          // true: nothing is written, deleted or made
-    ChangeKeeper* keeper = nullptr; // asked before each group of changes, where set
+    bool planning = false; // true: nothing is written, deleted or made
+    // The directory, held open; opened by the load where the program has not.
+    std::shared_ptr<Tree> tree = std::make_shared<Tree>();
+    // By which all changes are made; set by the program, else without an undo file.
+    std::unique_ptr<Committer> committer;
 
     // Called, where set, behind each data file that load has read.
     std::function<void(const TSXdatafile&)> fileread;
@@ -146,8 +153,10 @@ private:
     bool looking = false; // at what each analysis looks at anew, so that what is unread of it doesn't last
 
     std::unordered_map<TypeName, int, TypeName::Hash> typenumbers;
-    std::unordered_set<std::string> unreadnames; // of the files and directories in unread
+    std::unordered_set<std::string> unreadnames;  // of the files and directories in unread
+    std::unordered_set<std::string> outsidelinks; // that were told
 
+    void notetwin(const std::string& twin, const std::string& read, Unread::Weight weight);
     void lookatdisk();  // side files and directories
     void forgetlooks(); // takes what the last look could not read off the list
     void scanallsidefiles();

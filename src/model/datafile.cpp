@@ -18,8 +18,11 @@ TSXdatafile::TSXdatafile(TSXdatabase& owner, TSXfilelist& holder, const char* ba
 }
 
 void TSXdatafile::setkey(int i, const char* text) {
-    if (i < 1 || i > keycount || isunread(i))
+    if (!ischangeable(i)) {
+        if (i >= 1 && i <= keycount && !isunread(i))
+            database.leftout.push_back(whyleft(i));
         return;
+    }
     const auto record = static_cast<std::size_t>(i);
     database.keyschanged();
     keysondisk.resize(keys.size());
@@ -43,6 +46,7 @@ void TSXdatafile::addentry(const char* text) {
     keypos.resize(size, -1);
     keydirty.resize(size);
     keyreading.resize(size);
+    oddfield.resize(size);
     setkey(keycount, text);
 }
 
@@ -50,29 +54,118 @@ bool TSXdatafile::isunread(int i) const {
     return unread || (i >= 1 && i <= keycount && keyreading[static_cast<std::size_t>(i)] != Reading::good);
 }
 
+bool TSXdatafile::ischangeable(int i) const {
+    return i >= 1 && i <= keycount && !isunread(i) && !outside && !oddfield[static_cast<std::size_t>(i)] &&
+           !whyclosed();
+}
+
+// Asked once, when something of the file is to be changed.
+Failure TSXdatafile::whyclosed() const {
+    if (ondisk == 1 && !asked) {
+        File file;
+        closed = database.tree->openToWrite(database.tree->below(path.view()), file);
+    }
+    asked = true;
+    return closed;
+}
+
+std::string TSXdatafile::whyleft(int i) const {
+    const std::string file = database.diskname(path.view());
+    if (outside)
+        return file + ": a link leads to it out of the database, and nothing is changed there";
+    if (const Failure failure = whyclosed())
+        return file + ": it can't be written (" + failure.text() + ")";
+    return file + ", record " + std::to_string(i) +
+           ": its key field has another capacity than a new key has, which would not fill it, or reach "
+           "beyond it";
+}
+
 int TSXdatafile::anydirty() const {
     return std::find(keydirty.begin(), keydirty.end(), 1) != keydirty.end() ? 1 : 0;
 }
 
-int TSXdatafile::removefile() {
-    return database.takeaway(path) ? 0 : -1;
+std::vector<NewKey> TSXdatafile::changedkeys() const {
+    std::vector<NewKey> changed;
+    for (std::size_t i = 1; i < keys.size(); ++i)
+        if (keydirty[i] == 1)
+            changed.push_back({static_cast<std::int32_t>(i), keypos[i], keysondisk[i], keys[i]});
+    return changed;
+}
+
+void TSXdatafile::settle(int i, std::string_view key) {
+    const auto record = static_cast<std::size_t>(i);
+    if (i < 1 || i > keycount || keydirty[record] != 1)
+        return;
+    keydirty[record] = keys[record] == key ? 0 : 1;
+    keysondisk[record] = keydirty[record] == 1 ? database.keytexts.keep(key) : std::string_view();
+}
+
+std::string TSXdatafile::wholecontent(std::vector<std::int32_t>& places) const {
+    TSXbinfile file;
+    file.openmemory();
+    file.writestring(fileclasses[classid].header);
+    file.writetag("FLD");
+    file.writeint(0);
+    file.endtag();
+    file.writetag(fileclasses[classid].recordtag);
+    file.writeint(keycount);
+    places.resize(keys.size());
+    for (std::size_t i = 1; i < keys.size(); ++i) {
+        places[i] = file.tell();
+        file.writefield(keys[i], keycapacity);
+    }
+    file.endtag();
+    return file.takecontent();
+}
+
+void TSXdatafile::settlewhole(std::vector<std::int32_t> places, const FileState& state) {
+    keypos = std::move(places);
+    keydirty.assign(keys.size(), 0);
+    keysondisk.clear();
+    onread = state;
+    ondisk = 1;
+}
+
+TSXdatafile::Opening TSXdatafile::readfile() {
+    std::uint32_t failure = ERROR_SUCCESS;
+    bool changed = false;
+    Opening opening = readonce(failure, changed);
+    if (changed)
+        opening = readonce(failure, changed);
+    notereading(changed ? ERROR_FILE_INVALID : failure);
+    return opening;
+}
+
+TSXdatafile::Opening TSXdatafile::readonce(std::uint32_t& failure, bool& changed) {
+    forget();
+    TSXbinfile file;
+    const Opening opening = openwithheader(file);
+    failure = ERROR_SUCCESS;
+    changed = false;
+    if (opening == Opening::failed) {
+        // What a search has found lacks something where it is not there; what is only to be made does not.
+        failure = list.scanning || !isAbsence(GetLastError()) ? GetLastError() : ERROR_SUCCESS;
+        return opening;
+    }
+    if (opening == Opening::good)
+        readchunks(file);
+    const FileState now = file.state();
+    failure = file.readfailure();
+    changed = now != FileState() && !now.isUnchanged(onread);
+    file.close();
+    return opening;
 }
 
 TSXdatafile::Opening TSXdatafile::openwithheader(TSXbinfile& file) {
-    if (file.openread(path) != 1) {
-        if (!isAbsence(GetLastError())) // a file that has gone, or is only to be made, lacks nothing
-            noteunread(GetLastError());
+    if (file.openread(*database.tree, path) != 1)
         return Opening::failed;
-    }
-    onread = file.state();
+    onread = file.stateatopen();
     std::string header;
     file.readstring(header, headercapacity);
     if (header == fileclasses[classid].header)
         return Opening::good;
     if (const char* line = fileclasses[classid].headerline; *line != '\0')
         logLine(line);
-    notereading(file);
-    file.close();
     return Opening::wrongheader;
 }
 
@@ -81,9 +174,10 @@ void TSXdatafile::noteunread(std::uint32_t number) {
     database.addunreadpath(path.view(), errorText(number), Unread::whole);
 }
 
-void TSXdatafile::notereading(const TSXbinfile& file) {
-    if (file.readfailure() != 0) {
-        noteunread(file.readfailure());
+// The whole file where the disk has failed, else each record that could not be read.
+void TSXdatafile::notereading(std::uint32_t failure) {
+    if (failure != 0) {
+        noteunread(failure);
         return;
     }
     for (std::size_t i = 1; i < keyreading.size(); ++i) {
@@ -105,18 +199,20 @@ void TSXdatafile::readchunks(TSXbinfile& file) {
         if (result != 1)
             break;
         const Chunk chunk = readchunk(file, tag);
-        if (chunk == Chunk::refused) {
-            notereading(file);
-            file.close();
+        if (chunk == Chunk::refused)
             return;
-        }
         if (chunk == Chunk::toleave)
             result = file.skipchunk();
     } while (result != -1 && file.iseof() == 0);
-    notereading(file);
-    file.close();
     ondisk = 1;
     valid = result == -1 ? 0 : 1;
+}
+
+void TSXdatafile::forget() {
+    maketable(0);
+    valid = 0;
+    ondisk = 0;
+    typeid_ = 0;
 }
 
 bool TSXdatafile::readcount(TSXbinfile& file) {
@@ -142,6 +238,7 @@ void TSXdatafile::maketable(std::int32_t count) {
     keypos.assign(size, 0);
     keydirty.assign(size, 0);
     keyreading.assign(size, Reading::good);
+    oddfield.assign(size, false);
     keysondisk.clear();
 }
 
@@ -149,5 +246,6 @@ void TSXdatafile::readkey(TSXbinfile& file, std::size_t i) {
     std::string_view key;
     keypos[i] = file.tell();
     keyreading[i] = readkeyfield(file, key);
+    oddfield[i] = file.fieldcapacity() != keycapacity;
     keys[i] = database.keytexts.keep(key);
 }

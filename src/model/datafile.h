@@ -1,6 +1,5 @@
 // One data file's key table in memory: the keys of its records, their types and where each stands on disk.
-// Reading the file is the constructor's work and never fails; valid and ondisk tell what was found. Changed
-// keys are written back in place, and nothing else of the file is touched.
+// Reading the file is the constructor's work and never fails; valid and ondisk tell what was found.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +8,7 @@
 #include <string_view>
 #include <vector>
 
-#include "model/change.h"
+#include "changes/carryout.h"
 #include "platform/system/cobject.h"
 #include "platform/system/filestate.h"
 #include "platform/system/text.h"
@@ -29,41 +28,35 @@ enum class Reading : std::uint8_t {
     senseless, // its length makes no sense
 };
 
-// Why the last write failed, and what to do.
-std::string unwritten();
-
 class TSXdatafile : public CObject {
 public:
     TSXdatafile(TSXdatabase& owner, TSXfilelist& holder, const char* basename, std::int32_t fileclass);
 
-    // Gives record i another key of at most 60 bytes and marks it changed. Out of 1 to keycount nothing
-    // happens.
+    // Gives record i another key of at most 60 bytes and marks it changed. Where it is not changeable nothing
+    // happens but that the database notes it as left out.
     void setkey(int i, const char* text);
     void clearkey(int i); // the same with the empty key
     // Adds a record that is not on disk yet; with 1000 records nothing happens.
     void addentry(const char* text);
-    int anydirty() const; // 1 if a record differs from the disk, else 0
-    // Brings the disk up to date. What can't be written is reported and stays changed.
-    void writeback();
-    // The two halves of that; each answers with nothing, or with what to tell the person of what is left.
-    // Looks at the disk and adds the changes that can be made there, in their order.
-    std::string collectchanges(std::vector<Change>& group);
-    // Makes changes that were collected, whatever else has happened meanwhile, and puts them on the disk.
-    // Each that succeeds is noted by the database, and its record is no longer changed.
-    std::string makechanges(Change* first, Change* last);
+    int anydirty() const;                    // 1 if a record differs from the disk, else 0
+    std::vector<NewKey> changedkeys() const; // of a file on disk; the texts stay as long as the keys do
+    // A record has that key on the disk now. It is no longer changed where that is its key.
+    void settle(int i, std::string_view key);
+    // The content of a file that is not on disk yet, with no fields; places gets the offset of each key
+    // field.
+    std::string wholecontent(std::vector<std::int32_t>& places) const;
+    // That content is on the disk.
+    void settlewhole(std::vector<std::int32_t> places, const FileState& state);
     bool isempty() const { return valid == 1 && keycount == 0; }
     // Whether record i could not be read, because the disk failed or its lengths lead nowhere. Such a record
     // keeps its place in the tables with "???"; it is neither changed nor written.
     bool isunread(int i) const;
+    // Whether record i may get another key: it was read, a new key fills its field and no more, and the file
+    // lies in the database.
+    bool ischangeable(int i) const;
+    std::string whyleft(int i) const; // of a record that was read: why it may not
     // Puts the whole file on the list of what is unread, with that error number.
     void noteunread(std::uint32_t number);
-    int removefile(); // deletes the file: 0 on success, -1 on failure; the object stays as it was
-    // Writes a file that is not on disk yet; only for classes that can be made anew. Nothing, or why it could
-    // not be done. endmaking follows, behind a sync of the directory.
-    virtual std::string writewhole();
-    // Lets the made file count, or takes it away again where its name could not be put on the disk itself,
-    // which the obstacle tells. Nothing, or what to tell the person.
-    std::string endmaking(Change& change, const std::string& obstacle);
 
     TSXdatabase& database;
     TSXfilelist& list;
@@ -84,31 +77,35 @@ public:
     std::string unreadname;                   // under which its records stand on the list of what is unread
     bool unread = false;                      // the disk gave no answer somewhere: nothing of the file counts
     FileState onread;                         // the file on the disk when it was read or last written
+    std::string entryname; // in its directory, as the search gave it; empty: it is made anew
+    bool outside = false;  // a link out of the database leads to it: it is never changed
 
 protected:
     enum class Opening : std::uint8_t { good, failed, wrongheader };
-    // Opens the file and checks its header, and closes it again where that is wrong.
-    Opening openwithheader(TSXbinfile& file);
-    // Walks the chunks of an open file, closes it and sets the flags. A reader takes the body of each chunk.
-    void readchunks(TSXbinfile& file);
+    // Reads the file: header and chunks, of which a reader takes the bodies. Once more where another program
+    // has written it meanwhile; what is written all the time is unread.
+    Opening readfile();
     // What follows a chunk: the next tag stands behind what was taken; or the chunk is left by its end; or
     // nothing, the file is refused.
     enum class Chunk : std::uint8_t { taken, toleave, refused };
     // Takes what the class knows of the chunk.
     virtual Chunk readchunk(TSXbinfile& file, const char* tag) = 0;
+    virtual void forget(); // what an earlier reading has found
     // Reads a record count and makes the table; false if it is not from 1 to 1000, and the table is empty.
     bool readcount(TSXbinfile& file);
     // A key or a type, which stays until the next operation on the file; "???" where it is not good.
     Reading readkeyfield(TSXbinfile& file, std::string_view& text);
     void maketable(std::int32_t count);
-    // Puts the file on the list of what is unread where the disk has failed, else each record that could not
-    // be read.
-    void notereading(const TSXbinfile& file);
     void readkey(TSXbinfile& file, std::size_t i); // of record i, which stands here
 
 private:
-    void collectkeys(TSXbinfile& file, std::vector<Change>& group, std::string& obstacle) const;
-    std::string opensame(TSXbinfile& file) const;
-    std::string whynotmade() const;
-    void settle(Change& change);
+    Opening openwithheader(TSXbinfile& file);
+    void readchunks(TSXbinfile& file);
+    Opening readonce(std::uint32_t& failure, bool& changed);
+    void notereading(std::uint32_t failure);
+
+    Failure whyclosed() const; // that keeps a file on disk from being written
+    mutable bool asked = false;
+    mutable Failure closed;
+    std::vector<bool> oddfield; // of each record: its field has another capacity than new keys have
 };

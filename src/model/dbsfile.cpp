@@ -14,12 +14,13 @@ constexpr int valuecapacity = 300; // of field names and field values, which are
 
 TSXdbsfile::TSXdbsfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename)
     : TSXdatafile(owner, holder, basename, 0) {
-    TSXbinfile file;
-    const Opening opened = openwithheader(file);
-    if (opened == Opening::failed)
+    if (readfile() == Opening::failed)
         valid = 1;
-    if (opened == Opening::good)
-        readchunks(file);
+}
+
+void TSXdbsfile::forget() {
+    TSXdatafile::forget();
+    fieldcount = 0;
 }
 
 TSXdbsfile::Chunk TSXdbsfile::readchunk(TSXbinfile& file, const char* tag) {
@@ -47,30 +48,4 @@ TSXdbsfile::Chunk TSXdbsfile::readentries(TSXbinfile& file) {
             logLine(Text<100>().format("%s%s", fileclasses[classid].recordindent, keys[i].data()));
     }
     return Chunk::taken;
-}
-
-std::string TSXdbsfile::writewhole() {
-    TSXbinfile file;
-    if (file.opennew(path) != 1)
-        return unwritten();
-    file.writestring(fileclasses[classid].header);
-    file.writetag("FLD");
-    file.writeint(0);
-    file.endtag();
-    file.writetag(fileclasses[classid].recordtag);
-    file.writeint(keycount);
-    std::vector<std::int32_t> places(keys.size());
-    for (std::size_t i = 1; i < keys.size(); ++i) {
-        places[i] = file.tell();
-        file.writefield(keys[i], keycapacity);
-    }
-    file.endtag();
-    if (file.close() == 0) // any write that failed keeps the file from appearing
-        return unwritten();
-    keypos = places;
-    keydirty.assign(keys.size(), 0);
-    keysondisk.clear();
-    onread = stateOf(path);
-    ondisk = 1;
-    return {};
 }

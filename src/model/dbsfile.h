@@ -8,10 +8,10 @@ public:
     // Reads DBASE/basename.DBS. A file that can't be opened is a new one: valid, not on disk, without
     // records.
     TSXdbsfile(TSXdatabase& owner, TSXfilelist& holder, const char* basename);
-    std::string writewhole() override; // with no fields
 
 protected:
     Chunk readchunk(TSXbinfile& file, const char* tag) override;
+    void forget() override;
 
 private:
     Chunk readfields(TSXbinfile& file);

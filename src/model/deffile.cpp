@@ -8,9 +8,12 @@
 
 TSXdeffile::TSXdeffile(TSXdatabase& owner, TSXfilelist& holder, const char* basename, int fileclass)
     : TSXdatafile(owner, holder, basename, fileclass), format(fileclasses[fileclass]) {
-    TSXbinfile file;
-    if (openwithheader(file) == Opening::good)
-        readchunks(file);
+    readfile();
+}
+
+void TSXdeffile::forget() {
+    TSXdatafile::forget();
+    typereading = Reading::good;
 }
 
 TSXdeffile::Chunk TSXdeffile::readchunk(TSXbinfile& file, const char* tag) {

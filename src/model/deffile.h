@@ -11,6 +11,7 @@ protected:
     // Reads the file of that base name in the directory of its class.
     TSXdeffile(TSXdatabase& owner, TSXfilelist& holder, const char* basename, int fileclass);
     Chunk readchunk(TSXbinfile& file, const char* tag) override;
+    void forget() override;
 
 private:
     std::int32_t readtype(TSXbinfile& file, Reading& reading);

@@ -9,7 +9,7 @@
 #include "model/fileclass.h"
 #include "model/problem.h"
 #include "platform/system/letters.h"
-#include "platform/system/path.h"
+#include "platform/system/listing.h"
 #include "reporting/log.h"
 
 namespace {
@@ -23,58 +23,96 @@ std::string smallLetters(std::string_view text) {
 
 } // namespace
 
-TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass) : database(owner), files(1) {
+TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass) : database(owner), files(1), classid(fileclass) {
     const FileClass& format = fileclasses[fileclass];
-    Text<700> pattern;
-    pattern.format("%s/%s/*.%s", database.directory.c_str(), format.directory, format.extension);
+    const std::string pattern = pathof(std::string("*.") + format.extension);
     logLine(Text<800>().format("*** Scanning %s files at %s ***", format.scanlabel, pattern.c_str()));
     database.notetwins(format.directory, Unread::whole);
-    TSXfinder finder;
-    int match = finder.findfirst(pattern);
+    TSXfinder finder(*database.tree);
+    int match = finder.findfirst(pattern.c_str());
     missing = finder.missing;
     database.notesearch(finder, format.directory, Unread::whole);
-    for (; match != 0; match = finder.findnext())
+    notepassedover(finder);
+    for (; match != 0; match = finder.findnext()) {
+        listing.insert(finder.entryname.c_str());
         if (finder.entrykind == TSXfinder::file)
-            takematch(finder, fileclass);
+            take(finder);
+    }
     finder.findclose();
 }
 
-void TSXfilelist::takematch(const TSXfinder& match, int fileclass) {
-    const FileClass& format = fileclasses[fileclass];
-    Text<1000> path;
-    path.format("%s/%s/%s", database.directory.c_str(), format.directory, match.entryname.c_str());
-    if (issecondname(match, path))
+std::string TSXfilelist::pathof(const std::string& name) const {
+    return std::string(database.directory) + "/" + fileclasses[classid].directory + "/" + name;
+}
+
+// The order is that of the search; what is made anew stands at the end.
+std::size_t TSXfilelist::placeof(const std::string& name) const {
+    std::size_t place = files.size();
+    const auto isbehind = [&](const TSXdatafile& file) {
+        return file.entryname.empty() || beforeInOrder(name, file.entryname);
+    };
+    while (place > 1 && isbehind(*files[place - 1]))
+        --place;
+    return place;
+}
+
+void TSXfilelist::take(const TSXfinder& match) {
+    const FileClass& format = fileclasses[classid];
+    const std::string name = match.entryname.c_str();
+    if (issecondname(match))
         return;
     if (count >= maxfiles) {
-        database.addunreadpath(path.view(), "There are more than 3000 files of its class.", Unread::whole);
+        database.addunreadpath(pathof(name), "There are more than 3000 files of its class.", Unread::whole);
         return;
     }
-    std::string basename = match.entryname.c_str();
-    basename.resize(basename.size() - std::strlen(format.extension) - 1);
-    addfile(format.makefile(database, *this, basename.c_str()));
+    const std::string basename = name.substr(0, name.size() - std::strlen(format.extension) - 1);
+    scanning = true;
+    auto file = format.makefile(database, *this, basename.c_str());
+    scanning = false;
+    file->entryname = name;
+    file->outside = !match.entryoutside.empty();
     if (match.entryfailure != 0)
-        files.back()->noteunread(match.entryfailure);
+        file->noteunread(match.entryfailure);
+    database.noteoutside(match);
+    const TSXdatafile& taken = *file;
+    addfile(std::move(file), placeof(name));
     if (database.fileread)
-        database.fileread(*files.back());
+        database.fileread(taken);
 }
 
 // A second name of a file would double its keys, and repairs of the one name would undo those of the other.
-bool TSXfilelist::issecondname(const TSXfinder& match, const char* fullpath) {
+bool TSXfilelist::issecondname(const TSXfinder& match) {
     if (match.entryidentity == FileIdentity())
         return false;
-    const auto [known, first] = listed.try_emplace(match.entryidentity, fullpath);
-    if (!first)
-        database.addunreadpath(fullpath, "It is another name of '" + database.diskname(known->second) + "'.",
-                               Unread::told);
-    return !first;
+    const std::string name = match.entryname.c_str();
+    const auto [known, first] = listed.try_emplace(match.entryidentity, name);
+    if (first)
+        return false;
+    passedover.emplace(known->second, name);
+    database.addunreadpath(pathof(name),
+                           "It is another name of '" + database.diskname(pathof(known->second)) + "'.",
+                           Unread::told);
+    return true;
+}
+
+// A look-up of such a name with the extension of the search opens another entry.
+void TSXfilelist::notepassedover(const TSXfinder& search) {
+    const std::string extension = fileclasses[classid].extension;
+    listing.insert(search.passedover.begin(), search.passedover.end());
+    for (const std::string& name : search.passedover) {
+        std::string asked = name;
+        asked.replace(name.size() - extension.size(), extension.size(), extension);
+        const std::string opened = database.diskname(pathof(asked));
+        passedover.emplace(opened.substr(opened.rfind('/') + 1), name);
+    }
 }
 
 TSXfilelist::~TSXfilelist() = default;
 
-void TSXfilelist::addfile(std::unique_ptr<TSXdatafile> file) {
+void TSXfilelist::addfile(std::unique_ptr<TSXdatafile> file, std::size_t position) {
     database.keyschanged();
     names.insert(smallLetters(file->name.view()));
-    files.push_back(std::move(file));
+    files.insert(files.begin() + static_cast<std::ptrdiff_t>(position), std::move(file));
     ++count;
 }
 
@@ -90,9 +128,67 @@ void TSXfilelist::removeat(int position) {
             continue;
         problem.fileindex = problem.fileindex == position ? 0 : problem.fileindex - 1;
     }
-    database.forgetrecords(files[static_cast<std::size_t>(position)]->unreadname);
+    const TSXdatafile& file = *files[static_cast<std::size_t>(position)];
+    database.forgetrecords(file.unreadname);
+    const auto [first, last] = passedover.equal_range(file.entryname);
+    for (auto name = first; name != last && !file.entryname.empty(); ++name)
+        waiting.insert(name->second);
+    std::erase_if(listed, [&](const auto& known) { return known.second == file.entryname; });
+    passedover.erase(file.entryname);
     files.erase(files.begin() + position);
     --count;
+}
+
+void TSXfilelist::takewaiting() {
+    if (waiting.empty())
+        return;
+    TSXfinder finder(*database.tree);
+    int match = finder.findfirst(pathof(std::string("*.") + fileclasses[classid].extension).c_str());
+    if (finder.failure != 0) { // they wait on
+        database.notesearch(finder, fileclasses[classid].directory, Unread::whole);
+        return;
+    }
+    for (; match != 0; match = finder.findnext()) {
+        const std::string name = finder.entryname.c_str();
+        if (finder.entrykind != TSXfinder::file || waiting.erase(name) == 0)
+            continue;
+        database.forgettold(pathof(name));
+        take(finder);
+    }
+    finder.findclose();
+    waiting.clear();
+    notepassedover(finder);
+}
+
+std::vector<std::string> TSXfilelist::changedsince() const {
+    std::vector<std::string> texts;
+    for (std::size_t i = 1; i < files.size(); ++i) {
+        const TSXdatafile& file = *files[i];
+        Entry entry;
+        if (file.onread == FileState() || file.unread)
+            continue;
+        const Failure failure =
+            database.tree->look(database.tree->below(file.path.view()), Links::followed, entry);
+        if (failure || !entry.file.isUnchanged(file.onread))
+            texts.push_back("'" + std::string(file.path) +
+                            "': another program has changed it since it was read.");
+    }
+    const FileClass& format = fileclasses[classid];
+    TSXfinder finder(*database.tree);
+    int match = finder.findfirst(pathof(std::string("*.") + format.extension).c_str());
+    std::vector<std::string> now = finder.passedover;
+    for (; match != 0; match = finder.findnext())
+        now.emplace_back(finder.entryname.c_str());
+    finder.findclose();
+    for (const std::string& name : now)
+        if (listing.count(name) == 0)
+            texts.push_back("'" + std::string(database.directory) + "/" + format.directory + "/" + name +
+                            "': another program has made it since the directory was read.");
+    return texts;
+}
+
+void TSXfilelist::notemade(const std::string& name) {
+    listing.insert(name.substr(name.rfind('/') + 1));
 }
 
 void TSXfilelist::reportinvalid(int fileclass) {
@@ -128,14 +224,23 @@ int TSXdbslist::newfile() {
     int number = lowestnumber;
     // A file of that name may stand on the disk without being in the list: beyond its limit, or as a
     // directory.
-    while (islisted(number) || pathExists(Text<700>()
-                                              .format("%s/%s/%s.%s", database.directory.c_str(),
-                                                      format.directory, name.c_str(), format.extension)
-                                              .view()))
+    Entry entry;
+    Failure failure;
+    const auto istaken = [&] {
+        const std::string file = std::string("DBASE/") + name.c_str() + "." + format.extension;
+        failure = database.tree->look(file, Links::refused, entry);
+        return !failure && entry.state.kind != EntryState::missing;
+    };
+    while (islisted(number) || istaken())
         ++number;
+    if (!entry.outside.empty())
+        database.leftout.push_back("'" + entry.outside +
+                                   "' is a link that leads out of the database, and no file is made there");
+    if (failure || !entry.outside.empty())
+        return -1;
     auto made = format.makefile(database, *this, name);
     if (made->unread) // whether its name is free can't be known
         return -1;
-    addfile(std::move(made));
+    addfile(std::move(made), files.size());
     return count;
 }

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <unordered_set>
 #include <vector>
@@ -30,24 +31,38 @@ public:
     // Takes the file at that position, from 1 to count, out of the list; later ones move one place down, and
     // the problems of this class follow.
     void removeat(int position);
+    // Reads what was not read for the sake of files that have left the list, and puts it where a load would.
+    void takewaiting();
+    // What another program has done since the load to the files that were read and the names that were
+    // listed, a text for each.
+    std::vector<std::string> changedsince() const;
+    void notemade(const std::string& name); // a file that was made is no other program's
 
     TSXdatabase& database;
     std::int32_t count = 0;                          // at most maxfiles
     std::vector<std::unique_ptr<TSXdatafile>> files; // from 1 to count; slot 0 holds nothing
 
-    bool missing = false; // the class's directory was not there when it was scanned
+    bool missing = false;  // the class's directory was not there when it was scanned
+    bool scanning = false; // the files that are made just now are those that a search has found
 
 protected:
-    void addfile(std::unique_ptr<TSXdatafile> file);
+    void addfile(std::unique_ptr<TSXdatafile> file, std::size_t position);
 
     std::unordered_set<std::string> names; // of the files, in small letters
     int lowestnumber = 1;                  // files of all numbers below are in the list
 
 private:
-    void takematch(const TSXfinder& match, int fileclass);
-    bool issecondname(const TSXfinder& match, const char* fullpath);
+    void take(const TSXfinder& match);
+    bool issecondname(const TSXfinder& match);
+    void notepassedover(const TSXfinder& search);
+    std::string pathof(const std::string& name) const;
+    std::size_t placeof(const std::string& name) const;
 
-    std::map<FileIdentity, std::string> listed; // the path under which each file is read
+    int classid;
+    std::set<std::string> listing;                      // names in the directory that matched at the load
+    std::map<FileIdentity, std::string> listed;         // the name under which each file is read
+    std::multimap<std::string, std::string> passedover; // by the name that is read in their place
+    std::set<std::string> waiting;                      // passed over for what has left the list
 };
 
 class TSXdbslist : public TSXfilelist {

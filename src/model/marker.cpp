@@ -4,9 +4,7 @@
 
 #include "files/finder.h"
 #include "model/fileclass.h"
-#include "platform/system/directory.h"
 #include "platform/system/errors.h"
-#include "platform/system/path.h"
 #include "platform/system/text.h"
 
 const char* const connectedDatabaseText =
@@ -18,10 +16,11 @@ const char* const markerName = "open_db.txf";
 
 namespace {
 
-bool hasPlainFile(const std::string& pattern) {
-    TSXfinder finder;
+bool hasPlainFile(Tree& tree, const char* pattern) {
+    TSXfinder finder(tree);
     bool found = false;
-    for (int match = finder.findfirst(pattern.c_str()); match != 0; match = finder.findnext())
+    for (int match = finder.findfirst((tree.path() + "/" + pattern).c_str()); match != 0;
+         match = finder.findnext())
         found = found || finder.entrykind == TSXfinder::file;
     finder.findclose();
     return found || !finder.passedover.empty();
@@ -29,13 +28,18 @@ bool hasPlainFile(const std::string& pattern) {
 
 } // namespace
 
-bool isDatabase(const char* directory) {
-    const std::string below = std::string(directory) + "\\";
-    const auto has = [&](const char* name) { return mayBeDirectory((below + name).c_str()); };
+// One that can't be looked into counts.
+bool isDatabase(Tree& tree) {
+    const auto has = [&](const char* name) {
+        const Failure failure = tree.enter(name);
+        return !failure || !failure.isAbsence();
+    };
+    Entry marker;
     return std::any_of(treedirectories.begin(), treedirectories.end(), has) ||
            std::any_of(std::begin(fileclasses), std::end(fileclasses),
                        [&](const FileClass& format) { return has(format.directory); }) ||
-           pathExists(below + markerName) || hasPlainFile(below + "*.CMP");
+           tree.look(markerName, Links::refused, marker) || marker.state.kind != EntryState::missing ||
+           hasPlainFile(tree, "*.CMP");
 }
 
 std::string noDatabaseText(const char* directory) {
@@ -43,8 +47,8 @@ std::string noDatabaseText(const char* directory) {
            "' holds neither a directory of a database nor a *.CMP file. Give the directory of a database";
 }
 
-HANDLE openMarker(const char* databaseDirectory) {
-    return CreateFileA((std::string(databaseDirectory) + "\\" + markerName).c_str());
+HANDLE openMarker(Tree& tree) {
+    return CreateFileA(tree, markerName);
 }
 
 std::string lockAdvice(const char* databaseDirectory) {
@@ -71,6 +75,6 @@ std::string lockFailureText() {
     return text.substr(0, lineEnd) + ")";
 }
 
-bool hasConnectedDatabase(const char* databaseDirectory) {
-    return hasPlainFile(std::string(databaseDirectory) + "\\*.xdb");
+bool hasConnectedDatabase(Tree& tree) {
+    return hasPlainFile(tree, "*.xdb");
 }

@@ -5,10 +5,11 @@
 #include <string>
 
 #include "platform/system/hold.h"
+#include "platform/system/tree.h"
 
 // Whether the directory holds anything of a database: one of its directories, a plain file *.CMP or the
 // marker. One that was typed and holds nothing of it should get no marker.
-bool isDatabase(const char* directory);
+bool isDatabase(Tree& tree);
 // What to tell the person where it doesn't.
 std::string noDatabaseText(const char* directory);
 
@@ -16,7 +17,7 @@ extern const char* const markerName; // of the marker file
 
 // Takes exclusive hold of the marker file open_db.txf in the database directory and makes it if it is
 // missing. INVALID_HANDLE_VALUE on failure; lockFailureText then says why.
-HANDLE openMarker(const char* databaseDirectory);
+HANDLE openMarker(Tree& tree);
 
 // What to tell the person after a failed openMarker, with the number and text of the last error.
 std::string lockFailureText();
@@ -25,6 +26,6 @@ std::string lockFailureText();
 std::string lockAdvice(const char* databaseDirectory);
 
 // Whether a connected database, a plain file *.xdb, lies in the directory.
-bool hasConnectedDatabase(const char* databaseDirectory);
+bool hasConnectedDatabase(Tree& tree);
 
 extern const char* const connectedDatabaseText; // the warning about it, which ends in a question

@@ -2,15 +2,14 @@
 // doesn't interpret, and the directories of the tree.
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "files/binfile.h"
 #include "files/finder.h"
 #include "model/database.h"
 #include "model/fileclass.h"
 #include "model/problem.h"
-#include "platform/system/directory.h"
 #include "platform/system/errors.h"
-#include "platform/system/path.h"
 #include "reporting/log.h"
 
 namespace {
@@ -49,25 +48,39 @@ bool haschunks(TSXbinfile& file) {
     return result != -1;
 }
 
-// What is wrong with a side file, in the words of the log; none if it is sound. state gets the file as it
-// stands, failure the error number of the disk, 0 if it did not fail.
-const char* finddamage(const char* path, const char* header, FileState& state, std::uint32_t& failure) {
+// What an opening and the walk over a side file have shown.
+struct Look {
+    const char* damage = nullptr;          // in the words of the log; none if it is sound
+    FileState file;                        // as it stood
+    std::uint32_t failure = ERROR_SUCCESS; // of the disk
+    bool changed = false;                  // meanwhile, by another program
+};
+
+Look lookonce(Tree& tree, const char* path, const char* header) {
     TSXbinfile file;
-    failure = 0;
-    if (file.openread(path) != 1) {
-        failure = isAbsence(GetLastError()) ? 0 : GetLastError();
-        state = stateOf(path);
-        return "could not open";
-    }
-    state = file.state();
-    const char* damage = nullptr;
+    if (file.openread(tree, path) != 1)
+        return {"could not open", {}, GetLastError()}; // also where it has gone since it was found
+    Look look;
+    look.file = file.stateatopen();
     if (!hasheader(file, header))
-        damage = "invalid header";
+        look.damage = "invalid header";
     else if (!haschunks(file))
-        damage = "invalid tag";
-    failure = file.readfailure();
+        look.damage = "invalid tag";
+    const FileState now = file.state();
+    look.failure = file.readfailure();
+    look.changed = now != FileState() && !now.isUnchanged(look.file);
     file.close();
-    return damage;
+    return look;
+}
+
+// Looks once more at what another program has written meanwhile. What is written all the time can't be read.
+Look lookatfile(Tree& tree, const char* path, const char* header) {
+    Look look = lookonce(tree, path, header);
+    if (look.changed)
+        look = lookonce(tree, path, header);
+    if (look.changed)
+        look.failure = ERROR_FILE_INVALID;
+    return look;
 }
 
 } // namespace
@@ -76,33 +89,36 @@ void TSXdatabase::scansidefiles(const char* relative, const char* extension, con
     Text<1200> pattern;
     pattern.format("%s/%s/*.%s", directory.c_str(), relative, extension);
     logLine(Text<1300>().format("*** Scanning corrupt files at %s ***", pattern.c_str()));
-    TSXfinder finder;
+    TSXfinder finder(*tree);
     int match = finder.findfirst(pattern);
     notesearch(finder, relative, Unread::part);
-    for (; match != 0; match = finder.findnext()) {
-        if (finder.entrykind != TSXfinder::file)
-            continue;
-        Text<1200> path;
-        path.format("%s/%s/%s", directory.c_str(), relative, finder.entryname.c_str());
-        logLine(Text<1300>().format("   found file '%s'", path.c_str()));
-        FileState looked;
-        std::uint32_t failure = 0;
-        const char* damage = finddamage(path, header, looked, failure);
-        if (failure == 0)
-            failure = finder.entryfailure;
-        if (failure != 0)
-            addunreadpath(path.view(), errorText(failure), Unread::part);
-        if (damage == nullptr)
-            continue;
-        logLine(Text<60>().format("        ! corrupt: %s", damage));
-        auto problem = std::make_unique<TSXproblem>(*this, corruptsidefile, 0, path);
-        problem->looked = looked;
-        addproblem(std::move(problem));
-    }
+    for (; match != 0; match = finder.findnext())
+        if (finder.entrykind == TSXfinder::file)
+            lookatsidefile(
+                finder,
+                Text<1200>().format("%s/%s/%s", directory.c_str(), relative, finder.entryname.c_str()),
+                header);
     finder.findclose();
 }
 
+void TSXdatabase::lookatsidefile(const TSXfinder& match, const char* path, const char* header) {
+    logLine(Text<1300>().format("   found file '%s'", path));
+    noteoutside(match);
+    const Look look = lookatfile(*tree, path, header);
+    if (const std::uint32_t failure = look.failure != 0 ? look.failure : match.entryfailure; failure != 0)
+        addunreadpath(path, errorText(failure), Unread::part);
+    if (look.damage == nullptr)
+        return;
+    logLine(Text<60>().format("        ! corrupt: %s", look.damage));
+    auto problem = std::make_unique<TSXproblem>(*this, corruptsidefile, 0, path);
+    problem->looked = look.file;
+    addproblem(std::move(problem));
+}
+
 void TSXdatabase::lookatdisk() {
+    [[maybe_unused]] const Failure failure = tree->begin(); // what then can't be read says it itself
+    for (const auto& list : lists)
+        list->takewaiting();
     forgetlooks();
     looking = true;
     scanallsidefiles();
@@ -123,7 +139,7 @@ void TSXdatabase::scanlibraries() {
     pattern.format("%s/Library/*.LIB", directory.c_str());
     logLine(Text<800>().format("*** Scanning library directories at %s ***", pattern.c_str()));
     notetwins("Library", Unread::part);
-    TSXfinder finder;
+    TSXfinder finder(*tree);
     int match = finder.findfirst(pattern);
     notesearch(finder, "Library", Unread::part);
     for (; match != 0; match = finder.findnext()) {
@@ -132,7 +148,7 @@ void TSXdatabase::scanlibraries() {
             scansidefiles(Text<420>().format("Library/%s", finder.entryname.c_str()), "CMP", rawheaders[0]);
         else if (finder.entryfailure != 0)
             addunreadpath(path, errorText(finder.entryfailure), Unread::part);
-        else if (canEnterDirectory(path.c_str()))
+        else if (!tree->enter(tree->below(path)))
             addunreadpath(
                 path,
                 "It counts as a file, since nobody may write in it or its name begins with a point: "
@@ -143,12 +159,15 @@ void TSXdatabase::scanlibraries() {
 }
 
 void TSXdatabase::checkdirectory(const char* fullpath) {
-    if (canEnterDirectory(fullpath))
+    Entry entry;
+    const std::string name = tree->below(fullpath);
+    const Failure failure = tree->enter(name);
+    if (!failure)
         return;
-    if (!isAbsence(GetLastError()))
-        addunreadpath(fullpath, errorText(GetLastError()), Unread::part);
-    else if (pathExists(fullpath))
-        logLine(("   no directory '" + diskname(fullpath) + "': A file of that name stands there.").c_str());
+    if (!failure.isAbsence())
+        addunreadpath(fullpath, failure.text(), Unread::part);
+    else if (!tree->look(name, Links::refused, entry) && entry.state.kind != EntryState::missing)
+        logLine(("   no directory '" + entry.name + "': A file of that name stands there.").c_str());
     addproblem(std::make_unique<TSXproblem>(*this, missingdirectory, 1, fullpath));
 }
 

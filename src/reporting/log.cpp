@@ -1,13 +1,13 @@
 #include "reporting/log.h"
 
 #include <cstring>
+#include <memory>
 #include <string>
 
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
 #include "platform/system/messagebox.h"
-#include "platform/system/path.h"
-#include "platform/system/plainfile.h"
+#include "platform/system/tree.h"
 #include "reporting/report.h"
 
 int logEnabled = 0;
@@ -30,11 +30,14 @@ constexpr const char* trailer = "\n"
 int lostLines = 0;
 std::uint32_t lossReason = ERROR_SUCCESS; // of the first
 
-std::string foundPath; // the log file under the name that it has on the disk
+std::unique_ptr<Tree> place; // the log's directory
+std::string name;            // of the log in it, as on the disk
 
 bool writeHead() {
+    place = std::make_unique<Tree>();
     ByteStream stream;
-    if (!stream.open(logPath, OpenMode::write, Links::refused))
+    if (!succeeded(place->openDirectoryOf(logPath.c_str(), name)) ||
+        !stream.open(*place, name, OpenMode::write, Links::refused))
         return false;
     const std::size_t size = std::strlen(head);
     const bool written = stream.write(head, size) == size;
@@ -42,10 +45,9 @@ bool writeHead() {
 }
 
 void append(const std::string& text) {
-    if (appendToFile(foundPath, text))
-        return;
-    if (lostLines++ == 0)
-        lossReason = GetLastError();
+    const Failure failure = place != nullptr ? place->append(name, text) : Failure{ERROR_PATH_NOT_FOUND};
+    if (failure && lostLines++ == 0)
+        lossReason = failure.number;
 }
 
 void reportLoss() {
@@ -59,13 +61,15 @@ void reportLoss() {
 
 bool startLog(int enabled, const char* directory) {
     logEnabled = enabled;
+    place.reset();
     if (logEnabled != 1)
         return true;
     if (logPath.take(std::string(directory) + "\\TXLOG.TXT") && writeHead()) {
-        foundPath = resolvePath(logPath.view());
+        name = place->spelled(logPath.view());
         return true;
     }
     logEnabled = 0;
+    place.reset();
     report((std::string("Could not create log file in ") + directory).c_str(), "Error", MB_OK | MB_ICONHAND);
     return false;
 }
@@ -74,6 +78,7 @@ void endLog() {
     if (logEnabled != 1)
         return;
     append(trailer);
+    place.reset();
     if (lostLines > 0)
         reportLoss();
 }

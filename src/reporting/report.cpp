@@ -14,6 +14,16 @@ int reportToStandardError(const char* text, const char* title, std::uint32_t fla
 
 ReportOperation operation = reportToStandardError;
 
+std::string together(const std::vector<std::string>& texts, const char* ending) {
+    constexpr std::size_t few = 5;
+    std::string whole;
+    for (std::size_t i = 0; i < texts.size() && i < few; ++i)
+        whole += (i == 0 ? "" : "\n") + texts[i];
+    if (texts.size() > few)
+        whole += "\nand " + std::to_string(texts.size() - few) + " more";
+    return whole + (*ending != '\0' ? "\n" : "") + ending;
+}
+
 } // namespace
 
 void setReport(ReportOperation newOperation) {
@@ -22,4 +32,13 @@ void setReport(ReportOperation newOperation) {
 
 int report(const char* text, const char* title, std::uint32_t flags) {
     return operation(text, title, flags);
+}
+
+void reportall(const std::vector<std::string>& texts, const char* advice) {
+    if (!texts.empty())
+        report(together(texts, advice).c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
+}
+
+bool askall(const std::vector<std::string>& texts, const char* question) {
+    return report(together(texts, question).c_str(), "Warning", MB_YESNO | MB_ICONEXCLAMATION) == IDYES;
 }

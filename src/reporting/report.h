@@ -5,6 +5,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <string>
+#include <vector>
 
 using ReportOperation = std::function<int(const char* text, const char* title, std::uint32_t flags)>;
 
@@ -13,3 +15,9 @@ void setReport(ReportOperation operation);
 
 // Shows the text and returns the answer: IDOK, IDCANCEL, IDYES or IDNO of messagebox.h.
 int report(const char* text, const char* title, std::uint32_t flags);
+
+// Shows several texts as one message, the first few of them and how many more; advice is said at the end.
+// Nothing where there is none.
+void reportall(const std::vector<std::string>& texts, const char* advice = "");
+// The same with a question. Whether the answer is Yes.
+bool askall(const std::vector<std::string>& texts, const char* question);

@@ -45,7 +45,7 @@ def not_readable(place, name, mode, concerns):
 
 
 @case(("open_db.txf", 0o444, "Ask its owner", False), ("images", 0, "Access is denied", True), (".", 0o311, "", False),
-      (DUPLICATE, 0o444, f"Could not write in file '@DB/{DUPLICATE}'", True), needs_root=True)
+      (DUPLICATE, 0o444, f"{DUPLICATE}: it can't be written", True), needs_root=True)
 def not_writable(place, name, mode, told, loaded):
     """What can't be written stays as it is, and the person is told."""
     place.check()
@@ -76,7 +76,7 @@ def another_program(place, _, command):
     content = path.read_bytes()
     outside.write_bytes(content)
     command = command.replace("@F", str(path)).replace("@O", str(outside)).replace("@DB", place.db)
-    ask = (r"^(open|openat) .*/DUPL2\.DBS$", 2) if "dbsf003" not in command.lower() else (r"^(open|openat|tmpfile) .*/DBASE$", 1)
+    ask = (r"^(open|openat) .*/DUPL2\.DBS$", 2) if "dbsf003" not in command.lower() else (r"^tmpfile .*/DBASE(/\.)?$", 1)
     noted = os.path.join(place.root, "noted")
     status, document, said = place.check(*REPAIR, calls={"ONLY": ask[0], "PAUSE": ask[1], "DO": f"{command}; cp -a @ROOT/db {noted}"})
     foreign, now = contents(place.look(noted)), place.contents()

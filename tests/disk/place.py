@@ -135,7 +135,7 @@ class Place:
         pathlib.Path(self.db, "open_db.txf").touch()
         entries = sorted(os.path.join(at, name) for at, below, files in os.walk(self.db) for name in below + files)
         for path in filter(os.path.isfile, entries):
-            if os.path.islink(path) or chance.random() >= share:
+            if os.path.islink(path) or path.endswith("open_db.txf") or chance.random() >= share:
                 continue
             if attributes and chance.random() < 0.7:  # a second name, which is found before the file's or after it
                 os.link(path, os.path.join(os.path.dirname(path), chance.choice("_z") + os.path.basename(path)))
@@ -148,14 +148,14 @@ class Place:
                 continue
             if os.geteuid() == 0:
                 os.chown(path, chance.choice([0, 0, 1001]), chance.choice([0, 1002]))
-            os.chmod(path, chance.choice([0o700, 0o755, 0o2775] if os.path.isdir(path) else [0o600, 0o644, 0o4755]))
+            os.chmod(path, chance.choice([0o700, 0o755, 0o2775] if os.path.isdir(path) else [0o600, 0o644, 0o755]))
             if attributes and chance.random() < 0.3:
                 os.setxattr(path, "user.note", chance.randbytes(9))
             os.utime(path, ns=(10**18, chance.randrange(2 * 10**18)))
 
 
 def contents(tree):
-    return {name: entry.content for name, entry in tree.items()}
+    return {name: entry.content if name != AT_WORK else "it holds the time" for name, entry in tree.items()}
 
 
 def differences(found, wanted):

@@ -7,10 +7,7 @@ import resource
 
 from place import *
 
-NOT_YET = ["huge files", "half seen", "sync that failed", "half a field", "not the interrupted one", "interrupted and elsewhere copied",
-           "interrupted and not to be finished", "directory away", "wrong clock", "marker removed", "undo file of somebody",
-           "checked by root first", "members of one group", "rights come back", "killed while", "output onto a link",
-           "no right to write", "no memory", "another name of what goes", "plan with a link", "backup of hard links"]
+NOT_YET = []
 DELETE = ["--solve-all", "corrupt:1", "--solve-all", "side:1", "--solve-all", "empty:1"]
 RENAME = ["--solve-all", "duplicate:2", "--save"]
 
@@ -24,7 +21,10 @@ def put(place, name, content, size=None):
 
 
 def limited(**sizes):
-    return lambda: [resource.setrlimit(getattr(resource, name), (size, size)) for name, size in sizes.items()]
+    """Where the sanitizers, which reserve terabytes, are built in, the address space is not limited."""
+    watched = b"__asan_init" in (Place.programs / "txcheck").read_bytes()
+    return lambda: [resource.setrlimit(getattr(resource, name), (size, size)) for name, size in sizes.items()
+                    if not (watched and name == "RLIMIT_AS")]
 
 
 def interrupted(place, at=2):
@@ -98,7 +98,8 @@ def not_the_interrupted_one(place):
     subprocess.run(["cp", "-a", place.root + "/backup/.", place.db], check=True)
     before = place.contents()
     place.check()
-    judge({**before, "open_db.txf": b""} == {**place.contents(), "open_db.txf": b""}, "the backup was written")
+    without = {"open_db.txf": b"", AT_WORK: b""}
+    judge({**before, **without} == {**place.contents(), **without}, "the backup was written")
 
 
 @case(("moved", "mv @ROOT/db @ROOT/moved"), ("copied", "cp -a @ROOT/db @ROOT/moved"))
@@ -138,8 +139,8 @@ def wrong_clock(place, seconds):
     """Undo files of a moment ago stay, whatever the clock says."""
     for i in range(11):
         key = place.check("--all").document["keys"][1]
-        place.check("--rename", "hex:" + bytes_of(key, "key").hex(), f"key {i}", "--save", calls={"CLOCK": seconds if i else 0})
-    place.check("--rename", "key 10", "key", "--save", calls={"CLOCK": max(seconds, 0)})
+        place.check("--rename", "hex:" + bytes_of(key, "key").hex(), f"key {i}", "--save", calls={"CLOCK": seconds if i == 5 else 0})
+    place.check("--rename", "key 10", "key", "--save", calls={"CLOCK": 0})
     judge(len(place.undo_files()) == 12, len(place.undo_files()), "undo files")
 
 
@@ -149,7 +150,7 @@ def marker_removed_during_a_save(place):
     place.check()
     before = place.contents()
     second = f"rm @ROOT/db/open_db.txf; {Place.programs}/txcheck --json @ROOT/db >@ROOT/second 2>&1; echo $? >@ROOT/status"
-    place.check(*RENAME, calls={"ONLY": "^pwrite .*/db/.*/", "PAUSE": 3, "DO": second + "; cp -a @ROOT/db @ROOT/then"})
+    place.check(*RENAME, calls={"ONLY": "^pwrite .*/db/.*/", "PAUSE": 1, "DO": second + "; cp -a @ROOT/db @ROOT/then"})
     then = contents(place.look(place.root + "/then"))
     judge(int(pathlib.Path(place.root, "status").read_text()) & FAILED, "the second run is content")
     judge(any(then[name] == before[name] for name in before if name.startswith("DBASE/DUPL")), "finished by the second run")
@@ -231,7 +232,7 @@ def no_right_to_write(place):
     give_away(place)
     os.chmod(os.path.join(place.db, DUPLICATE), 0o444)
     status, document, said = place.check(*RENAME, user=NOBODY)
-    judge(status & FAILED and document["solved"][0]["result"] == 0 and document["modified"] == 0, status, said)
+    judge(status & FAILED and document["solved"][0]["result"] == 0 and "can't be written" in said, status, said)
 
 
 @case()

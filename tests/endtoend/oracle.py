@@ -138,8 +138,8 @@ class Stream:
 
 
 class Record:
-    def __init__(self, key, kind, at, unread=False, changed=False):
-        self.key, self.kind, self.at, self.unread, self.changed = key, kind, at, unread, changed
+    def __init__(self, key, kind, at, unread=False, changed=False, odd=False):
+        self.key, self.kind, self.at, self.unread, self.changed, self.odd = key, kind, at, unread, changed, odd
 
 
 class DataFile:
@@ -206,7 +206,8 @@ class DataFile:
         for _ in range(CLASSES[self.fileclass][5]):
             stream.count()
         self.pass_strings(stream)
-        self.records.append(Record(key, kind, at, key is UNREAD or type_unread))
+        odd = len(stream.data) >= at + 8 and number(stream.data[at + 4:at + 8]) != 61
+        self.records.append(Record(key, kind, at, key is UNREAD or type_unread, odd=odd))
         self.database.log.append(CLASSES[self.fileclass][9] + key + (b" | %d" % kind if self.fileclass else b""))
 
     def save(self):
@@ -217,13 +218,13 @@ class DataFile:
         if self.ondisk:
             with open(place, "rb") as file:
                 data = bytearray(file.read())
-            changed = [record for record in changed if record.at + 8 > len(data) or number(data[record.at + 4:record.at + 8]) == 61]
             for record in changed:
                 data.extend(bytes(max(0, record.at - len(data))))
                 data[record.at:record.at + 69] = field(record.key)
         elif os.path.isdir(os.path.dirname(place)):
             data = dbs([record.key for record in self.records])
         else:
+            self.database.log.append(b"Local error: TSXbinfile: Could not open file " + self.path)
             return
         with open(place, "wb") as file:
             file.write(data)
@@ -233,7 +234,8 @@ class DataFile:
             record.changed = False
 
     def rename(self, record, key):
-        if not record.unread:
+        self.database.left = self.database.left or (record.odd and not record.unread)
+        if not record.unread and not record.odd:
             record.key, record.changed = key, True
 
 
@@ -257,6 +259,7 @@ class Database:
 
     def __init__(self, root, shown_as):
         self.root, self.shown, self.log, self.touched = root, os.fsencode(shown_as), [], False
+        self.left = False
         self.types, self.unread, self.looking = [], [], False  # name, weight, whether found by the last analysis, id
         self.newtype(0, b"Database")
         self.files = []
@@ -455,10 +458,15 @@ class Database:
         suffixes = (b"/#%d" % n for n in range(2, 10 ** 6))
         free = next(new for new in (key[:59 - len(suffix)] + suffix for suffix in suffixes) if not self.count(new, kind))
         file.rename(record, free)
-        self.use(free, kind, file, record)
+        if not record.odd:
+            self.use(free, kind, file, record)
 
     def solve(self, problem, command):
-        """Whether it succeeds.  An analysis has to follow."""
+        """Whether it succeeds and leaves nothing out.  An analysis has to follow."""
+        self.left = False
+        return self.carry_out(problem, command) and not self.left
+
+    def carry_out(self, problem, command):
         if 7002 <= command <= 7006 and self.lacks("whole"):
             return False
         if command == 7001:
@@ -533,7 +541,7 @@ class Database:
         if new.lower() == key.lower():
             return None
         file, record = old[1][kind][n - 1]
-        if record.unread or (self.count(new, kind) and not yes):
+        if record.unread or record.odd or (self.count(new, kind) and not yes):
             return False
         file.rename(record, new)
         return True

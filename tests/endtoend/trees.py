@@ -169,8 +169,10 @@ class Trees(ProgramTest):
         for _ in range(chance.randrange(7)):
             found = self.compare()
             options = ["--save"] * chance.choice([0, 1, 1])
+            # The oracle reads no name in place of one that has gone, which it was passed over for.
+            twins = any(weight == "told" for _, weight, *_ in self.expected.database.unread)
             rows = ["%d:%d" % (row, n) for row, problem in enumerate(found["problems"], 1)
-                    for n, _ in enumerate(problem["solutions"], 1)]
+                    for n, _ in enumerate(problem["solutions"], 1) if not (twins and problem["kind"] in (1, 6, 7))]
             keys = [key for key in found["keys"] if key["key"][:1] != "-"]  # which the oracle would take for an option
             kind = chance.randrange(6)
             if kind == 0:

@@ -10,6 +10,8 @@ TEST_F(DatabaseTest, BinFileTellsEveryMisuseAndFailure) {
     std::int32_t number = 7;
     char byte = 0;
     TSXbinfile file;
+    Tree tree;
+    EXPECT_FALSE(tree.open(root.path()));
     const auto expect = [&](const Texts& lines) {
         for (const std::string& line : lines)
             expected += "Local error: TSXbinfile: " + line + "\n";
@@ -17,14 +19,14 @@ TEST_F(DatabaseTest, BinFileTellsEveryMisuseAndFailure) {
     };
     file.close();
     EXPECT_EQ(file.blockwrite("x", 1), 0);
-    EXPECT_EQ(file.openupdate(name.c_str()), 0);
+    EXPECT_EQ(file.openread(tree, name.c_str()), 0);
     EXPECT_EQ(file.readint(number), 0);
     expect({"tried to close closed file", "tried to blockwrite to closed file ???",
             "Could not open file " + name, "tried to blockread from closed file ???",
             "could not read int from ???"});
     writeFile(name, "abc");
-    EXPECT_EQ(file.openread(name.c_str()), 1);
-    EXPECT_EQ(file.openread("elsewhere"), -1);
+    EXPECT_EQ(file.openread(tree, name.c_str()), 1);
+    EXPECT_EQ(file.openread(tree, "elsewhere"), -1);
     for (const int count : {0, -1}) {
         EXPECT_EQ(file.blockread(&byte, count), 0);
         EXPECT_EQ(file.blockwrite("x", count), 0);
@@ -44,9 +46,10 @@ TEST_F(DatabaseTest, BinFileTellsEveryMisuseAndFailure) {
         {"tried to blockread from closed file " + name, "could not read string from " + name + " (0 0 0)"});
     text = "of before";
     writeFile(name, integer(0));
-    EXPECT_EQ(file.openread(name.c_str()) + file.readstring(text, 100), 2);
+    EXPECT_EQ(file.openread(tree, name.c_str()) + file.readstring(text, 100), 2);
     EXPECT_EQ(text, "");
     file.close();
-    { EXPECT_EQ(TSXbinfile().openread(name.c_str()), 1); }
+    { EXPECT_EQ(TSXbinfile().openread(tree, name.c_str()), 1); }
     expect({"file not closed"});
+    startLog(0, "");
 }

@@ -93,7 +93,9 @@ TEST_F(StartTest, WhatKeepsTheToolFromStartingIsTold) {
     }
     settings.databaseDirectory = root.path().c_str();
     choose();
-    const HANDLE held = openMarker(root.path().c_str());
+    Tree tree;
+    EXPECT_FALSE(tree.open(root.path()));
+    const HANDLE held = openMarker(tree);
     leaves(0, "Error 48: Unable to open the database\nThis database is probably opened by another person\n\n"
               "\\(Error code 32: ");
     CloseHandle(held);

@@ -47,7 +47,8 @@ TEST_F(Log, TakesLinesAsTheyStandAndBeginsAnew) {
 }
 
 TEST_F(Log, MarkerTellsWhyADatabaseCannotBeHad) {
-    EXPECT_EQ(openMarker((root / "missing").c_str()), INVALID_HANDLE_VALUE);
+    Tree tree;
+    EXPECT_FALSE(succeeded(tree.open(root / "missing")));
     EXPECT_EQ(lockFailureText(),
               "Unable to open the database\n\n(Error code 3: The system cannot find the path specified.)");
     SetLastError(9999);
@@ -62,5 +63,6 @@ TEST_F(Log, MarkerTellsWhyADatabaseCannotBeHad) {
         EXPECT_EQ(text.substr(0, (lock + advice).size()), number == 32 ? "" : lock + advice);
     }
     std::filesystem::create_directory(root / "a.xdb");
-    EXPECT_EQ(hasConnectedDatabase(root.path().c_str()), 0);
+    EXPECT_FALSE(tree.open(root.path()));
+    EXPECT_FALSE(hasConnectedDatabase(tree));
 }

@@ -2,8 +2,6 @@
 
 #include <cerrno>
 
-#include <sys/stat.h>
-
 #include "platform/system/posix.h"
 
 namespace {
@@ -20,6 +18,7 @@ const ErrorText errorTexts[] = {
     {ERROR_TOO_MANY_OPEN_FILES, "The system cannot open the file."},
     {ERROR_ACCESS_DENIED, "Access is denied."},
     {ERROR_NOT_ENOUGH_MEMORY, "Not enough memory resources are available to process this command."},
+    {ERROR_INVALID_DATA, "The data is invalid."},
     {ERROR_WRITE_PROTECT, "The media is write protected."},
     {ERROR_GEN_FAILURE, "A device attached to the system is not functioning."},
     {ERROR_SHARING_VIOLATION,
@@ -31,6 +30,8 @@ const ErrorText errorTexts[] = {
     {ERROR_INVALID_NAME, "The filename, directory name, or volume label syntax is incorrect."},
     {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
     {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long."},
+    {ERROR_FILE_INVALID,
+     "The volume for a file has been externally altered so that the opened file is no longer valid."},
     {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
     {ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system."},
 };
@@ -84,20 +85,6 @@ std::uint32_t numberOf(int systemError) {
     return ERROR_GEN_FAILURE;
 }
 
-// What the lack of an entry means: the entry is missing, its directory is, or a link on the way leads
-// nowhere.
-std::uint32_t absenceOf(const std::string& path) {
-    struct stat state = {};
-    std::string there = path.substr(0, path.find_last_not_of('/') + 1);
-    const std::string directory = directoryOf(there);
-    const bool inDirectory = stat(directory.c_str(), &state) == 0 && S_ISDIR(state.st_mode);
-    while (lstat(there.c_str(), &state) != 0 && there.find('/', 1) != std::string::npos)
-        there = directoryOf(there);
-    if (lstat(there.c_str(), &state) == 0 && S_ISLNK(state.st_mode) && stat(there.c_str(), &state) != 0)
-        return ERROR_CANT_RESOLVE_FILENAME;
-    return inDirectory ? ERROR_FILE_NOT_FOUND : ERROR_PATH_NOT_FOUND;
-}
-
 } // namespace
 
 std::uint32_t GetLastError() {
@@ -108,10 +95,8 @@ void SetLastError(std::uint32_t number) {
     lastError = number;
 }
 
-void setLastErrorFromErrno(int systemError, const std::string& path) {
-    lastError = numberOf(systemError);
-    if (lastError == ERROR_FILE_NOT_FOUND)
-        lastError = absenceOf(path);
+Failure failureFrom(int systemError) {
+    return {numberOf(systemError)};
 }
 
 std::string FormatMessageA(std::uint32_t number) {

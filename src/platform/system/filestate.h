@@ -20,8 +20,9 @@ struct FileState {
     std::int64_t modified = 0; // nanoseconds
 
     bool operator==(const FileState& other) const = default;
+    // Whether nothing shows that it was written meanwhile. The number of a file is not asked: some file
+    // systems of other machines give it another one while a program runs.
+    bool isUnchanged(const FileState& other) const {
+        return size == other.size && modified == other.modified;
+    }
 };
-
-// Of the file to which a path leads; that of no file where there is none or it can't be had, and GetLastError
-// then tells why.
-FileState stateOf(const char* path);

@@ -1,59 +1,98 @@
 #include "platform/system/hold.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/system/path.h"
 #include "platform/system/posix.h"
+#include "platform/system/tree.h"
 
 namespace {
 
-// The lock belongs to the open file, not to the process: another descriptor of the same process that is
-// closed does not take it away.
-bool lockWhole(int file) {
-    if (injectedFault(DiskOperation::lock))
-        return false;
-    struct flock whole = {};
-    whole.l_type = F_WRLCK;
-    whole.l_whence = SEEK_SET;
-    if (retryInterrupted([&] { return fcntl(file, F_OFD_SETLK, &whole); }) == 0)
-        return true;
-    SetLastError(errno == EAGAIN || errno == EACCES ? ERROR_SHARING_VIOLATION : ERROR_NOT_SUPPORTED);
-    return false;
+constexpr int tries = 5;
+
+// Nobody sees it before it is held, where the file system allows that.
+Failure makeHeld(Tree& tree, const std::string& name, File& file) {
+    constexpr std::uint32_t anyWrite = 0222;
+    NewFile made;
+    EntryState state;
+    Failure failure = tree.make(name, made, Rights::asDirectory, Appears::atOnce);
+    if (!failure)
+        failure = made.file.entry(state);
+    const std::uint32_t writers = state.permissions & anyWrite;
+    if (!failure) // a file system without rights has them from its mount
+        [[maybe_unused]]
+        const Failure left = made.file.permit(writers | writers << 1);
+    if (!failure)
+        failure = made.file.lock();
+    if (!failure)
+        failure = made.keep();
+    if (!failure)
+        file = std::move(made.file);
+    return failure;
 }
 
-// Who may make files in the directory may hold this one: otherwise the file's maker would keep all others out
-// for good. What the system does not allow stays as it is.
-void shareAsDirectory(int file, const std::string& directory) {
-    struct stat place = {};
-    struct stat made = {};
-    if (stat(directory.c_str(), &place) != 0 || fstat(file, &made) != 0)
-        return;
-    if (made.st_gid != place.st_gid && fchown(file, static_cast<uid_t>(-1), place.st_gid) != 0)
-        place.st_mode &= ~mode_t{S_IWGRP};
-    [[maybe_unused]] const int changed =
-        fchmod(file, (made.st_mode & 07777) | (place.st_mode & (S_IWGRP | S_IWOTH)));
+Failure openHeld(Tree& tree, const std::string& name, File& file) {
+    const Failure failure = tree.openToWrite(name, file, Links::refused);
+    return failure ? failure : file.lock();
+}
+
+// The file that has the name at this moment; of no file where there is none.
+Failure identityAt(Tree& tree, const std::string& name, FileIdentity& identity) {
+    Entry entry;
+    const Failure failure = tree.look(name, Links::refused, entry);
+    identity = entry.file.identity;
+    return failure;
+}
+
+Failure takeHold(Tree& tree, const std::string& name, File& file) {
+    FileIdentity there;
+    FileState own;
+    Failure failure = identityAt(tree, name, there);
+    if (failure)
+        return failure;
+    failure = there == FileIdentity() ? makeHeld(tree, name, file) : openHeld(tree, name, file);
+    if (!failure)
+        failure = file.state(own);
+    if (!failure)
+        failure = identityAt(tree, name, there);
+    return failure || there == own.identity ? failure : Failure{ERROR_FILE_INVALID};
+}
+
+// Another program may make, replace or take it away meanwhile.
+Failure takeHoldInTheEnd(Tree& tree, const std::string& name, File& file) {
+    Failure failure;
+    for (int i = 0; i < tries; ++i) {
+        failure = takeHold(tree, name, file);
+        const bool moved = failure.number == ERROR_FILE_INVALID || failure.number == ERROR_FILE_NOT_FOUND ||
+                           failure.number == ERROR_ALREADY_EXISTS;
+        if (!moved)
+            break;
+    }
+    return failure;
 }
 
 } // namespace
 
-HANDLE CreateFileA(const char* path) {
-    if (injectedFault(DiskOperation::open))
-        return INVALID_HANDLE_VALUE;
-    std::string resolved;
-    if (!findPath(path, resolved))
-        return INVALID_HANDLE_VALUE;
-    const bool made = isMissing(resolved);
-    const int file = openPlainFile(resolved, O_WRONLY, true);
-    if (file < 0)
-        return INVALID_HANDLE_VALUE;
-    if (made)
-        shareAsDirectory(file, directoryOf(resolved));
-    if (lockWhole(file))
-        return file;
-    close(file);
-    return INVALID_HANDLE_VALUE;
+HANDLE CreateFileA(Tree& tree, const std::string& name) {
+    File file;
+    return succeeded(takeHoldInTheEnd(tree, name, file)) ? file.release() : INVALID_HANDLE_VALUE;
+}
+
+Failure holdStands(HANDLE handle, Tree& tree, const std::string& name) {
+    FileState own;
+    FileIdentity there;
+    File held(handle);
+    Failure failure = held.state(own);
+    held.release();
+    if (!failure)
+        failure = identityAt(tree, name, there);
+    if (failure || there == own.identity)
+        return failure;
+    if (there != FileIdentity())
+        return {ERROR_FILE_INVALID};
+    File file;
+    failure = takeHoldInTheEnd(tree, name, file);
+    return failure || dup3(file.descriptor(), handle, O_CLOEXEC) >= 0 ? failure : failureFrom(errno);
 }
 
 void CloseHandle(HANDLE handle) {

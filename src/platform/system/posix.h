@@ -3,9 +3,10 @@
 #pragma once
 
 #include <cerrno>
-#include <string>
 
+#include "platform/system/entry.h"
 #include "platform/system/errors.h"
+#include "platform/system/failure.h"
 #include "platform/system/faults.h"
 #include "platform/system/filestate.h"
 
@@ -27,21 +28,21 @@ inline bool injectedFault(DiskOperation operation) {
     return true;
 }
 
-// Leaves the platform's number for a value of errno as the last error. A missing entry is 2 where the
-// directory of the path exists, else 3.
-void setLastErrorFromErrno(int systemError, const std::string& path);
+// The same, as a value.
+inline Failure faultOf(DiskOperation operation) {
+    return {injectedFault(operation) ? ERROR_IO_DEVICE : ERROR_SUCCESS};
+}
 
-// The directory in which a path's last component stands: "." for a bare name.
-std::string directoryOf(const std::string& path);
+// The platform's number for a value of errno.
+Failure failureFrom(int systemError);
 
-// Whether no entry stands there, not even a dangling link. False where that can't be known.
-bool isMissing(const std::string& path);
-
-// Opens a plain file, or a link to one, and never waits for anything; with create a missing one is made. The
-// path is taken as it stands. The descriptor, not inherited by other programs, or -1 with the last error set.
-int openPlainFile(const std::string& path, int flags, bool create);
+// Of a call that answers 0, or another number and sets errno.
+inline Failure answer(int result) {
+    return result == 0 ? Failure() : failureFrom(errno);
+}
 
 FileState stateFrom(const struct stat& state);
+EntryState entryFrom(const struct stat& state);
 
 // Counts one more failed write of the process.
 void countFailedWrite();

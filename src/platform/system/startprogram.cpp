@@ -20,7 +20,7 @@ std::string directoryOfRunningProgram() {
     std::string path(4096, '\0');
     const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
     path.resize(length > 0 ? static_cast<std::size_t>(length) : 0);
-    return directoryOf(path);
+    return path.substr(0, path.rfind('/'));
 }
 
 std::vector<std::string> directoriesToSearch() {
@@ -86,7 +86,7 @@ int WinExec(const char* program) {
         const int failure = start(path, program);
         if (failure == 0)
             return started;
-        setLastErrorFromErrno(failure, path);
+        SetLastError(failureFrom(failure).number);
         return static_cast<int>(std::min(GetLastError(), ERROR_GEN_FAILURE));
     }
     SetLastError(ERROR_FILE_NOT_FOUND);

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/system/tree.h"
 #include "tempdir.h"
 
 namespace fs = std::filesystem;
@@ -16,7 +17,9 @@ struct FileSearchTest : testing::Test {
     Names search(const std::string& pattern) {
         Names names;
         WIN32_FIND_DATAA data;
-        const FindHandle handle = FindFirstFileA((directory / pattern).c_str(), data, passedOver);
+        Tree tree;
+        EXPECT_FALSE(tree.open(directory.path()));
+        const FindHandle handle = FindFirstFileA(tree, pattern, data, passedOver);
         for (bool found = handle != nullptr; found; found = FindNextFileA(handle, data) != 0) {
             names.push_back(data.cFileName);
             attributes.push_back(data.dwFileAttributes);

@@ -15,6 +15,7 @@
 #include "child.h"
 #include "platform/system/bytestream.h"
 #include "platform/system/signalhold.h"
+#include "platform/system/tree.h"
 #include "tempdir.h"
 
 namespace {
@@ -36,7 +37,10 @@ bool takeLocksAway() {
 
 struct Hold : testing::Test {
     std::uint32_t take() {
-        const HANDLE taken = CreateFileA(marker.c_str());
+        Tree tree;
+        std::string name;
+        EXPECT_FALSE(tree.openDirectoryOf(marker, name));
+        const HANDLE taken = CreateFileA(tree, name);
         handle = taken != INVALID_HANDLE_VALUE ? taken : handle;
         return errorOf(taken != INVALID_HANDLE_VALUE);
     }
@@ -57,7 +61,7 @@ TEST_F(Hold, KeepsOthersOffUntilItIsGivenUpOrItsProcessEnds) {
     ASSERT_EQ(take(), 0u);
     EXPECT_EQ(takeElsewhere(), 32);
     EXPECT_EQ(take(), ERROR_SHARING_VIOLATION) << "nor can this process have it twice";
-    EXPECT_TRUE(ByteStream().open(marker.c_str(), OpenMode::update));
+    EXPECT_TRUE(ByteStream().open(marker.c_str(), OpenMode::read));
     EXPECT_EQ(takeElsewhere(), ERROR_SHARING_VIOLATION) << "another use of the file ended";
     marker = directory / "OPEN_DB.TXF";
     EXPECT_EQ(takeElsewhere(), ERROR_SHARING_VIOLATION);
@@ -69,7 +73,7 @@ TEST_F(Hold, KeepsOthersOffUntilItIsGivenUpOrItsProcessEnds) {
 }
 
 TEST_F(Hold, MayBeTakenByWhomTheDirectoryBelongsTo) {
-    for (const auto& [place, made] : {std::pair(0755, 0644), {0775, 0664}, {0777, 0666}}) {
+    for (const auto& [place, made] : {std::pair(0755, 0600), {0775, 0660}, {0777, 0666}}) {
         std::filesystem::permissions(directory.path(), std::filesystem::perms(place));
         std::filesystem::remove(marker);
         const mode_t before = umask(022);
@@ -78,6 +82,25 @@ TEST_F(Hold, MayBeTakenByWhomTheDirectoryBelongsTo) {
         CloseHandle(handle);
         EXPECT_EQ(std::filesystem::status(marker).permissions(), std::filesystem::perms(made));
     }
+}
+
+// Somebody tidies up, or puts something else in its place.
+TEST_F(Hold, IsLookedAtAnew) {
+    Tree tree;
+    ASSERT_FALSE(tree.open(directory.path()));
+    ASSERT_EQ(take(), 0u);
+    EXPECT_FALSE(holdStands(handle, tree, "open_db.txf"));
+    std::filesystem::remove(marker);
+    EXPECT_FALSE(holdStands(handle, tree, "open_db.txf"));
+    EXPECT_EQ(takeElsewhere(), ERROR_SHARING_VIOLATION) << "made and held anew";
+    std::filesystem::rename(marker, directory / "away");
+    writeFile(marker, "");
+    EXPECT_EQ(holdStands(handle, tree, "open_db.txf").number, ERROR_FILE_INVALID);
+    CloseHandle(handle);
+    std::filesystem::remove(marker);
+    std::filesystem::create_symlink("away", marker);
+    EXPECT_NE(take(), 0u);
+    EXPECT_FALSE(std::filesystem::exists(directory / "OPEN_DB.TXF"));
 }
 
 TEST_F(Hold, IsNotInheritedByAProgram) {

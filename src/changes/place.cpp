@@ -1,0 +1,134 @@
+#include "changes/place.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <ctime>
+#include <map>
+
+#include "platform/system/entry.h"
+#include "platform/system/text.h"
+
+namespace {
+
+constexpr std::int64_t keptSeconds = std::int64_t{30} * 24 * 60 * 60;
+constexpr std::size_t keptOfDatabase = 10;
+constexpr const char* nameForm = "%Y%m%d-%H%M%S";
+constexpr std::size_t timeLength = 15; // of that form
+constexpr std::string_view extension = ".undo";
+
+// The moment that a name tells; -1 where it tells none.
+std::int64_t timeOf(const std::string& name) {
+    std::tm parts = {};
+    const char* end = strptime(name.c_str(), nameForm, &parts);
+    return end == name.c_str() + timeLength ? timegm(&parts) : -1;
+}
+
+bool isUndoName(const std::string& name) {
+    return name.size() > extension.size() && name.ends_with(extension) && timeOf(name) >= 0;
+}
+
+bool isOld(std::int64_t time) {
+    return time + keptSeconds < std::time(nullptr);
+}
+
+// An undo file elsewhere may only be on a medium that is away, and be that of an interrupted run.
+bool leadsNowhere(Tree& place, const std::string& name) {
+    Entry entry;
+    std::string target;
+    return !place.readLink(name, target) &&
+           place.look(name, Links::followed, entry).number == ERROR_CANT_RESOLVE_FILENAME;
+}
+
+void take(Tree& place, const std::string& name) {
+    Entry entry;
+    if (!place.look(name, Links::refused, entry)) [[maybe_unused]]
+        const Failure left = place.remove(name, entry.file);
+}
+
+UndoListEntry entryOf(Tree& place, const std::string& name) {
+    UndoFile undo;
+    UndoListEntry entry;
+    entry.damage = readundohead(place, name, undo);
+    entry.path = place.path() + "/" + name;
+    entry.header = undo.header;
+    entry.directory = undo.directory;
+    entry.time = timeOf(name);
+    entry.maygo = entry.time + keptSeconds;
+    FileState state;
+    if (undo.file && !undo.file->state(state))
+        entry.size = state.size;
+    return entry;
+}
+
+} // namespace
+
+std::string undodirectory() {
+    const char* state = std::getenv("XDG_STATE_HOME");
+    if (state != nullptr && *state == '/')
+        return std::string(state) + "/txinspect";
+    const char* home = std::getenv("HOME");
+    return home != nullptr && *home == '/' ? std::string(home) + "/.local/state/txinspect" : "";
+}
+
+Failure openundodirectory(Tree& place, bool make) {
+    const std::string path = undodirectory();
+    if (path.empty())
+        return {ERROR_PATH_NOT_FOUND};
+    if (make && !makePrivateDirectories(path))
+        return {GetLastError()};
+    return place.open(path);
+}
+
+std::vector<std::string> undonames(Tree& place) {
+    std::vector<std::string> names;
+    if (place.names(".", names))
+        names.clear();
+    std::erase_if(names, [](const std::string& name) { return !isUndoName(name); });
+    return names; // whose order is that of time
+}
+
+std::string newundoname(Tree& place, std::int64_t now, int number) {
+    const std::vector<std::string> names = undonames(place);
+    const std::time_t moment = std::max(now, names.empty() ? 0 : timeOf(names.back()));
+    std::tm parts = {};
+    gmtime_r(&moment, &parts);
+    char text[timeLength + 1] = {};
+    std::strftime(text, sizeof text, nameForm, &parts);
+    return std::string(text) + Text<30>().format("-%03d", number).c_str() + std::string(extension);
+}
+
+void removeoldundofiles(Tree& place, const std::string& justmade) {
+    std::vector<std::string> names = undonames(place);
+    std::erase(names, justmade);
+    if (names.size() < keptOfDatabase || isOld(timeOf(names.back())))
+        return;
+    std::map<std::string, std::size_t> newer; // of each database
+    for (auto name = names.rbegin(); name != names.rend(); ++name) {
+        if (leadsNowhere(place, *name)) {
+            if (isOld(timeOf(*name)))
+                take(place, *name);
+            continue;
+        }
+        const UndoListEntry entry = entryOf(place, *name);
+        if (entry.damage.empty() && ++newer[entry.directory] >= keptOfDatabase && !entry.header.isopen() &&
+            isOld(entry.time))
+            take(place, *name);
+    }
+}
+
+std::vector<UndoListEntry> listundofiles(const std::string& directory) {
+    std::vector<UndoListEntry> entries;
+    Tree place, wanted;
+    std::string full;
+    if (openundodirectory(place, false) ||
+        (!directory.empty() && (wanted.open(directory) || wanted.fullPath(full))))
+        return entries;
+    for (const std::string& name : undonames(place)) {
+        if (leadsNowhere(place, name))
+            continue;
+        UndoListEntry entry = entryOf(place, name);
+        if (!entry.header.isempty() && (directory.empty() || entry.directory == full))
+            entries.push_back(std::move(entry));
+    }
+    return entries;
+}

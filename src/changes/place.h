@@ -1,0 +1,34 @@
+// Where undo files stand, how long, and what they are about.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "changes/undofile.h"
+
+// The directory of the user's undo files; empty where neither XDG_STATE_HOME nor HOME says where.
+std::string undodirectory();
+// Opens it; makes it first where that is wanted, for the user alone.
+Failure openundodirectory(Tree& place, bool make);
+
+// The names of the undo files in it, and of the links to those that stand elsewhere, the oldest first.
+std::vector<std::string> undonames(Tree& place);
+// A name that stands behind all others, whatever the clock says.
+std::string newundoname(Tree& place, std::int64_t now, int number);
+// Removes those that are finished and older than 30 days, but for the last ten of each database, and links to
+// nothing. Nothing where the clock is 30 days beyond the newest other than the one just made.
+void removeoldundofiles(Tree& place, const std::string& justmade);
+
+struct UndoListEntry {
+    std::string path;
+    std::string directory;  // of the database
+    std::int64_t time = 0;  // seconds since 1970
+    std::int64_t size = 0;  // bytes
+    std::int64_t maygo = 0; // from when on it may be removed; the last ten of a database stay
+    UndoHeader header;
+    std::string damage; // why it can't be used; all but path and size are unknown then
+};
+
+// Those of the user, the oldest first; with a directory, those about the database there.
+std::vector<UndoListEntry> listundofiles(const std::string& directory = "");

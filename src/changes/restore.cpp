@@ -1,0 +1,97 @@
+#include "changes/restore.h"
+
+#include <set>
+
+#include "changes/carryout.h"
+#include "changes/restoreplan.h"
+#include "platform/system/signalhold.h"
+
+namespace {
+
+// The times of directories in which entries came and went, as they were before the first group.
+void givetimes(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup, const std::set<std::string>& leftin,
+               std::vector<std::string>& left) {
+    std::set<std::string> given;
+    for (std::size_t group = fromgroup - 1; group < undo.groups.size(); ++group)
+        for (const DirectoryTimes& directory : undo.groups[group].directories) {
+            Entry entry;
+            const std::string name = directory.name.empty() ? "." : directory.name;
+            if (leftin.count(directory.name) != 0 || !given.insert(directory.name).second)
+                continue;
+            Failure failure = tree.look(name, Links::followed, entry);
+            if (!failure && entry.state.kind == EntryState::directory) // else it was made, and has gone
+                failure = tree.giveTimes(name, directory.state);
+            if (failure && !failure.isAbsence())
+                left.push_back(tree.path() + "/" + directory.name +
+                               ": its times could not be brought back (" + failure.text() + ")");
+        }
+}
+
+void telllostnames(Tree& tree, const RestorePlan& plan, std::vector<std::string>& left) {
+    for (const Change* deletion : plan.linked) {
+        Entry entry;
+        if (!lookexactly(tree, deletion->file, entry) && entry.state.kind == EntryState::plain &&
+            entry.state.names < 2)
+            left.push_back(tree.path() + "/" + deletion->file +
+                           ": it had more names, and is a file of its own now");
+    }
+}
+
+} // namespace
+
+std::string recordeddirectory(const std::string& undofile, std::string& why) {
+    UndoFile undo;
+    why = readundofile(undofile, undo);
+    if (!why.empty())
+        why = undofile + ": " + why;
+    return undo.directory;
+}
+
+RestoreResult restore(std::shared_ptr<Tree> tree, RestoreOptions options) {
+    const SignalHold untilrestored;
+    RestoreResult result;
+    UndoFile undo;
+    std::string damage = readundofile(options.undofile, undo);
+    if (damage.empty() && !undo.groups.empty() &&
+        (options.fromgroup < 1 || options.fromgroup > undo.groups.size()))
+        damage = "it has no such group of changes";
+    if (!damage.empty())
+        result.refused = options.undofile + ": " + damage;
+    else if (const Failure failure = tree->begin())
+        result.refused = tree->path() + ": it can't be read (" + failure.text() + ")";
+    if (!result.refused.empty())
+        return result;
+    RestorePlan plan(*tree, undo, options.fromgroup);
+    result.left = plan.left;
+    if (!plan.left.empty() && !options.yes && !options.plan) {
+        result.refused = "Not all is as it was left by the changes; with --yes the rest is restored";
+        return result;
+    }
+    if (options.plan) {
+        result.changes = std::move(plan.changes);
+        return result;
+    }
+    options.commit.isrestore = true;
+    Committer committer(tree, options.commit);
+    std::vector<Failure> failures;
+    if (!committer.commit(plan.changes, failures)) {
+        result.refused = "Nothing was restored";
+        return result;
+    }
+    for (std::size_t i = 0; i < failures.size(); ++i)
+        if (failures[i]) {
+            result.left.push_back(tree->path() + "/" + plan.changes[i].file +
+                                  ": it could not be brought back (" + failures[i].text() + ")");
+            plan.leftin.insert(parentof(plan.changes[i].file));
+        }
+    telllostnames(*tree, plan, result.left);
+    givetimes(*tree, undo, options.fromgroup, plan.leftin, result.left);
+    result.open = committer.isopen();
+    result.ownundofile = committer.undopath();
+    if (result.left.empty())
+        markrestored(options.undofile, options.fromgroup);
+    for (Change& change : plan.changes)
+        if (change.made)
+            result.changes.push_back(std::move(change));
+    return result;
+}

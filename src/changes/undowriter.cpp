@@ -1,0 +1,262 @@
+#include "changes/undowriter.h"
+
+#include <algorithm>
+#include <ctime>
+#include <random>
+
+#include "changes/place.h"
+#include "platform/system/user.h"
+
+namespace {
+
+std::string told(const std::string& what, Failure failure) {
+    return what + " (" + failure.text() + ")";
+}
+
+std::string parentOf(const std::string& name) {
+    const std::size_t slash = name.rfind('/');
+    return slash == std::string::npos ? "" : name.substr(0, slash);
+}
+
+// A medium without owners gives a file to whoever mounted it, and a server may give one to nobody.
+bool isUsersAlone(const File& file) {
+    EntryState state;
+    constexpr std::uint32_t others = 077;
+    return !file.entry(state) && state.owner == currentuser() && (state.permissions & others) == 0;
+}
+
+} // namespace
+
+std::uint64_t randomnumber() {
+    std::random_device device;
+    return std::max<std::uint64_t>((std::uint64_t{device()} << 32) | device(), 1);
+}
+
+std::string UndoWriter::keep(Tree& database, std::vector<Change>& group) {
+    if (!stands()) {
+        file_ = File();
+        header_ = UndoHeader();
+        groups_ = 0;
+        parents_.clear();
+        path_.clear();
+        if (std::string failure = make(database); !failure.empty())
+            return failure;
+    }
+    return append(database, group);
+}
+
+// Whether the name still leads to the file of this run.
+bool UndoWriter::stands() {
+    FileState own;
+    Entry entry;
+    return file_.isOpen() && !file_.state(own) && !place_->begin() &&
+           !place_->look(nameThere_, Links::refused, entry) && entry.file.identity == own.identity;
+}
+
+std::string UndoWriter::make(Tree& database) {
+    std::string directory;
+    if (const Failure failure = database.fullPath(directory))
+        return told(database.path() + " can't be read", failure);
+    header_.number = randomnumber();
+    header_.time = std::time(nullptr);
+    header_.isrestore = isrestore_ ? 1 : 0;
+    if (!wanted_.empty())
+        return makeElsewhere(directory);
+    if (undodirectory().empty())
+        return "there is no directory for undo files: set XDG_STATE_HOME or HOME";
+    auto place = std::make_unique<Tree>();
+    if (const Failure failure = openundodirectory(*place, true))
+        return told("the directory " + undodirectory() + " can't be made or entered", failure);
+    constexpr int tries = 1000; // of one second
+    std::string failure;
+    for (int number = 0; number < tries; ++number) {
+        const std::string name = newundoname(*place, header_.time, number);
+        Entry entry;
+        if (place->look(name, Links::refused, entry) || entry.state.kind != EntryState::missing)
+            continue;
+        failure = makeHere(*place, name, directory);
+        name_ = failure.empty() ? name : "";
+        break;
+    }
+    if (failure.empty()) {
+        removeoldundofiles(*place, name_);
+        place_ = std::move(place);
+    }
+    return failure;
+}
+
+std::string UndoWriter::makeHere(Tree& place, const std::string& name, const std::string& directory) {
+    const std::string path = wanted_.empty() ? place.path() + "/" + name : wanted_;
+    NewFile made;
+    auto position = static_cast<std::int64_t>(UndoHeader::size);
+    Failure failure = place.make(name, made, Rights::ownerOnly, Appears::atOnce);
+    if (!failure && !isUsersAlone(made.file))
+        return "the undo file " + path +
+               " would not belong to this user alone, since its file system has no owners; give another "
+               "place";
+    if (!failure)
+        failure = writehead(made.file, position, directory);
+    header_.length = header_.finished = static_cast<std::uint64_t>(position);
+    if (!failure)
+        failure = made.file.write(0, header_.encode());
+    if (!failure)
+        failure = made.keep();
+    if (!failure)
+        failure = place.syncDirectoryOf(name);
+    if (failure) {
+        Entry entry;
+        FileState own;
+        if (!made.file.state(own) && !place.look(name, Links::refused, entry) &&
+            entry.file.identity == own.identity) [[maybe_unused]]
+            const Failure left = place.remove(name, entry.file);
+        return told("the undo file " + path + " can't be written", failure);
+    }
+    file_ = std::move(made.file);
+    path_ = path;
+    nameThere_ = name;
+    return "";
+}
+
+std::string UndoWriter::makeElsewhere(const std::string& directory) {
+    auto place = std::make_unique<Tree>();
+    std::string name, full;
+    Failure failure = place->openDirectoryOf(wanted_, name);
+    if (!failure)
+        failure = place->fullPath(full);
+    if (failure)
+        return told("the directory of " + wanted_ + " can't be entered", failure);
+    if ((full + "/").starts_with(directory + "/"))
+        return "the undo file " + wanted_ + " would stand in the database; give another place";
+    if (std::string why = makeHere(*place, name, directory); !why.empty())
+        return why;
+    place_ = std::move(place);
+    path_ = full + "/" + name;
+    unfound_ = linkTo(path_);
+    return "";
+}
+
+// A file elsewhere is found by its link, should the run be interrupted. Without one it still serves a
+// restore.
+std::string UndoWriter::linkTo(const std::string& path) {
+    Tree place;
+    Failure failure = openundodirectory(place, true);
+    constexpr int tries = 1000;
+    for (int number = 0; number < tries && !failure; ++number) {
+        name_ = newundoname(place, header_.time, number);
+        failure = place.makeLink(name_, path);
+        if (!failure)
+            failure = place.syncDirectoryOf(name_);
+        if (failure.number != ERROR_ALREADY_EXISTS)
+            break;
+        failure = {};
+    }
+    if (!failure)
+        return "";
+    name_.clear();
+    return told("a link to it in " + undodirectory() + " can't be made", failure);
+}
+
+// What the group adds to the counts, and the directories whose times are not in the file yet.
+std::string UndoWriter::count(Tree& database, std::vector<Change>& group,
+                              std::vector<DirectoryTimes>& directories) {
+    std::set<std::string> parents = {""}; // in the database's own the change is announced
+    for (const Change& change : group) {
+        header_.keys += change.fieldcount;
+        header_.deletions += change.kind == Change::deletion ? 1 : 0;
+        header_.makings += change.kind == Change::making ? 1 : 0;
+        if (change.kind != Change::keys)
+            parents.insert(parentOf(change.file));
+    }
+    for (const std::string& parent : parents) {
+        Entry entry;
+        if (!parents_.insert(parent).second)
+            continue;
+        if (const Failure failure = database.look(parent.empty() ? "." : parent, Links::followed, entry))
+            return told(parent + " can't be read", failure);
+        directories.push_back({parent, entry.state});
+    }
+    return "";
+}
+
+std::string UndoWriter::append(Tree& database, std::vector<Change>& group) {
+    before_ = header_;
+    auto position = static_cast<std::int64_t>(header_.length);
+    std::vector<DirectoryTimes> directories;
+    std::string why = count(database, group, directories);
+    if (why.empty())
+        why = writegroup(file_, position, database, group, directories);
+    if (why.empty())
+        if (const Failure failure = file_.sync())
+            why = told("it can't be written", failure);
+    header_.length = static_cast<std::uint64_t>(position);
+    if (why.empty())
+        why = putHeader(header_);
+    ++groups_;
+    if (why.empty())
+        return "";
+    drop();
+    return "the undo file " + path_ + ": " + why;
+}
+
+std::string UndoWriter::putHeader(const UndoHeader& header) {
+    Failure failure = file_.write(0, header.encode());
+    if (!failure)
+        failure = file_.sync();
+    return failure ? told("it can't be written", failure) : "";
+}
+
+// What was refused must not be listed, nor take space.
+void UndoWriter::drop() {
+    if (!file_.isOpen())
+        return;
+    header_ = before_;
+    --groups_;
+    parents_.clear(); // a directory that is told twice is no harm, the first counts
+    putHeader(header_);
+    [[maybe_unused]] const Failure left = file_.cut(static_cast<std::int64_t>(header_.length));
+}
+
+std::string UndoWriter::finish() {
+    if (!file_.isOpen())
+        return "";
+    const UndoHeader standing = header_;
+    header_.finished = header_.length;
+    std::string failure = putHeader(header_);
+    if (!failure.empty())
+        header_ = standing;
+    return failure.empty() ? failure : "the undo file " + path_ + ": " + failure;
+}
+
+namespace {
+
+// Writes the header of an undo file anew, in which mark has changed something.
+template <class Mark> void remark(const std::string& path, Mark mark) {
+    Tree place, elsewhere;
+    std::string name, target, head;
+    File file;
+    UndoHeader header;
+    if (place.openDirectoryOf(path, name))
+        return;
+    const bool linked = !place.readLink(name, target);
+    if (linked && elsewhere.openDirectoryOf(target, name))
+        return;
+    if ((linked ? elsewhere : place).openToWrite(name, file, Links::refused) ||
+        file.read(0, UndoHeader::size, head) || !header.decode(head))
+        return;
+    mark(header);
+    if (!file.write(0, header.encode())) [[maybe_unused]]
+        const Failure left = file.sync();
+}
+
+} // namespace
+
+void markrestored(const std::string& path, std::uint32_t group) {
+    remark(path, [&](UndoHeader& header) { header.restoredfrom = std::min(header.restoredfrom, group); });
+}
+
+void markfinished(const std::string& path, std::uint64_t number) {
+    remark(path, [&](UndoHeader& header) {
+        if (header.number == number)
+            header.finished = header.length;
+    });
+}

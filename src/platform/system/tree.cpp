@@ -1,0 +1,606 @@
+#include "platform/system/tree.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <sys/random.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include "platform/system/listing.h"
+#include "platform/system/posix.h"
+#include "platform/system/ways.h"
+
+struct Tree::Inside {
+    Failure find(DiskOperation operation, std::string_view name, Spot& spot);
+    Failure findToChange(DiskOperation operation, std::string_view name, Spot& spot);
+    Failure findFree(DiskOperation operation, std::string_view name, Spot& spot);
+
+    std::string path;
+    Ways ways;
+    std::uint64_t temporaries = 0; // the number in their names; 0: one at random
+};
+
+namespace {
+
+constexpr mode_t setIds = S_ISUID | S_ISGID;
+constexpr const char* accessList = "system.posix_acl_access";
+constexpr const char* defaultList = "system.posix_acl_default";
+
+std::string lastComponent(std::string_view name) {
+    const std::string given = withSlashes(name);
+    return given.substr(given.rfind('/') + 1);
+}
+
+Failure firstOf(Failure first, Failure next) {
+    return first ? first : next;
+}
+
+// Closed at the end; without a descriptor errno tells why.
+struct Opened {
+    explicit Opened(int opened) : descriptor(opened) {}
+    Opened(const Opened&) = delete;
+    Opened& operator=(const Opened&) = delete;
+    ~Opened() {
+        if (descriptor >= 0)
+            close(descriptor);
+    }
+    int descriptor;
+};
+
+// Opens what stands at a spot, if it is still of that kind. What can't be opened without an effect, or at
+// all, is opened to be named alone.
+int openEntry(const Spot& spot) {
+    const bool readable = S_ISREG(spot.found.st_mode) || S_ISDIR(spot.found.st_mode);
+    const int flags = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (readable ? O_RDONLY : O_PATH);
+    const char* name = spot.name.empty() ? "." : spot.name.c_str();
+    return retryInterrupted([&] { return openat(spot.directory().descriptor, name, flags); });
+}
+
+// A list of names, or a value, whose size is asked first. Where it changes in between, that is a failure.
+template <class Call> Failure readSized(Call call, std::string& bytes) {
+    const ssize_t size = call(nullptr, 0);
+    bytes.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+    return size == 0 || (size > 0 && call(bytes.data(), bytes.size()) == size) ? Failure()
+                                                                               : failureFrom(errno);
+}
+
+// A link has none that could be given back, and a file system may have none.
+Failure attributesOf(int file, bool isLink, std::vector<Attribute>& attributes) {
+    attributes.clear();
+    std::string names;
+    const Failure failure =
+        isLink ? Failure()
+               : readSized([&](char* to, std::size_t size) { return flistxattr(file, to, size); }, names);
+    if (failure)
+        return failure.number == ERROR_NOT_SUPPORTED ? Failure() : failure;
+    for (std::size_t at = 0; at < names.size(); at += attributes.back().name.size() + 1) {
+        Attribute& attribute = attributes.emplace_back(Attribute{names.c_str() + at, ""});
+        const auto get = [&](char* to, std::size_t size) {
+            return fgetxattr(file, attribute.name.c_str(), to, size);
+        };
+        if (const Failure unread = readSized(get, attribute.value))
+            return unread;
+    }
+    return {};
+}
+
+const Attribute* findAttribute(const std::vector<Attribute>& attributes, std::string_view name) {
+    const auto found = std::find_if(attributes.begin(), attributes.end(),
+                                    [&](const Attribute& attribute) { return attribute.name == name; });
+    return found == attributes.end() ? nullptr : &*found;
+}
+
+// Lists of rights that came from the directory are taken away again.
+Failure giveAttributes(int file, const std::vector<Attribute>& wanted) {
+    std::vector<Attribute> present;
+    Failure failure = attributesOf(file, false, present);
+    for (const auto& [name, value] : wanted) {
+        const Attribute* old = findAttribute(present, name);
+        if (!name.starts_with("security.") && (old == nullptr || old->value != value))
+            failure = firstOf(failure, answer(fsetxattr(file, name.c_str(), value.data(), value.size(), 0)));
+    }
+    for (const char* list : {accessList, defaultList})
+        if (findAttribute(present, list) != nullptr && findAttribute(wanted, list) == nullptr)
+            failure = firstOf(failure, answer(fremovexattr(file, list)));
+    return failure;
+}
+
+Failure giveOwner(int entry, const struct stat& found, const EntryState& state) {
+    if (found.st_uid == state.owner && found.st_gid == state.group)
+        return {};
+    return answer(fchownat(entry, "", state.owner, state.group, AT_EMPTY_PATH));
+}
+
+Failure setTimes(int entry, const EntryState& state) {
+    const timespec times[] = {{state.read.seconds, static_cast<long>(state.read.nanoseconds)},
+                              {state.changed.seconds, static_cast<long>(state.changed.nanoseconds)}};
+    return answer(utimensat(entry, "", times, AT_EMPTY_PATH));
+}
+
+// How what is made in a directory comes to its owner, its group and its rights. Where the directory has a
+// default list of rights, the system gives all but the owner by that.
+struct Share {
+    explicit Share(const OpenDirectory& directory) {
+        if (fstat(directory.descriptor, &place) != 0)
+            place = {};
+        const Opened readable(openDirectoryAgain(directory.descriptor));
+        byList = fgetxattr(readable.descriptor, defaultList, nullptr, 0) > 0;
+    }
+    // What the system does not allow stays as it is. Another group than the directory's writes nothing.
+    void give(int made, mode_t bits) const {
+        struct stat state = {};
+        if (place.st_mode == 0 || fstat(made, &state) != 0)
+            return;
+        const uid_t owner = geteuid() == 0 ? place.st_uid : state.st_uid;
+        const gid_t group = byList ? state.st_gid : place.st_gid;
+        const bool given =
+            (owner == state.st_uid && group == state.st_gid) || fchown(made, owner, group) == 0;
+        const mode_t refused = given || group == state.st_gid ? 0 : S_IWGRP;
+        if (!byList) [[maybe_unused]]
+            const int changed = fchmod(made, (place.st_mode & bits & ~refused) | (state.st_mode & S_ISGID));
+    }
+    struct stat place = {};
+    bool byList = false;
+};
+
+// No search of the program finds it, and who finds a change interrupted knows it by the change's number.
+std::string temporaryName(std::uint64_t number) {
+    if (number == 0 && getrandom(&number, sizeof number, 0) != sizeof number)
+        number = static_cast<std::uint64_t>(getpid());
+    char text[24] = {};
+    std::snprintf(text, sizeof text, ".tx%016llx", static_cast<unsigned long long>(number));
+    return text;
+}
+
+int makeNamed(const OpenDirectory& directory, const std::string& name, mode_t mode) {
+    return retryInterrupted([&] {
+        return openat(directory.descriptor, name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOCTTY,
+                      mode);
+    });
+}
+
+// A file that has no name yet; -1 where it could not be given one later.
+int makeUnnamed(const OpenDirectory& directory, mode_t mode) {
+    const int file = retryInterrupted(
+        [&] { return openat(directory.descriptor, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, mode); });
+    if (file < 0 || access(("/proc/self/fd/" + std::to_string(file)).c_str(), F_OK) == 0)
+        return file;
+    close(file);
+    return -1;
+}
+
+// Whether the file system knows second names of a file.
+bool knowsLinks(const OpenDirectory& directory, const std::string& name) {
+    const std::string second = name + "l";
+    return linkat(directory.descriptor, name.c_str(), directory.descriptor, second.c_str(), 0) == 0 &&
+           unlinkat(directory.descriptor, second.c_str(), 0) == 0;
+}
+
+// A file that stands under a temporary name, or under its own where no other leads to it. -1 with errno set.
+int makeStanding(const OpenDirectory& directory, const std::string& name, mode_t mode,
+                 const std::string& temporary, std::string& standing) {
+    standing = temporary.empty() ? name : temporary;
+    int file = makeNamed(directory, standing, mode);
+    if (file < 0 || temporary.empty() || knowsLinks(directory, standing))
+        return file;
+    close(file);
+    unlinkat(directory.descriptor, standing.c_str(), 0);
+    standing = name;
+    return makeNamed(directory, standing, mode);
+}
+
+Failure appendTo(File& file, std::string_view bytes) {
+    if (const Failure fault = faultOf(DiskOperation::write))
+        return fault;
+    const ssize_t size =
+        retryInterrupted([&] { return write(file.descriptor(), bytes.data(), bytes.size()); });
+    const int systemError = size < 0 ? errno : ENOSPC;
+    const Failure closed = file.close();
+    return size == static_cast<ssize_t>(bytes.size()) ? closed : failureFrom(systemError);
+}
+
+bool isEmpty(int directory) {
+    OpenDirectory looked;
+    looked.descriptor = dup(directory);
+    return !Ways().list(looked) && looked.names.empty();
+}
+
+} // namespace
+
+Failure Tree::Inside::find(DiskOperation operation, std::string_view name, Spot& spot) {
+    const Failure fault = faultOf(operation);
+    return fault ? fault : ways.find(name, Links::refused, spot);
+}
+
+// What stands at a spot is to be changed: it has to be there, and inside.
+Failure Tree::Inside::findToChange(DiskOperation operation, std::string_view name, Spot& spot) {
+    const Failure failure = find(operation, name, spot);
+    if (failure)
+        return failure;
+    if (!spot.outside.empty() || spot.name.empty())
+        return {ERROR_ACCESS_DENIED};
+    return {spot.isThere() ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND};
+}
+
+// A spot at which nothing has that very name yet.
+Failure Tree::Inside::findFree(DiskOperation operation, std::string_view name, Spot& spot) {
+    const Failure failure = findToChange(operation, name, spot);
+    if (failure.number == ERROR_FILE_NOT_FOUND)
+        return {};
+    if (failure)
+        return failure;
+    const Failure again = ways.lookUp(spot, lastComponent(name));
+    return again || !spot.isThere() ? again : Failure{ERROR_ALREADY_EXISTS};
+}
+
+Tree::Tree() : inside_(std::make_unique<Inside>()) {}
+
+Tree::~Tree() = default;
+
+Failure Tree::open(const std::string& path) {
+    inside_->path = path;
+    const Failure fault = faultOf(DiskOperation::open);
+    return fault ? fault : inside_->ways.hold(path);
+}
+
+Failure Tree::openDirectoryOf(const std::string& path, std::string& name) {
+    const std::size_t last = path.find_last_of("/\\") + 1; // 0 where there is no directory
+    name = path.substr(last);
+    return open(last == 0 ? "." : path.substr(0, last));
+}
+
+bool Tree::isOpen() const {
+    return inside_->ways.isHeld();
+}
+
+const std::string& Tree::path() const {
+    return inside_->path;
+}
+
+Failure Tree::fullPath(std::string& full) const {
+    char* found = realpath(inside_->ways.spelledPath().c_str(), nullptr);
+    full = found == nullptr ? "" : found;
+    std::free(found);
+    return found == nullptr ? failureFrom(errno) : Failure();
+}
+
+Failure Tree::begin() {
+    return inside_->ways.begin();
+}
+
+std::string Tree::below(std::string_view path) const {
+    if (path.substr(0, inside_->path.size()) == inside_->path)
+        path.remove_prefix(inside_->path.size());
+    path.remove_prefix(std::min(path.find_first_not_of("/\\"), path.size()));
+    std::string name = "/" + withSlashes(path);
+    for (std::size_t at = name.find("/./"); at != std::string::npos; at = name.find("/./"))
+        name.erase(at, 2);
+    return name == "/" ? "." : name.substr(1);
+}
+
+std::string Tree::spelled(std::string_view path) {
+    Spot spot;
+    const std::string name = below(path);
+    const Failure failure = inside_->ways.find(name, Links::refused, spot);
+    return failure && !failure.isAbsence() ? name : spot.spelled.empty() ? "." : spot.spelled;
+}
+
+Failure Tree::look(std::string_view name, Links links, Entry& entry) {
+    Spot spot;
+    Failure failure = faultOf(DiskOperation::read);
+    if (!failure)
+        failure = inside_->ways.find(name, links, spot);
+    if (!failure && spot.name.empty() && spot.directory().descriptor >= 0)
+        failure = answer(fstat(spot.directory().descriptor, &spot.found));
+    entry = Entry();
+    entry.name = spot.spelled.empty() ? "." : spot.spelled;
+    entry.outside = spot.outside;
+    if (failure || !spot.isThere())
+        return failure.isAbsence() ? Failure() : failure;
+    entry.state = entryFrom(spot.found);
+    entry.file = stateFrom(spot.found);
+    return {};
+}
+
+Failure Tree::names(std::string_view directory, std::vector<std::string>& names) {
+    Spot spot;
+    Failure failure = faultOf(DiskOperation::open);
+    if (!failure)
+        failure = inside_->ways.findDirectory(directory, spot);
+    if (!failure)
+        failure = inside_->ways.list(spot.directory());
+    names = failure ? std::vector<std::string>() : spot.directory().names;
+    return failure;
+}
+
+Failure Tree::standsAlone(std::string_view name) {
+    Spot spot;
+    Failure failure = inside_->find(DiskOperation::open, name, spot);
+    if (!failure)
+        failure = inside_->ways.list(spot.directory());
+    if (failure)
+        return failure;
+    const auto& names = spot.directory().names;
+    const auto [first, end] = std::equal_range(names.begin(), names.end(), spot.name, beforeIgnoringCase);
+    return {end - first < 2 ? ERROR_SUCCESS : ERROR_ALREADY_EXISTS};
+}
+
+// The entry "." is looked up by the very rule by which a directory is entered.
+Failure Tree::enter(std::string_view directory) {
+    Spot spot;
+    const Failure failure = inside_->ways.findDirectory(directory, spot);
+    if (failure || spot.directory().descriptor < 0)
+        return failure;
+    return answer(fstatat(spot.directory().descriptor, ".", &spot.found, 0));
+}
+
+Failure Tree::openFile(std::string_view name, File& file, Links links, bool writing) {
+    Spot spot;
+    Failure failure = faultOf(DiskOperation::open);
+    if (!failure)
+        failure = inside_->ways.find(name, links, spot);
+    if (failure)
+        return failure;
+    if (!spot.isThere())
+        return {ERROR_FILE_NOT_FOUND};
+    if (S_ISLNK(spot.found.st_mode))
+        return {ERROR_CANT_RESOLVE_FILENAME};
+    // Looked at before the open, which alone can have effects on a pipe or a device.
+    if (!S_ISREG(spot.found.st_mode) || (writing && !spot.outside.empty()))
+        return {ERROR_ACCESS_DENIED};
+    const int flags = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (writing ? O_RDWR : O_RDONLY);
+    file =
+        File(retryInterrupted([&] { return openat(spot.directory().descriptor, spot.name.c_str(), flags); }));
+    if (!file.isOpen() || fstat(file.descriptor(), &spot.found) != 0)
+        return failureFrom(errno);
+    const bool plain = S_ISREG(spot.found.st_mode);
+    file = plain ? File(file.release(), stateFrom(spot.found)) : File();
+    return {plain ? ERROR_SUCCESS : ERROR_ACCESS_DENIED};
+}
+
+Failure Tree::openToRead(std::string_view name, File& file, Links links) {
+    return openFile(name, file, links, false);
+}
+
+Failure Tree::openToWrite(std::string_view name, File& file, Links links) {
+    return openFile(name, file, links, true);
+}
+
+Failure Tree::append(std::string_view name, std::string_view bytes) {
+    Spot spot;
+    Failure failure = faultOf(DiskOperation::open);
+    const std::string place = withSlashes(name);
+    if (!failure)
+        failure = inside_->ways.findDirectory(place.substr(0, place.rfind('/') + 1), spot);
+    if (failure || !spot.outside.empty())
+        return failure ? failure : Failure{ERROR_ACCESS_DENIED};
+    constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    const std::string last = lastComponent(name);
+    File file(
+        retryInterrupted([&] { return openat(spot.directory().descriptor, last.c_str(), flags, 0666); }));
+    if (!file.isOpen())
+        return failureFrom(errno);
+    failure = appendTo(file, bytes);
+    if (failure)
+        countFailedWrite();
+    return failure;
+}
+
+Failure Tree::readLink(std::string_view name, std::string& target) {
+    Spot spot;
+    const Failure failure = inside_->find(DiskOperation::read, name, spot);
+    if (failure || !spot.isThere())
+        return failure ? failure : Failure{ERROR_FILE_NOT_FOUND};
+    target.resize(PATH_MAX);
+    const ssize_t size =
+        readlinkat(spot.directory().descriptor, spot.name.c_str(), target.data(), target.size());
+    target.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    return size < 0 ? failureFrom(errno) : Failure();
+}
+
+Failure Tree::readAttributes(std::string_view name, std::vector<Attribute>& attributes) {
+    Spot spot;
+    const Failure failure = inside_->find(DiskOperation::read, name, spot);
+    if (failure || !spot.isThere())
+        return failure ? failure : Failure{ERROR_FILE_NOT_FOUND};
+    const Opened entry(openEntry(spot));
+    return entry.descriptor < 0 ? failureFrom(errno)
+                                : attributesOf(entry.descriptor, S_ISLNK(spot.found.st_mode), attributes);
+}
+
+Failure Tree::make(std::string_view name, NewFile& file, Rights rights, Appears appears) {
+    Spot spot;
+    const Failure failure = inside_->findFree(DiskOperation::open, name, spot);
+    if (failure)
+        return failure;
+    file.directory_ = spot.way.back();
+    file.name_ = lastComponent(name);
+    const Share share(spot.directory());
+    const bool shared = rights == Rights::asDirectory;
+    const bool open = rights == Rights::usual || (shared && share.byList);
+    const mode_t mode = open ? 0666 : 0600;
+    int made = makeUnnamed(spot.directory(), mode);
+    if (made < 0)
+        made = makeStanding(spot.directory(), file.name_, mode,
+                            appears == Appears::atOnce ? "" : temporaryName(inside_->temporaries),
+                            file.standing_);
+    if (made < 0) {
+        file.standing_.clear();
+        return failureFrom(errno);
+    }
+    file.file = File(made);
+    if (shared)
+        share.give(made, 0666);
+    return {};
+}
+
+// What another has put in its place meanwhile is given to nobody.
+void Tree::numberTemporaries(std::uint64_t number) {
+    inside_->temporaries = number;
+}
+
+void Tree::removeTemporaries(std::uint64_t number, const std::string& directory) {
+    std::vector<std::string> entries;
+    if (names(directory, entries))
+        return;
+    for (const std::string& entry : entries) {
+        const std::string below = directory == "." ? entry : directory + "/" + entry;
+        Entry found;
+        if (look(below, Links::refused, found))
+            continue;
+        if (found.state.kind == EntryState::directory)
+            removeTemporaries(number, below);
+        else if (entry.starts_with(temporaryName(number))) [[maybe_unused]]
+            const Failure left = remove(below, found.file);
+    }
+}
+
+Failure Tree::makeDirectory(std::string_view name) {
+    Spot spot;
+    const Failure failure = inside_->findToChange(DiskOperation::makeDirectory, name, spot);
+    if (failure.number != ERROR_FILE_NOT_FOUND)
+        return failure ? failure : Failure{ERROR_ALREADY_EXISTS};
+    const Share share(spot.directory());
+    if (mkdirat(spot.directory().descriptor, spot.name.c_str(), share.byList ? 0777 : 0700) != 0)
+        return failureFrom(errno);
+    spot.directory().added(spot.name);
+    spot.found.st_mode = S_IFDIR;
+    const Opened made(openEntry(spot));
+    if (isEmpty(made.descriptor))
+        share.give(made.descriptor, 0777);
+    return {};
+}
+
+Failure Tree::makeLink(std::string_view name, const std::string& target) {
+    Spot spot;
+    Failure failure = inside_->findFree(DiskOperation::link, name, spot);
+    if (!failure)
+        failure = answer(symlinkat(target.c_str(), spot.directory().descriptor, spot.name.c_str()));
+    if (!failure)
+        spot.directory().added(spot.name);
+    return failure;
+}
+
+Failure Tree::addName(std::string_view name, std::string_view existing) {
+    Spot old;
+    Spot spot;
+    Failure failure = inside_->findToChange(DiskOperation::link, existing, old);
+    if (!failure)
+        failure = inside_->findFree(DiskOperation::link, name, spot);
+    if (!failure)
+        failure = answer(linkat(old.directory().descriptor, old.name.c_str(), spot.directory().descriptor,
+                                spot.name.c_str(), 0));
+    if (!failure)
+        spot.directory().added(spot.name);
+    return failure;
+}
+
+Failure Tree::give(std::string_view name, const EntryState& state, const std::vector<Attribute>& attributes) {
+    Spot spot;
+    if (const Failure failure = inside_->findToChange(DiskOperation::write, name, spot))
+        return failure;
+    const Opened entry(openEntry(spot));
+    if (entry.descriptor < 0 || fstat(entry.descriptor, &spot.found) != 0)
+        return failureFrom(errno);
+    const bool isLink = S_ISLNK(spot.found.st_mode);
+    Failure failure = isLink ? Failure() : giveAttributes(entry.descriptor, attributes);
+    failure = firstOf(failure, giveOwner(entry.descriptor, spot.found, state));
+    // A directory's set-group bit gives nobody rights.
+    const mode_t permissions = state.permissions & ~(S_ISDIR(spot.found.st_mode) ? mode_t{S_ISUID} : setIds);
+    if (!isLink && (spot.found.st_mode & 07777) != permissions)
+        failure = firstOf(failure, answer(fchmod(entry.descriptor, permissions)));
+    return firstOf(failure, setTimes(entry.descriptor, state));
+}
+
+Failure Tree::giveTimes(std::string_view name, const EntryState& state) {
+    Spot spot;
+    Failure failure = faultOf(DiskOperation::write);
+    if (!failure)
+        failure = inside_->ways.find(name, Links::followed, spot);
+    if (!failure && !spot.outside.empty())
+        failure = {ERROR_ACCESS_DENIED};
+    if (!failure && !spot.isThere() && !spot.name.empty())
+        failure = {ERROR_FILE_NOT_FOUND};
+    if (failure)
+        return failure;
+    const char* entryName = spot.name.empty() ? "." : spot.name.c_str();
+    const Opened entry(openat(spot.directory().descriptor, entryName, O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    return entry.descriptor < 0 ? failureFrom(errno) : setTimes(entry.descriptor, state);
+}
+
+Failure Tree::remove(std::string_view name, const FileState& judged) {
+    Spot spot;
+    Failure failure = inside_->findToChange(DiskOperation::remove, name, spot);
+    if (failure)
+        return failure;
+    if (S_ISDIR(spot.found.st_mode))
+        return {ERROR_ACCESS_DENIED};
+    if (stateFrom(spot.found) != judged)
+        return {ERROR_FILE_INVALID};
+    failure = answer(unlinkat(spot.directory().descriptor, spot.name.c_str(), 0));
+    if (!failure)
+        spot.directory().removed(spot.name);
+    return failure;
+}
+
+Failure Tree::removeDirectory(std::string_view name) {
+    Spot spot;
+    Failure failure = inside_->findToChange(DiskOperation::remove, name, spot);
+    if (!failure)
+        failure = answer(unlinkat(spot.directory().descriptor, spot.name.c_str(), AT_REMOVEDIR));
+    if (!failure)
+        spot.directory().removed(spot.name);
+    return failure;
+}
+
+// A file system that knows no such sync of a directory has nothing more to give.
+Failure Tree::syncDirectoryOf(std::string_view name) {
+    Spot spot;
+    const Failure failure = inside_->find(DiskOperation::sync, name, spot);
+    if (failure)
+        return failure;
+    const Opened directory(openDirectoryAgain(spot.directory().descriptor));
+    if (directory.descriptor < 0)
+        return failureFrom(errno);
+    return fsync(directory.descriptor) == 0 || errno == EINVAL ? Failure() : failureFrom(errno);
+}
+
+Failure Tree::mayChangeDirectoryOf(std::string_view name) {
+    Spot spot;
+    const Failure failure = inside_->ways.find(name, Links::refused, spot);
+    if (failure || spot.directory().descriptor < 0)
+        return failure;
+    if (!spot.outside.empty())
+        return {ERROR_ACCESS_DENIED};
+    return answer(faccessat(spot.directory().descriptor, ".", W_OK | X_OK, AT_EACCESS));
+}
+
+Failure Tree::planRemoval(std::string_view name, const FileState& judged) {
+    Spot spot;
+    Failure failure = inside_->findToChange(DiskOperation::remove, name, spot);
+    if (failure)
+        return failure;
+    if (S_ISDIR(spot.found.st_mode))
+        return {ERROR_ACCESS_DENIED};
+    if (stateFrom(spot.found) != judged)
+        return {ERROR_FILE_INVALID};
+    failure = mayChangeDirectoryOf(name);
+    if (!failure)
+        inside_->ways.planRemoval(spot);
+    return failure;
+}
+
+Failure Tree::planDirectory(std::string_view name) {
+    Spot spot;
+    Failure failure = inside_->findToChange(DiskOperation::makeDirectory, name, spot);
+    if (failure.number != ERROR_FILE_NOT_FOUND)
+        return failure ? failure : Failure{ERROR_ALREADY_EXISTS};
+    failure = mayChangeDirectoryOf(name);
+    if (!failure)
+        inside_->ways.planDirectory(spot);
+    return failure;
+}
