@@ -21,7 +21,7 @@ _txcheck() {
     esac
     if [[ $cur == -* ]]; then
         COMPREPLY=($(compgen -W "--database --every --home --all --entry --explain --known --write-known --solve --solve-all --preen --rename --change-key --yes --save --plan --undo
-            --no-undo --undo-list --restore --log --no-lock --report --json --quiet --progress --no-progress --version --help" -- "$cur"))
+            --no-undo --undo-list --restore --forget-interrupted --log --no-lock --report --json --quiet --progress --no-progress --version --help" -- "$cur"))
     else
         _filedir -d
     fi
