@@ -47,7 +47,7 @@ std::string recordeddirectory(const std::string& undofile, std::string& why) {
     return undo.directory;
 }
 
-RestoreResult restore(std::shared_ptr<Tree> tree, RestoreOptions options) {
+RestoreResult restore(const std::shared_ptr<Tree>& tree, RestoreOptions options) {
     const SignalHold untilrestored;
     RestoreResult result;
     UndoFile undo;

@@ -29,4 +29,4 @@ struct RestoreResult {
 std::string recordeddirectory(const std::string& undofile, std::string& why);
 
 // The caller holds the database. May be interrupted and made again.
-RestoreResult restore(std::shared_ptr<Tree> tree, RestoreOptions options);
+RestoreResult restore(const std::shared_ptr<Tree>& tree, RestoreOptions options);

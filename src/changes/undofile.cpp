@@ -142,7 +142,7 @@ public:
 
     std::string head() {
         Frame frame;
-        if (const std::string failure = next(frame); !failure.empty())
+        if (std::string failure = next(frame); !failure.empty())
             return failure;
         Decoder from(frame.bytes);
         undo_.directory = from.text();
@@ -284,7 +284,7 @@ std::string openListed(Tree& tree, const std::string& name, UndoFile& undo) {
 
 std::string readRest(UndoFile& undo) {
     Reading reading(undo);
-    const std::string failure = reading.head();
+    std::string failure = reading.head();
     return failure.empty() ? reading.groups() : failure;
 }
 
@@ -319,7 +319,7 @@ std::string readundohead(Tree& tree, const std::string& name, UndoFile& undo) {
 }
 
 std::string readundofile(Tree& tree, const std::string& name, UndoFile& undo) {
-    const std::string failure = openListed(tree, name, undo);
+    std::string failure = openListed(tree, name, undo);
     return failure.empty() ? readRest(undo) : failure;
 }
 
@@ -327,7 +327,7 @@ std::string readundofile(const std::string& path, UndoFile& undo) {
     Tree tree;
     std::string name;
     const Failure unopened = tree.openDirectoryOf(path, name);
-    const std::string failure = unopened ? unread(unopened) : openListed(tree, name, undo);
+    std::string failure = unopened ? unread(unopened) : openListed(tree, name, undo);
     return failure.empty() ? readRest(undo) : failure;
 }
 
@@ -372,7 +372,7 @@ std::string writechange(FrameWriter& frames, Tree& database, Change& change) {
     if (!isInside(change.file)) // nobody could restore it
         return "'" + change.file + "' is no name that can be kept";
     if (change.kind == Change::deletion)
-        if (const std::string why = takecontent(database, change); !why.empty())
+        if (std::string why = takecontent(database, change); !why.empty())
             return why;
     Failure failure = frames.add(static_cast<FrameKind>(change.kind), encode(change));
     if (!failure && change.kind != Change::keys)
@@ -402,7 +402,7 @@ std::string writegroup(const File& undo, std::int64_t& position, Tree& database,
         failure = frames.add(FrameKind::times, to.bytes);
     }
     for (auto change = group.begin(); change != group.end() && !failure; ++change)
-        if (const std::string why = writechange(frames, database, *change); !why.empty())
+        if (std::string why = writechange(frames, database, *change); !why.empty())
             return why;
     if (!failure)
         failure = frames.add(FrameKind::groupend, "");
