@@ -48,6 +48,10 @@ std::string TextFile::open(const std::string& path, const std::vector<std::strin
         if (standsIn(place, directory))
             return path +
                    ": The file is not written, since it would stand in the database. Give another place";
+    File old;
+    std::string head;
+    if (!place.openToRead(last, old, Links::refused) && !old.read(0, 8, head) && head == "TX-UNDO-")
+        return path + ": The file is not written, since an undo file stands there. Give another place";
     if (stream.open(place, last, OpenMode::write, Links::refused))
         return {};
     if (GetLastError() == ERROR_ALREADY_EXISTS)

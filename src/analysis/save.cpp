@@ -82,14 +82,14 @@ private:
         std::string why = draftkeys(tree, file.onread, file.changedkeys(), change, left);
         if (!why.empty())
             logLocalError(Text<1200>().format("TSXbinfile: Could not open file %s", file.path.c_str()));
-        if (why.empty() && change.state.names > linked.of(change.state).size() && change.state.names > 1)
-            why = "It has " + std::to_string(change.state.names) +
-                  " names, not all of them in the database, and what is written would reach the others too";
-        if (!why.empty())
+        if (why.empty())
+            why = linked.whyreachesothers(change.state);
+        const bool aswhole = !why.empty(); // not only some of its keys
+        if (aswhole)
             left = {std::move(why)};
         for (const std::string& text : left)
             obstacles.push_back(message(inform, file, text));
-        if (change.fieldcount > 0 && (left.empty() || change.fieldcount + left.size() > left.size()))
+        if (!aswhole && change.fieldcount > 0)
             add(file, std::move(change));
     }
 

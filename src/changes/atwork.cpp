@@ -143,6 +143,13 @@ Failure readtrace(Tree& tree, Trace& trace, ChangeAtWork& change) {
     if (failure)
         return failure;
     const bool whole = decode(text, change);
-    trace = locked ? Trace::locked : whole ? Trace::interrupted : Trace::begun;
+    const bool torn = text.empty() || text.back() != '\n' || text.find('\0') != std::string::npos ||
+                      text.find("\nsum=") == std::string::npos;
+    if (!whole) {
+        change = ChangeAtWork();
+        change.user = "somebody"; // what a damaged one tells is not believed, but it was there
+        change.host = hostname();
+    }
+    trace = locked ? Trace::locked : whole || !torn ? Trace::interrupted : Trace::begun;
     return {};
 }

@@ -5,6 +5,7 @@
 
 #include "changes/atwork.h"
 #include "changes/carryout.h"
+#include "changes/linkednames.h"
 #include "changes/place.h"
 #include "changes/undowriter.h"
 #include "platform/system/signalhold.h"
@@ -66,10 +67,22 @@ private:
         return false;
     }
 
+    // What is still to be written must reach no name elsewhere.
+    std::string whyclosed(const Change& change) {
+        Entry entry;
+        const bool towrite =
+            change.kind == Change::keys && (any(change, Standing::before) || any(change, Standing::torn));
+        return towrite && !tree_.look(change.file, Links::followed, entry)
+                   ? linked_.whyreachesothers(entry.state)
+                   : "";
+    }
+
     void lookatall() {
         for (Change& change : undo_.groups[change_.group - 1].changes) {
             if (const Failure failure = look(tree_, change))
                 work_.texts.push_back(change.file + ": " + failure.text());
+            else if (const std::string why = whyclosed(change); !why.empty())
+                work_.texts.push_back(change.file + ": " + why);
             else if (change.kind != Change::deletion)
                 group_.push_back(std::move(change));
             else if (change.parts[0] == Standing::after)
@@ -145,6 +158,7 @@ private:
     Tree& tree_;
     const ChangeAtWork& change_;
     AtWork atwork_;
+    LinkedNames linked_{tree_};
     UndoFile undo_;
     std::string path_;
     std::vector<Change> group_; // what comes; deletions that were not done are done no more
@@ -166,7 +180,7 @@ Finished answer(Finished::Outcome outcome, std::string text) {
 Finished forget(Tree& tree, const ChangeAtWork& change, const std::string& text) {
     AtWork atwork;
     Failure failure = atwork.adopt(tree);
-    if (!failure)
+    if (!failure && change.number != 0)
         tree.removeTemporaries(change.number);
     if (!failure)
         failure = atwork.end(tree);
@@ -183,13 +197,14 @@ Finished finishinterrupted(Tree& tree, Wish wish) {
     if (const Failure failure = readtrace(tree, trace, change))
         return answer(Finished::busy,
                       std::string("Whether a change of the database was interrupted can't be known: '") +
-                          AtWork::name + "' can't be read (" + failure.text() + ")");
+                          AtWork::name + "' can't be read (" + failure.text() +
+                          "). If it is no plain file move it away, else give the right to read it");
     if (trace == Trace::none)
         return {};
     if (trace == Trace::locked || (trace == Trace::interrupted && maybeatwork(change)))
         return answer(
             Finished::busy,
-            trace == Trace::locked && change.user.empty()
+            trace == Trace::locked && change.time == 0
                 ? "A change of the database is at work. Try again when it has ended"
                 : "A change of the database is at work, " + change.who() +
                       ". Try again when it has ended, or in ten minutes should it have been stopped");

@@ -7,6 +7,13 @@ const std::vector<std::string>& LinkedNames::of(const EntryState& state) {
     return names_[state.inode];
 }
 
+std::string LinkedNames::whyreachesothers(const EntryState& state) {
+    if (state.names < 2 || state.names <= of(state).size())
+        return "";
+    return "it has " + std::to_string(state.names) +
+           " names, not all of them in the database, and what is written would reach the others too";
+}
+
 std::string LinkedNames::other(const std::string& name, const EntryState& state) {
     if (state.kind == EntryState::plain && state.names > 1)
         for (const std::string& found : of(state))

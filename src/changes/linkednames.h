@@ -15,6 +15,8 @@ public:
 
     // All names of the file of that state, as far as they can be read.
     const std::vector<std::string>& of(const EntryState& state);
+    // Why a file must not be written in place: it has names elsewhere too. Empty where it has none.
+    std::string whyreachesothers(const EntryState& state);
     // One that is not the name itself; empty where there is none.
     std::string other(const std::string& name, const EntryState& state);
 

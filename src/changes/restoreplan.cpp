@@ -12,8 +12,8 @@ namespace {
 // them.
 class FileWalk {
 public:
-    FileWalk(Tree& tree, const std::string& name, const std::set<std::string>& going)
-        : tree_(tree), name_(name), going_(going) {
+    FileWalk(Tree& tree, LinkedNames& linked, const std::string& name, const std::set<std::string>& going)
+        : tree_(tree), linked_(linked), name_(name), going_(going) {
         if (const Failure failure = lookexactly(tree, name, there_))
             leave("it can't be read (" + failure.text() + ")");
     }
@@ -71,10 +71,16 @@ private:
     void undokeys(const Change& change) {
         if (now_ == Now::gone || (now_ == Now::there && !open()))
             return;
-        foreachfield(change, [&](const KeyField& field) { undofield(field); });
+        bool maycut = true; // nothing that is left reaches behind the end that the file had
+        foreachfield(change, [&](const KeyField& field) {
+            const std::size_t before = left.size();
+            undofield(field);
+            const std::int64_t end = field.offset + std::max(field.before.length, field.after.length);
+            maycut = maycut && (left.size() == before || end <= change.state.size);
+        });
         last_ = &change;
         const auto [least, most] = std::minmax(change.sizeafter, change.state.size);
-        if (size_ >= least && size_ <= most) // between the two where the change was interrupted
+        if (maycut && size_ >= least && size_ <= most) // between the two where the change was interrupted
             size_ = change.state.size;
     }
 
@@ -166,6 +172,8 @@ private:
         change.sizeafter = size_;
         if (file_->entry(change.state))
             return leave("it can't be read");
+        if (const std::string why = linked_.whyreachesothers(change.state); !why.empty())
+            return leave(why);
         for (const auto& [offset, field] : fields_)
             addfield(change, field.record, offset, field.found, field.wanted);
         change.parts.assign(change.fieldcount, Standing::before);
@@ -188,6 +196,7 @@ private:
     }
 
     Tree& tree_;
+    LinkedNames& linked_;
     std::string name_;
     const std::set<std::string>& going_;
     Entry there_;
@@ -207,7 +216,8 @@ std::string parentof(const std::string& name) {
     return slash == std::string::npos ? "" : name.substr(0, slash);
 }
 
-RestorePlan::RestorePlan(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup) : tree_(tree) {
+RestorePlan::RestorePlan(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup)
+    : tree_(tree), linked_(tree) {
     std::map<std::string, Steps> steps;
     std::vector<std::string> order, second; // second names come last, when their files are known
     for (std::size_t group = undo.groups.size(); group >= fromgroup && group > 0; --group) {
@@ -227,7 +237,7 @@ RestorePlan::RestorePlan(Tree& tree, const UndoFile& undo, std::uint32_t fromgro
 // Of a file of which something is left, the fields that have not changed since come back, but no file comes
 // or goes.
 void RestorePlan::plan(const std::string& name, const Steps& steps) {
-    FileWalk walk(tree_, name, going_);
+    FileWalk walk(tree_, linked_, name, going_);
     for (const Change* step : steps)
         walk.undo(*step);
     walk.end();

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "changes/linkednames.h"
 #include "changes/undofile.h"
 
 class RestorePlan {
@@ -25,6 +26,7 @@ private:
     bool leadstosame(const Change& deletion);
 
     Tree& tree_;
+    LinkedNames linked_;
     std::set<std::string> going_; // names that go
     std::set<std::string> same_;  // names that are in the end what they were
 };
