@@ -144,6 +144,12 @@ Failure applykeys(Tree& tree, Change& change) {
         failure = file.sync();
     if (!failure)
         failure = readparts(file, change);
+    if (!failure && change.given && isdone(change)) {
+        EntryState wanted;
+        wanted.read = change.read;
+        wanted.changed = change.changed;
+        failure = tree.giveTimes(file, wanted);
+    }
     if (!failure)
         failure = file.state(change.judged);
     const Failure closed = file.close();
@@ -155,6 +161,8 @@ Failure makeplain(Tree& tree, Change& change) {
     Failure failure = tree.make(change.file, made, change.given ? Rights::ownerOnly : Rights::asDirectory);
     if (!failure)
         failure = writeContent(change.content, made.file);
+    if (!failure && change.given)
+        failure = tree.give(made.file, change.state, change.attributes);
     return failure ? failure : made.keep();
 }
 
@@ -170,6 +178,8 @@ Failure endplain(Tree& tree, Change& change) {
     change.begun = !failure;
     if (!failure)
         failure = writeContent(change.content, file);
+    if (!failure && change.given)
+        failure = tree.give(file, change.state, change.attributes);
     return failure ? failure : file.sync();
 }
 
@@ -195,9 +205,11 @@ Failure make(Tree& tree, Change& change) {
 
 Failure applymaking(Tree& tree, Change& change) {
     Failure failure = make(tree, change);
-    if (!failure && change.given && change.othername.empty())
+    if (!failure && change.given && change.state.kind != EntryState::plain) // which got it while it was open
         failure = tree.give(change.file, change.state, change.attributes);
-    return failure ? failure : lookatwhole(tree, change);
+    if (!failure)
+        failure = lookatwhole(tree, change);
+    return failure || change.parts[0] != Standing::other ? failure : Failure{ERROR_FILE_INVALID};
 }
 
 Failure applydeletion(Tree& tree, Change& change) {
@@ -266,12 +278,7 @@ Failure apply(Tree& tree, Change& change) {
     const Failure failure = change.kind == Change::keys     ? applykeys(tree, change)
                             : change.kind == Change::making ? applymaking(tree, change)
                                                             : applydeletion(tree, change);
-    if (failure || !change.given || change.kind != Change::keys || !isdone(change))
-        return failure;
-    EntryState wanted;
-    wanted.read = change.read;
-    wanted.changed = change.changed;
-    return tree.giveTimes(change.file, wanted);
+    return failure;
 }
 
 bool applyall(Tree& tree, std::vector<Change>& group, std::vector<Failure>& failures) {

@@ -121,6 +121,23 @@ Failure setTimes(int entry, const EntryState& state) {
     return answer(utimensat(entry, "", times, AT_EMPTY_PATH));
 }
 
+// To an open entry. A second name of somebody else's file is none that was made here.
+Failure giveTo(int entry, const EntryState& state, const std::vector<Attribute>& attributes) {
+    struct stat found = {};
+    if (fstat(entry, &found) != 0)
+        return failureFrom(errno);
+    if (S_ISREG(found.st_mode) && found.st_nlink > 1 && found.st_uid != state.owner)
+        return {ERROR_ACCESS_DENIED};
+    const bool isLink = S_ISLNK(found.st_mode);
+    Failure failure = isLink ? Failure() : giveAttributes(entry, attributes);
+    failure = firstOf(failure, giveOwner(entry, found, state));
+    // A directory's set-group bit gives nobody rights.
+    const mode_t permissions = state.permissions & ~(S_ISDIR(found.st_mode) ? mode_t{S_ISUID} : setIds);
+    if (!isLink && (found.st_mode & 07777) != permissions)
+        failure = firstOf(failure, answer(fchmod(entry, permissions)));
+    return firstOf(failure, setTimes(entry, state));
+}
+
 // How what is made in a directory comes to its owner, its group and its rights. Where the directory has a
 // default list of rights, the system gives all but the owner by that.
 struct Share {
@@ -504,16 +521,17 @@ Failure Tree::give(std::string_view name, const EntryState& state, const std::ve
     if (const Failure failure = inside_->findToChange(DiskOperation::write, name, spot))
         return failure;
     const Opened entry(openEntry(spot));
-    if (entry.descriptor < 0 || fstat(entry.descriptor, &spot.found) != 0)
-        return failureFrom(errno);
-    const bool isLink = S_ISLNK(spot.found.st_mode);
-    Failure failure = isLink ? Failure() : giveAttributes(entry.descriptor, attributes);
-    failure = firstOf(failure, giveOwner(entry.descriptor, spot.found, state));
-    // A directory's set-group bit gives nobody rights.
-    const mode_t permissions = state.permissions & ~(S_ISDIR(spot.found.st_mode) ? mode_t{S_ISUID} : setIds);
-    if (!isLink && (spot.found.st_mode & 07777) != permissions)
-        failure = firstOf(failure, answer(fchmod(entry.descriptor, permissions)));
-    return firstOf(failure, setTimes(entry.descriptor, state));
+    return entry.descriptor < 0 ? failureFrom(errno) : giveTo(entry.descriptor, state, attributes);
+}
+
+Failure Tree::give(const File& file, const EntryState& state, const std::vector<Attribute>& attributes) {
+    const Failure fault = faultOf(DiskOperation::write);
+    return fault ? fault : giveTo(file.descriptor(), state, attributes);
+}
+
+Failure Tree::giveTimes(const File& file, const EntryState& state) {
+    const Failure fault = faultOf(DiskOperation::write);
+    return fault ? fault : setTimes(file.descriptor(), state);
 }
 
 Failure Tree::giveTimes(std::string_view name, const EntryState& state) {

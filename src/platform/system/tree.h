@@ -91,6 +91,8 @@ public:
     // Gives owner, permissions, extended attributes and times. What can't be given is left, and a failure;
     // set-id bits and attributes of the system's security are never given.
     Failure give(std::string_view name, const EntryState& state, const std::vector<Attribute>& attributes);
+    Failure give(const File& file, const EntryState& state, const std::vector<Attribute>& attributes);
+    Failure giveTimes(const File& file, const EntryState& state);
     Failure giveTimes(std::string_view name, const EntryState& state); // to what a link leads to
     // Takes a plain file or a link away, if it is still the one that was judged: ERROR_FILE_INVALID where it
     // is another, 2 where there is none. No file of it may be open here.
