@@ -37,6 +37,32 @@ void telllostnames(Tree& tree, const RestorePlan& plan, std::vector<std::string>
     }
 }
 
+void carryout(const std::shared_ptr<Tree>& tree, const UndoFile& undo, RestorePlan& plan,
+              RestoreOptions& options, RestoreResult& result) {
+    options.commit.isrestore = true;
+    Committer committer(tree, options.commit);
+    std::vector<Failure> failures;
+    if (!committer.commit(plan.changes, failures)) {
+        result.refused = "Nothing was restored";
+        return;
+    }
+    for (std::size_t i = 0; i < failures.size(); ++i)
+        if (failures[i]) {
+            result.left.push_back(tree->path() + "/" + plan.changes[i].file +
+                                  ": it could not be brought back (" + failures[i].text() + ")");
+            plan.leftin.insert(parentof(plan.changes[i].file));
+        }
+    telllostnames(*tree, plan, result.left);
+    givetimes(*tree, undo, options.fromgroup, plan.leftin, result.left);
+    result.open = committer.isopen();
+    result.ownundofile = committer.undopath();
+    if (result.left.empty())
+        markrestored(options.undofile, options.fromgroup);
+    for (Change& change : plan.changes)
+        if (change.made)
+            result.changes.push_back(std::move(change));
+}
+
 } // namespace
 
 std::string recordeddirectory(const std::string& undofile, std::string& why) {
@@ -71,27 +97,6 @@ RestoreResult restore(const std::shared_ptr<Tree>& tree, RestoreOptions options)
         result.changes = std::move(plan.changes);
         return result;
     }
-    options.commit.isrestore = true;
-    Committer committer(tree, options.commit);
-    std::vector<Failure> failures;
-    if (!committer.commit(plan.changes, failures)) {
-        result.refused = "Nothing was restored";
-        return result;
-    }
-    for (std::size_t i = 0; i < failures.size(); ++i)
-        if (failures[i]) {
-            result.left.push_back(tree->path() + "/" + plan.changes[i].file +
-                                  ": it could not be brought back (" + failures[i].text() + ")");
-            plan.leftin.insert(parentof(plan.changes[i].file));
-        }
-    telllostnames(*tree, plan, result.left);
-    givetimes(*tree, undo, options.fromgroup, plan.leftin, result.left);
-    result.open = committer.isopen();
-    result.ownundofile = committer.undopath();
-    if (result.left.empty())
-        markrestored(options.undofile, options.fromgroup);
-    for (Change& change : plan.changes)
-        if (change.made)
-            result.changes.push_back(std::move(change));
+    carryout(tree, undo, plan, options, result);
     return result;
 }

@@ -17,6 +17,7 @@
 struct Tree::Inside {
     Failure find(DiskOperation operation, std::string_view name, Spot& spot);
     Failure findToChange(DiskOperation operation, std::string_view name, Spot& spot);
+    Failure findToRemove(std::string_view name, const FileState& judged, Spot& spot);
     Failure findFree(DiskOperation operation, std::string_view name, Spot& spot);
 
     std::string path;
@@ -241,6 +242,16 @@ Failure Tree::Inside::findToChange(DiskOperation operation, std::string_view nam
     if (!spot.outside.empty() || spot.name.empty())
         return {ERROR_ACCESS_DENIED};
     return {spot.isThere() ? ERROR_SUCCESS : ERROR_FILE_NOT_FOUND};
+}
+
+// A file or a link that is to go, if it is still the one that was judged.
+Failure Tree::Inside::findToRemove(std::string_view name, const FileState& judged, Spot& spot) {
+    const Failure failure = findToChange(DiskOperation::remove, name, spot);
+    if (failure)
+        return failure;
+    if (S_ISDIR(spot.found.st_mode))
+        return {ERROR_ACCESS_DENIED};
+    return {stateFrom(spot.found) == judged ? ERROR_SUCCESS : ERROR_FILE_INVALID};
 }
 
 // A spot at which nothing has that very name yet.
@@ -552,13 +563,9 @@ Failure Tree::giveTimes(std::string_view name, const EntryState& state) {
 
 Failure Tree::remove(std::string_view name, const FileState& judged) {
     Spot spot;
-    Failure failure = inside_->findToChange(DiskOperation::remove, name, spot);
+    Failure failure = inside_->findToRemove(name, judged, spot);
     if (failure)
         return failure;
-    if (S_ISDIR(spot.found.st_mode))
-        return {ERROR_ACCESS_DENIED};
-    if (stateFrom(spot.found) != judged)
-        return {ERROR_FILE_INVALID};
     failure = answer(unlinkat(spot.directory().descriptor, spot.name.c_str(), 0));
     if (!failure)
         spot.directory().removed(spot.name);
@@ -599,13 +606,9 @@ Failure Tree::mayChangeDirectoryOf(std::string_view name) {
 
 Failure Tree::planRemoval(std::string_view name, const FileState& judged) {
     Spot spot;
-    Failure failure = inside_->findToChange(DiskOperation::remove, name, spot);
+    Failure failure = inside_->findToRemove(name, judged, spot);
     if (failure)
         return failure;
-    if (S_ISDIR(spot.found.st_mode))
-        return {ERROR_ACCESS_DENIED};
-    if (stateFrom(spot.found) != judged)
-        return {ERROR_FILE_INVALID};
     failure = mayChangeDirectoryOf(name);
     if (!failure)
         inside_->ways.planRemoval(spot);
