@@ -52,7 +52,7 @@ bool writeStore(const std::string& text) {
     std::string path = registryFile();
     readFullPath(path, path); // a link stays one
     const std::string made = path + ".new";
-    removeFile(made.c_str()); // of a run that was interrupted
+    removeFile(made); // of a run that was interrupted
     ByteStream file;
     if (!makePrivateDirectories(path.substr(0, path.rfind('/'))) ||
         !file.open(made.c_str(), OpenMode::create))

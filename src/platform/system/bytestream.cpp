@@ -106,11 +106,15 @@ bool ByteStream::close() {
 
 // Writes the whole content, and gives a new file its name.
 Failure ByteStream::store() {
-    File& file = made_ != nullptr ? made_->file : emptied_;
-    Failure failure = file.write(0, buffer_);
-    if (!failure && made_ != nullptr)
+    if (made_ == nullptr) {
+        const Failure written = emptied_.write(0, buffer_);
+        const Failure closed = emptied_.close();
+        return written ? written : closed;
+    }
+    Failure failure = made_->file.write(0, buffer_);
+    if (!failure)
         failure = made_->keep(mode_ == OpenMode::create);
-    const Failure closed = file.close();
+    const Failure closed = made_->file.close();
     return failure ? failure : closed;
 }
 

@@ -14,7 +14,7 @@ bool isThere(const std::string& path) {
 } // namespace
 
 std::string resolvePath(std::string_view path) {
-    const std::string given = withSlashes(path);
+    std::string given = withSlashes(path);
     const std::string start = given.starts_with('/') ? "/" : ".";
     Ways ways;
     Spot spot;
