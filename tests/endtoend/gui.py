@@ -25,10 +25,14 @@ BLACK, WHITE, SELECTED = (0, 0, 0), (255, 255, 255), (0x99, 0x99, 0x99)
 def wait(what, condition):
     """Gives up only when nothing has come of it for so long that a person would."""
     end = time.monotonic() + 60
-    while not (result := condition()):
+    while True:
+        try:
+            if result := condition():
+                return result
+        except FileNotFoundError:  # a file that went between its listing and its reading
+            pass
         expect(time.monotonic() < end, "waited in vain for " + what)
         time.sleep(0.05)
-    return result
 
 
 def expect(truth, what):
@@ -227,7 +231,8 @@ class Place:
         return json.loads(done.stdout) if done.stdout else None
 
     def keys(self):
-        return [key["key"] for key in self.check("--no-lock", "--all")["keys"]]
+        document = self.check("--no-lock", "--all")  # none beside a save that is at work
+        return [key["key"] for key in document["keys"]] if document else []
 
 
 def solving(display, work):
