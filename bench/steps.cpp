@@ -13,7 +13,6 @@
 
 #include "model/database.h"
 #include "model/datafile.h"
-#include "model/dbsfile.h"
 #include "reporting/log.h"
 
 namespace {
@@ -65,7 +64,7 @@ void measureLog(const char* linesfile, const char* directory) {
 }
 
 void addFiles(TSXdatabase& database, int records, bool distinct) {
-    auto& list = static_cast<TSXdbslist&>(*database.lists[0]);
+    TSXfilelist& list = *database.lists[0];
     for (int i = 0; i < records; ++i) {
         if (i % maxrecords == 0)
             list.newfile();
@@ -117,7 +116,7 @@ void measureSave(const char* path, bool undo) {
 void measureNewFiles(const char* path, int files) {
     TSXdatabase database("");
     database.readlists(path);
-    auto& list = static_cast<TSXdbslist&>(*database.lists[0]);
+    TSXfilelist& list = *database.lists[0];
     for (int i = 0; i < files; ++i) {
         list.newfile();
         for (int r = 0; r < 100; ++r)
@@ -135,7 +134,7 @@ void measureMemory(const char* path, int types) {
     int key = 0;
     for (const auto& list : database.lists)
         for (int i = 0; i < maxfiles; ++i) {
-            auto file = std::make_unique<TSXdbsfile>(database, *list, std::to_string(i).c_str());
+            auto file = std::make_unique<TSXdatafile>(database, *list, std::to_string(i).c_str(), 0);
             for (auto* table : {&file->keytypes, &file->keypos, &file->keydirty})
                 table->reserve(maxrecords + 1);
             file->keys.reserve(maxrecords + 1);

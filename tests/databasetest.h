@@ -86,7 +86,7 @@ protected:
     }
     // A file in memory alone, whose records are of that type.
     TSXdatafile& newFile(const Texts& keys, int type = 0) {
-        auto& list = static_cast<TSXdbslist&>(*database->lists[0]);
+        TSXfilelist& list = *database->lists[0];
         TSXdatafile& made = *list.files[static_cast<std::size_t>(list.newfile())];
         made.typeid_ = type;
         for (const std::string& key : keys)

@@ -17,7 +17,7 @@
 inline std::string analysisText(const TSXdatabase& database) {
     std::string text;
     for (int i = 1; i <= database.problemcount; ++i)
-        text.append(database.getproblem(i)->message.view()).append("\n");
+        text.append(database.getproblem(i)->message).append("\n");
     for (int i = 0; i <= database.lasttype; ++i)
         text += std::to_string(database.gettype(i)->entrycount) + "\n";
     for (int i = 1; i <= database.visiblecount; ++i)

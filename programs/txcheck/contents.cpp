@@ -96,8 +96,8 @@ void fillProblem(Row& row, const Session& session, int place, Form form) {
     const std::string id = problem.id();
     row.mark = problem.facts().word;
     row.number("row", "Row", place, 5).text("id", "", id).number("kind", "", problem.kind);
-    row.number("subkind", "", problem.subkind).text("name", "", problem.name.view());
-    row.number("fileindex", "", problem.fileindex).text("message", "", problem.message.view());
+    row.number("subkind", "", problem.subkind).text("name", "", problem.name);
+    row.number("fileindex", "", problem.fileindex).text("message", "", problem.message);
     if (form != Form::document) {
         std::string& words = row.lines("Problem");
         addLine(words, problem.message.c_str() + knownMark(session.known.standing(session.database, place)));

@@ -200,7 +200,7 @@ bool Steps::solveAll(const SolveStep& step) {
 bool Steps::preen() {
     const auto safe = [this](const TSXproblem& problem, int row) {
         int number = problem.solutioncount();
-        while (number > 0 && problem.solutioncost(number) != Cost::safe)
+        while (number > 0 && problem.solution(number).cost != Cost::safe)
             --number;
         const bool onlyDirectories = database.directorymissing() && problem.kind != missingdirectory;
         return onlyDirectories || known.has(database, row) ? 0 : number;

@@ -16,7 +16,7 @@
 
 #include "choices.h"
 #include "files/databasefile.h"
-#include "settings/edition.h"
+#include "settings/settings.h"
 
 namespace {
 
@@ -34,8 +34,7 @@ std::string bytes(const QString& text) {
 } // namespace
 
 StartWindow::StartWindow() : QDialog(nullptr, Qt::Window), home_(currentHome()) {
-    setWindowTitle(
-        QStringLiteral("Databases - %1").arg(QString::fromLatin1(productName(makerId(), productId()))));
+    setWindowTitle(QStringLiteral("Databases - %1").arg(QString::fromLatin1(edition().productName)));
     homeField_ = new QLineEdit; // not a label, which a long path would make as wide as itself
     homeField_->setReadOnly(true);
     hint_ = new QLabel;

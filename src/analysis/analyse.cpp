@@ -1,6 +1,6 @@
 // The analysis pass: what the key tables in memory and the directory tree on disk have wrong with them, as
 // the problem list and the visible keys.
-#include <algorithm>
+#include <numeric>
 
 #include "model/database.h"
 #include "model/datafile.h"
@@ -28,10 +28,10 @@ void TSXdatabase::analyse() {
 
 void TSXdatabase::judgekeys() {
     keyproblems.clear();
+    visiblekeys.resize(1);
     indexfiles();
-    findduplicates();
-    findorphans();
-    showmarked();
+    findproblems();
+    visiblecount = static_cast<std::int32_t>(visiblekeys.size()) - 1;
     keysjudged = true;
 }
 
@@ -55,11 +55,14 @@ void TSXdatabase::countfile(const TSXdatafile& file) {
 
 // One walk over the keys serves all types. An empty key that several experiments share is no fault: it stands
 // for experiments that are tied to no entry.
-void TSXdatabase::findduplicates() {
+void TSXdatabase::findproblems() {
     std::vector<bool> named(types.size());
     bool blank = false;
-    for (std::size_t i = 1; i < keyarray.size(); ++i) {
-        TSXkeyentry& entry = *keyarray[i];
+    bool orphans = false;
+    for (std::int32_t i = 1; i <= keytotal; ++i) {
+        TSXkeyentry& entry = *keyarray[static_cast<std::size_t>(i)];
+        entry.shown = entry.isorphan() ? 1 : 0;
+        orphans = orphans || entry.shown == 1;
         entry.foreachlist([&](std::span<const Occurrence> list) {
             const std::int32_t type = list.front().type;
             if (list.size() < 2 || (entry.key.empty() && type != 0))
@@ -70,6 +73,8 @@ void TSXdatabase::findduplicates() {
             else
                 named[static_cast<std::size_t>(type)] = true;
         });
+        if (entry.shown == 1)
+            visiblekeys.push_back(i);
     }
     for (std::int32_t type = 0; type <= lasttype; ++type) {
         if (named[static_cast<std::size_t>(type)])
@@ -77,34 +82,13 @@ void TSXdatabase::findduplicates() {
         if (type == 0 && blank)
             keyproblems.emplace_back(blankkeys, 0);
     }
-}
-
-void TSXdatabase::findorphans() {
-    bool found = false;
-    for (std::size_t i = 1; i < keyarray.size(); ++i) {
-        if (!keyarray[i]->isorphan())
-            continue;
-        keyarray[i]->shown = 1;
-        found = true;
-    }
-    if (found)
+    if (orphans)
         keyproblems.emplace_back(orphankeys, 0);
-}
-
-void TSXdatabase::showmarked() {
-    const auto marked = [](const TSXkeyentry* entry) { return entry != nullptr && entry->shown == 1; };
-    visiblekeys.resize(1);
-    visiblekeys.reserve(1 + static_cast<std::size_t>(std::ranges::count_if(keyarray, marked)));
-    for (std::int32_t i = 1; i <= keytotal; ++i)
-        if (marked(keyarray[static_cast<std::size_t>(i)]))
-            visiblekeys.push_back(i);
-    visiblecount = static_cast<std::int32_t>(visiblekeys.size()) - 1;
 }
 
 void TSXdatabase::showallkeys() {
     keyschanged();
-    visiblekeys.resize(1);
-    for (std::int32_t i = 1; i <= keytotal; ++i)
-        visiblekeys.push_back(i);
+    visiblekeys.resize(keyarray.size());
+    std::iota(visiblekeys.begin(), visiblekeys.end(), 0);
     visiblecount = keytotal;
 }

@@ -10,19 +10,11 @@
 #include "model/datafile.h"
 #include "model/problem.h"
 #include "platform/system/errors.h"
-#include "platform/system/messagebox.h"
-#include "platform/system/signalhold.h"
 #include "reporting/report.h"
 
 namespace {
 
-constexpr const char* noremoval = "Unable to remove the file '%s'";
-constexpr const char* nodirectory = "Unable to create the directory '%s'";
 constexpr const char* repeat = "Remove the cause, and repeat the solution.";
-
-std::string message(const char* form, const std::string& path, const std::string& reason) {
-    return Text<2400>().format(form, path.c_str()).c_str() + ("\n" + reason);
-}
 
 // A file that is to go, or a directory that is to come.
 struct Target {
@@ -38,66 +30,47 @@ struct Target {
 // Deletes files and makes directories in one group.
 class AtOnce {
 public:
-    explicit AtOnce(TSXdatabase& inspected) : database(inspected), tree(*inspected.tree), linked(tree) {
-        std::vector<Change> done;
-        if (!database.planning)
-            ready = database.committer->completeopen(done);
-        for (Change& change : done)
-            database.addchange(std::move(change));
-        if (const Failure failure = tree.begin(); failure && ready) {
+    explicit AtOnce(TSXdatabase& inspected) : database(inspected), tree(*inspected.tree), linked(tree) {}
+
+    void run(std::vector<Target>& wanted) {
+        const bool complete = database.completeearlier();
+        if (const Failure failure = tree.begin(); failure && complete)
             troubles.push_back("The database's directory can't be read any more: " + failure.text());
-            ready = false;
-        }
-    }
-
-    void take(Target& target) { target.directory ? make(target) : remove(target); }
-
-    // True if all that was asked for is done.
-    bool run() {
-        std::vector<Failure> failures(group.size());
-        if (ready && (database.planning ? plan(failures) : database.committer->commit(group, failures)))
-            for (std::size_t i = 0; i < group.size(); ++i)
-                settle(i, failures[i]);
-        else
-            ready = false;
+        else if (complete)
+            carryout(wanted);
         reportall(troubles);
-        return ready && troubles.empty() && !database.committer->isopen();
     }
 
 private:
-    void remove(Target& file) {
-        Change change = deletionof(tree.spelled(file.path), {});
-        const std::string why = whykept(file, change);
-        if (!why.empty()) {
-            troubles.push_back(message(noremoval, file.path, why));
+    void carryout(std::vector<Target>& wanted) {
+        for (Target& target : wanted)
+            draft(target);
+        std::vector<Failure> failures(group.size());
+        if (database.planning)
+            plan(failures);
+        else if (!database.committer->commit(group, failures))
             return;
+        for (std::size_t i = 0; i < group.size(); ++i)
+            settle(group[i], *targets[i], failures[i]);
+    }
+
+    void draft(Target& target) {
+        const std::string name = tree.spelled(target.path);
+        Change change = target.directory ? makingof(name, EntryState::directory) : deletionof(name, {});
+        const std::string why = target.directory ? whynotmade(change) : whykept(target, change);
+        if (!why.empty()) {
+            tell(target, why);
+        } else if (!target.directory && isdone(change)) { // what has gone is what was asked for
+            target.becomes = Target::gone;
+        } else {
+            targets.push_back(&target);
+            group.push_back(std::move(change));
         }
-        if (change.parts[0] == Standing::after) // what has gone is what was asked for
-            file.becomes = Target::gone;
-        else
-            add(std::move(change), file);
     }
 
-    void make(Target& target) {
-        Change change = makingof(tree.spelled(target.path), EntryState::directory);
-        change.parts = {Standing::before};
-        Entry entry;
-        std::string why;
-        if (const Failure failure = tree.look(change.file, Links::refused, entry))
-            why = failure.text() + "\n" + repeat;
-        else if (!entry.outside.empty())
-            why = outside(entry);
-        else if (entry.state.kind != EntryState::missing)
-            why = obstacle(change.file);
-        if (why.empty())
-            add(std::move(change), target);
-        else
-            troubles.push_back(message(nodirectory, target.path, why));
-    }
-
-    void add(Change change, Target& target) {
-        targets.push_back(&target);
-        group.push_back(std::move(change));
+    void tell(const Target& target, const std::string& why) {
+        const char* const what = target.directory ? "create the directory" : "remove the file";
+        troubles.push_back(std::string("Unable to ") + what + " '" + target.path + "'\n" + why);
     }
 
     static std::string outside(const Entry& entry) {
@@ -105,6 +78,17 @@ private:
                "' is a link that leads out of the database, and nothing is changed there.\nPut the directory "
                "itself in "
                "its place, and repeat the solution.";
+    }
+
+    // Why a directory is not to be made; nothing if it may be.
+    std::string whynotmade(Change& change) {
+        change.parts = {Standing::before};
+        Entry entry;
+        if (const Failure failure = tree.look(change.file, Links::refused, entry))
+            return failure.text() + "\n" + repeat;
+        if (!entry.outside.empty())
+            return outside(entry);
+        return entry.state.kind == EntryState::missing ? "" : obstacle(change.file);
     }
 
     // Why something that stands there under that name does not serve as the directory.
@@ -141,22 +125,19 @@ private:
         return {};
     }
 
-    bool plan(std::vector<Failure>& failures) {
+    void plan(std::vector<Failure>& failures) {
         for (std::size_t i = 0; i < group.size(); ++i) {
             failures[i] = targets[i]->directory ? tree.planDirectory(group[i].file)
                                                 : tree.planRemoval(group[i].file, group[i].judged);
             group[i].made = !failures[i];
         }
-        return true;
     }
 
-    void settle(std::size_t i, Failure failure) {
-        Change& change = group[i];
+    void settle(Change& change, Target& target, Failure failure) {
         if (change.made || isdone(change))
-            targets[i]->becomes = Target::done;
+            target.becomes = Target::done;
         if (failure)
-            troubles.push_back(message(targets[i]->directory ? nodirectory : noremoval, targets[i]->path,
-                                       failure.text() + "\n" + repeat));
+            tell(target, failure.text() + "\n" + repeat);
         if (change.made)
             database.addchange(std::move(change));
     }
@@ -164,39 +145,39 @@ private:
     TSXdatabase& database;
     Tree& tree;
     LinkedNames linked;
-    bool ready = true;
     std::vector<Change> group; // side by side with the targets
     std::vector<Target*> targets;
     std::vector<std::string> troubles;
 };
 
+Target targetof(const TSXdatafile& file, int position) {
+    return {file.path.c_str(), false, file.onread, file.unread, file.classid, position};
+}
+
 // Files of a class that may hold no record; what is unread among them is told.
-void addempty(const TSXdatabase& database, int fileclass, std::vector<Target>& targets) {
-    if (fileclass < 0 || fileclass > database.lastlist)
-        return;
-    const TSXfilelist& list = *database.lists[static_cast<std::size_t>(fileclass)];
-    for (int i = 1; i <= list.count; ++i) {
-        const TSXdatafile& file = *list.files[static_cast<std::size_t>(i)];
-        if (file.isempty())
-            targets.push_back({file.path.c_str(), false, file.onread, file.unread, fileclass, i});
+void removeemptyfiles(const TSXfilelist& list, std::vector<Target>& targets) {
+    for (int i = 1; i <= list.count; ++i)
+        if (const TSXdatafile& file = *list.files[static_cast<std::size_t>(i)]; file.isempty())
+            targets.push_back(targetof(file, i));
+}
+
+void deletecorruptfile(const TSXfilelist& list, int position, std::vector<Target>& targets) {
+    if (position >= 1 && position <= list.count)
+        targets.push_back(targetof(*list.files[static_cast<std::size_t>(position)], position));
+}
+
+// What the solution of a problem deletes or makes.
+void addtargets(const TSXproblem& problem, std::vector<Target>& targets) {
+    const TSXdatabase& database = problem.database;
+    if (problem.kind == missingdirectory)
+        targets.push_back({problem.name, true});
+    else if (problem.kind == corruptsidefile)
+        targets.push_back({problem.name, false, problem.looked, database.isunread(problem.name)});
+    else if (problem.subkind >= 0 && problem.subkind <= database.lastlist) {
+        const TSXfilelist& list = *database.lists[static_cast<std::size_t>(problem.subkind)];
+        problem.kind == emptyfiles ? removeemptyfiles(list, targets)
+                                   : deletecorruptfile(list, problem.fileindex, targets);
     }
-}
-
-void addcorrupt(const TSXdatabase& database, int fileclass, int position, std::vector<Target>& targets) {
-    if (fileclass < 0 || fileclass > database.lastlist)
-        return;
-    const TSXfilelist& list = *database.lists[static_cast<std::size_t>(fileclass)];
-    if (position < 1 || position > list.count)
-        return;
-    const TSXdatafile& file = *list.files[static_cast<std::size_t>(position)];
-    targets.push_back({file.path.c_str(), false, file.onread, file.unread, fileclass, position});
-}
-
-void addside(const TSXdatabase& database, const char* fullpath, std::vector<Target>& targets) {
-    targets.push_back({fullpath, false, {}, database.isunread(fullpath)});
-    for (const auto& problem : database.problems)
-        if (problem != nullptr && problem->kind == corruptsidefile && problem->name.view() == fullpath)
-            targets.back().known = problem->looked;
 }
 
 // Files that go leave their lists, the last first, so that each position stays right.
@@ -209,51 +190,15 @@ void leavelists(TSXdatabase& database, const std::vector<Target>& targets) {
         database.lists[static_cast<std::size_t>(fileclass)]->removeat(position);
 }
 
-int carryout(TSXdatabase& database, std::vector<Target>& targets) {
-    AtOnce work(database);
-    for (Target& target : targets)
-        work.take(target);
-    const bool all = work.run();
-    leavelists(database, targets);
-    return all ? 1 : 0;
-}
-
-// What the solution of a problem deletes or makes.
-void addtargets(const TSXproblem& problem, std::vector<Target>& targets) {
-    if (problem.kind == emptyfiles)
-        addempty(problem.database, problem.subkind, targets);
-    else if (problem.kind == corruptdatafile)
-        addcorrupt(problem.database, problem.subkind, problem.fileindex, targets);
-    else if (problem.kind == corruptsidefile)
-        addside(problem.database, problem.name, targets);
-    else if (problem.kind == missingdirectory)
-        targets.push_back({problem.name.c_str(), true});
+// 1 done, 0 failed, 2 what was to go had gone.
+int resultof(std::span<const Target> targets) {
+    const auto count = [&](auto becomes) { return std::ranges::count(targets, becomes, &Target::becomes); };
+    if (count(Target::left) > 0)
+        return 0;
+    return count(Target::done) > 0 ? 1 : 2;
 }
 
 } // namespace
-
-int TSXdatabase::removeemptyfiles(int fileclass) {
-    std::vector<Target> targets;
-    addempty(*this, fileclass, targets);
-    return fileclass >= 0 && fileclass <= lastlist ? carryout(*this, targets) : 0;
-}
-
-int TSXdatabase::deletecorruptfile(int fileclass, int position) {
-    std::vector<Target> targets;
-    addcorrupt(*this, fileclass, position, targets);
-    return targets.empty() ? 0 : carryout(*this, targets);
-}
-
-int TSXdatabase::deletefile(const char* fullpath) {
-    std::vector<Target> targets;
-    addside(*this, fullpath, targets);
-    return carryout(*this, targets);
-}
-
-int TSXdatabase::createdirectory(const char* fullpath) {
-    std::vector<Target> targets{{fullpath, true}};
-    return carryout(*this, targets);
-}
 
 std::vector<int> TSXdatabase::solvetogether(const std::vector<const TSXproblem*>& chosen) {
     std::vector<Target> targets;
@@ -262,16 +207,12 @@ std::vector<int> TSXdatabase::solvetogether(const std::vector<const TSXproblem*>
         addtargets(*problem, targets);
         ends.push_back(targets.size());
     }
-    carryout(*this, targets);
+    AtOnce(*this).run(targets);
     std::vector<int> results;
-    for (std::size_t first = 0, i = 0; i < ends.size(); first = ends[i++]) {
-        const auto own = std::span(targets).subspan(first, ends[i] - first);
-        const auto is = [&](auto becomes) {
-            return [becomes](const Target& target) { return target.becomes == becomes; };
-        };
-        results.push_back(std::ranges::any_of(own, is(Target::left))   ? 0
-                          : std::ranges::all_of(own, is(Target::gone)) ? 2
-                                                                       : 1);
+    for (std::size_t first = 0; const std::size_t end : ends) {
+        results.push_back(resultof(std::span(targets).subspan(first, end - first)));
+        first = end;
     }
+    leavelists(*this, targets);
     return results;
 }

@@ -1,6 +1,7 @@
 // What each solution does to the data files, and how one record gets another key. The index that is used here
 // is that of the last analysis.
 #include <algorithm>
+#include <charconv>
 #include <map>
 
 #include "model/database.h"
@@ -15,80 +16,81 @@ namespace {
 constexpr std::size_t maxcandidatelength = maxkeylength - 1;
 constexpr std::string_view suffixmark = "/#";
 
-// Finds keys that a type doesn't use, with the lowest number that is free. Numbers once found taken are not
-// tried again, so that many duplicates of one key cost no more than they are.
+// Gives records keys that a type doesn't use, each with the lowest number that is free. Numbers once found
+// taken are not tried again, so that many duplicates of one key cost no more than they are.
 class FreeKeys {
 public:
     FreeKeys(TSXkeytree& keytree, int keytype) : tree(keytree), type(keytype) {}
 
-    // The key for one more record; the index is left as it is.
-    std::string next(std::string_view key) {
-        return firstfree(key, [this](const std::string& candidate) {
-            const TSXkeyentry* entry = tree.find(candidate);
-            return entry == nullptr || entry->occurrences(type) == 0;
-        });
-    }
-
-    // Gives a record the next key, in its file and in the index. That is one way down the tree for each key
-    // that is tried, the last of which makes the entry.
+    // In its file and in the index.
     void rename(TSXdatafile& file, int record, std::string_view key) {
         if (!file.ischangeable(record)) {
             file.clearkey(record); // which notes why it is left out
             return;
         }
-        TSXkeyentry* entry = nullptr;
-        const std::string free = firstfree(key, [&](const std::string& candidate) {
-            entry = &tree.findoradd(candidate);
-            return entry->occurrences(type) == 0;
-        });
-        file.setkey(record, free.c_str());
-        entry->addoccurrence(type, file, record);
+        TSXkeyentry& entry = uniquekey(key);
+        file.setkey(record, candidate.c_str());
+        entry.addoccurrence(type, file, record);
     }
 
 private:
-    // Where the last search has ended. One for the same key begins there: of fewer digits all were tried.
-    struct Reached {
-        std::string key;
-        int digits = 0;
-        int end = 2; // behind the numbers of that many digits
-        std::string stem;
-        int* number = nullptr; // in numbers
-    };
+    TSXkeyentry& uniquekey(std::string_view key) {
+        if (key != base) {
+            base = key;
+            digits = 0;
+            end = 2;
+            number = nullptr;
+        }
+        for (;;) {
+            while (number == nullptr || *number >= end)
+                widen();
+            char text[12];
+            candidate.resize(stemsize);
+            candidate.append(text, std::to_chars(std::begin(text), std::end(text), (*number)++).ptr);
+            if (TSXkeyentry& entry = tree.findoradd(candidate); entry.occurrences(type) == 0)
+                return entry;
+        }
+    }
 
     // The numbers with one digit more.
     void widen() {
-        const int first = reached.end;
-        reached.end = ++reached.digits == 1 ? 10 : first * 10;
-        reached.stem = reached.key.substr(0, maxcandidatelength - suffixmark.size() -
-                                                 static_cast<std::size_t>(reached.digits));
-        reached.stem += suffixmark;
-        reached.number = &numbers.try_emplace({reached.digits, reached.stem}, first).first->second;
+        const int first = end;
+        end = ++digits == 1 ? 10 : first * 10;
+        candidate = base.substr(0, maxcandidatelength - suffixmark.size() - static_cast<std::size_t>(digits));
+        candidate += suffixmark;
+        stemsize = candidate.size();
+        number = &numbers.try_emplace(std::to_string(digits) + candidate, first).first->second;
     }
-
-    template <class Test> std::string firstfree(std::string_view key, Test isfree) {
-        if (key != reached.key)
-            reached = {std::string(key), 0, 2, {}, nullptr};
-        for (;;) {
-            while (reached.number == nullptr || *reached.number >= reached.end)
-                widen();
-            std::string candidate = reached.stem + std::to_string((*reached.number)++);
-            if (isfree(candidate)) // else it is taken; now it is by this record
-                return candidate;
-        }
-    }
-
-    struct IgnoringCase {
-        bool operator()(const std::pair<int, std::string>& a, const std::pair<int, std::string>& b) const {
-            return a.first != b.first ? a.first < b.first : compareIgnoringCase(a.second, b.second) < 0;
-        }
-    };
 
     TSXkeytree& tree;
     int type;
-    Reached reached;
-    // By the number's digits and the text in front of it, the lowest number that was not yet tried.
-    std::map<std::pair<int, std::string>, int, IgnoringCase> numbers;
+    // Where the last search has ended. One for the same key begins there: of fewer digits all were tried.
+    std::string base;
+    int digits = 0;
+    int end = 2;           // after the numbers of that many digits
+    std::string candidate; // begins with the stem
+    std::size_t stemsize = 0;
+    int* number = nullptr; // in numbers
+    // By the number of digits and the stem before them, the lowest number that was not yet tried.
+    std::map<std::string, int, BeforeIgnoringCase> numbers;
 };
+
+// Calls operation with each later occurrence, from number 2 on, of each key in that type. What could not be
+// read is no duplicate of any.
+template <class Operation> void foreachduplicate(const TSXdatabase& database, int type, Operation operation) {
+    for (const TSXkeyentry* entry : database.keyarray) {
+        bool used = false;
+        if (entry == nullptr || entry->key.empty())
+            continue;
+        for (const Occurrence& use : entry->list(type)) {
+            if (use.file->isunread(use.record))
+                continue;
+            if (used)
+                operation(entry->key, use);
+            used = true;
+        }
+    }
+}
 
 // Whether a record that could be read uses the key: of the others it is not known what key they have.
 bool isread(const TSXkeyentry& entry) {
@@ -125,40 +127,15 @@ std::string obstacletorenaming(const TSXdatabase& database, const TSXkeyentry& e
 
 } // namespace
 
-void TSXdatabase::uniquekey(std::string& text, int type) {
-    text = FreeKeys(keytree, type).next(text);
-}
-
-void TSXdatabase::foreachduplicate(int type, const std::function<void(const TSXkeyentry&, int)>& operation) {
-    if (type < 0 || type > lasttype)
-        return;
-    for (std::size_t i = 1; i < keyarray.size(); ++i) {
-        const TSXkeyentry& entry = *keyarray[i];
-        const int count = entry.key.empty() ? 0 : entry.occurrences(type);
-        bool used = false; // by a record that could be read; what could not be read is no duplicate of any
-        for (int n = 1; n <= count; ++n) {
-            const Occurrence use = entry.occurrence(type, n);
-            if (use.file->isunread(use.record))
-                continue;
-            if (used)
-                operation(entry, n);
-            used = true;
-        }
-    }
-}
-
 void TSXdatabase::removeduplicates(int type) {
-    foreachduplicate(type, [type](const TSXkeyentry& entry, int n) {
-        const Occurrence later = entry.occurrence(type, n);
-        later.file->clearkey(later.record);
-    });
+    foreachduplicate(*this, type,
+                     [](std::string_view, const Occurrence& later) { later.file->clearkey(later.record); });
 }
 
 void TSXdatabase::renameduplicates(int type) {
     FreeKeys freekeys(keytree, type);
-    foreachduplicate(type, [&](const TSXkeyentry& entry, int n) {
-        const Occurrence later = entry.occurrence(type, n);
-        freekeys.rename(*later.file, later.record, entry.key);
+    foreachduplicate(*this, type, [&](std::string_view key, const Occurrence& later) {
+        freekeys.rename(*later.file, later.record, key);
     });
 }
 
@@ -184,7 +161,7 @@ void TSXdatabase::removeexperimentkeys() {
 
 void TSXdatabase::adddatabaseentries() {
     constexpr int maxadded = 100; // entries in one new file
-    auto& list = static_cast<TSXdbslist&>(*lists[0]);
+    TSXfilelist& list = *lists[0];
     TSXdatafile* current = nullptr;
     for (std::size_t i = 1; i < keyarray.size(); ++i) {
         if (!keyarray[i]->isorphan() || !isread(*keyarray[i]))

@@ -20,12 +20,18 @@ std::string message(const char* form, const TSXdatafile& file, const std::string
     return Text<1100>().format(form, file.path.c_str()).c_str() + ("\n" + reason);
 }
 
+void settlefile(TSXdatafile& file, const Change& change) {
+    foreachfield(change,
+                 [&](const KeyField& field) { file.settle(field.record, keyin(field.after.whole())); });
+    file.onread = change.judged;
+}
+
 class Save {
 public:
     explicit Save(TSXdatabase& saved) : database(saved), tree(*saved.tree), linked(tree) {}
 
     bool run() {
-        if (!completeearlier())
+        if (!database.completeearlier())
             return false;
         if (const Failure failure = tree.begin()) {
             obstacles.push_back("The database's directory can't be read any more: " + failure.text());
@@ -49,20 +55,6 @@ public:
     }
 
 private:
-    // What an earlier save has written, and the disk has confirmed only now.
-    bool completeearlier() {
-        std::vector<Change> done;
-        const bool complete = database.planning || database.committer->completeopen(done);
-        for (Change& change : done) {
-            for (const auto& list : database.lists)
-                for (std::size_t i = 1; i < list->files.size(); ++i)
-                    if (database.diskname(list->files[i]->path.view()) == change.file)
-                        settlefile(*list->files[i], change);
-            database.addchange(std::move(change));
-        }
-        return complete;
-    }
-
     void collect(const TSXfilelist& list) {
         for (std::size_t i = 1; i < list.files.size(); ++i) {
             TSXdatafile& file = *list.files[i];
@@ -158,12 +150,6 @@ private:
         database.addchange(std::move(change));
     }
 
-    static void settlefile(TSXdatafile& file, const Change& change) {
-        foreachfield(change,
-                     [&](const KeyField& field) { file.settle(field.record, keyin(field.after.whole())); });
-        file.onread = change.judged;
-    }
-
     // One beside which a name in other letters has appeared meanwhile would hide that file, and is taken away
     // again.
     bool settlenew(TSXdatafile& file, const Change& change, std::vector<std::int32_t> offsets) {
@@ -199,6 +185,19 @@ int TSXdatabase::ismodified() const {
             if (list->files[i]->anydirty() == 1)
                 return 1;
     return 0;
+}
+
+bool TSXdatabase::completeearlier() {
+    std::vector<Change> done;
+    const bool complete = planning || committer->completeopen(done);
+    for (Change& change : done) {
+        for (const auto& list : lists)
+            for (std::size_t i = 1; i < list->files.size(); ++i)
+                if (diskname(list->files[i]->path.view()) == change.file)
+                    settlefile(*list->files[i], change);
+        addchange(std::move(change));
+    }
+    return complete;
 }
 
 int TSXdatabase::saveall() {

@@ -22,16 +22,12 @@ std::string unreadlines(const TSXdatabase& database, Unread::Weight weight) {
     return lines;
 }
 
-// The path of the file that a solution would delete, though it could not be read; empty where there is none.
-std::string unreadvictim(const TSXproblem& problem) {
-    if (problem.kind == corruptsidefile && problem.database.isunread(problem.name.view()))
-        return problem.name.c_str();
-    if (problem.kind != corruptdatafile || problem.subkind < 0 || problem.subkind > problem.database.lastlist)
-        return {};
+// Whether a solution would delete a file that could not be read.
+bool takesunread(const TSXproblem& problem) {
+    if (problem.kind != corruptdatafile)
+        return problem.kind == corruptsidefile && problem.database.isunread(problem.name);
     const auto& files = problem.database.lists[static_cast<std::size_t>(problem.subkind)]->files;
-    const auto position = static_cast<std::size_t>(problem.fileindex);
-    return position >= 1 && position < files.size() && files[position]->unread ? files[position]->path.c_str()
-                                                                               : "";
+    return files[static_cast<std::size_t>(problem.fileindex)]->unread;
 }
 
 // What could not be read is neither empty nor damaged, and the keys in it may be anybody's. Empty where
@@ -41,8 +37,8 @@ std::string obstacle(const TSXproblem& problem) {
         return "Keys can't be repaired while a part of the database is unread:" +
                unreadlines(problem.database, Unread::whole) +
                "\nPut that right, or restore it from a copy, and start again. Nothing was changed";
-    if (const std::string path = unreadvictim(problem); !path.empty())
-        return "The file '" + problem.database.diskname(path) +
+    if (takesunread(problem))
+        return "The file '" + problem.facts().subject(problem) +
                "' could not be read, so it can't be known whether it is damaged. Put that right and start "
                "again, or delete "
                "it yourself if it is not needed. Nothing was changed";
@@ -52,17 +48,19 @@ std::string obstacle(const TSXproblem& problem) {
 } // namespace
 
 int TSXproblem::solve(int number) const {
-    const auto carryout = solution(number).carryout;
-    if (carryout == nullptr)
+    const bool leftlist = kind == corruptdatafile && fileindex == 0;
+    if (solutioncommand(number) == 0 || leftlist)
         return 0;
     if (const std::string text = obstacle(*this); !text.empty()) {
         report(text.c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
         return 0;
     }
-    database.leftout.clear();
-    const int result = carryout(database, *this);
+    if (facts().concernskey == nullptr)
+        return database.solvetogether({this})[0] != 0 && !database.committer->isopen() ? 1 : 0;
     auto& left = database.leftout;
+    left.clear();
+    solution(number).changekeys(database, *this);
     left.erase(std::unique(left.begin(), left.end()), left.end());
     reportall(left, "All else was done.");
-    return left.empty() ? result : 0;
+    return left.empty() ? 1 : 0;
 }

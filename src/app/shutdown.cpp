@@ -5,7 +5,7 @@
 #include "platform/system/startprogram.h"
 #include "reporting/log.h"
 #include "reporting/report.h"
-#include "settings/edition.h"
+#include "settings/settings.h"
 #include "toolkit/drawing.h"
 #include "views/current.h"
 
@@ -16,6 +16,6 @@ TSXapp::~TSXapp() {
     endLog();
     CloseHandle(lockHandle); // before the start-up program starts, which may start the tool again at once
     SetCurrentDirectoryA(rootDirectory);
-    if (const char* program = startProgram(makerId(), productId()); *program != '\0')
+    if (const char* program = edition().startProgram; *program != '\0')
         WinExec(program);
 }

@@ -13,7 +13,6 @@
 #include "reporting/report.h"
 #include "resources/resources.h"
 #include "settings/settings.h"
-#include "settings/windowplaces.h"
 #include "toolkit/drawing.h"
 #include "views/current.h"
 #include "views/mainframe.h"

@@ -5,7 +5,6 @@
 
 #include "files/finder.h"
 #include "model/datafile.h"
-#include "model/exptype.h"
 #include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
@@ -29,8 +28,8 @@ void TSXdatabase::readlists(const char* directorytext) {
         committer = std::make_unique<Committer>(tree, CommitOptions{.keepundo = false});
     clearproblems();
     types[0] = std::make_unique<TSXexptype>(0, "Database");
-    for (const FileClass& format : fileclasses)
-        lists.push_back(format.makelist(*this));
+    for (int fileclass = 0; fileclass < fileclasscount; ++fileclass)
+        lists.push_back(std::make_unique<TSXfilelist>(*this, fileclass));
     lastlist = static_cast<std::int32_t>(lists.size()) - 1;
 }
 
@@ -72,6 +71,7 @@ TSXkeyentry& TSXdatabase::findoraddkey(std::string_view key) {
 void TSXdatabase::addunread(Unread thing) {
     if (thing.record <= 0 && thing.weight != Unread::told && !unreadnames.insert(thing.name).second)
         return;
+    thing.lasting = !looking;
     const char* what = thing.weight == Unread::told ? "passed over" : "could not read";
     logLine(Text<1500>().format("   %s '%s': %s", what, thing.name.c_str(), thing.reason.c_str()));
     unread.push_back(std::move(thing));
@@ -79,7 +79,7 @@ void TSXdatabase::addunread(Unread thing) {
 
 void TSXdatabase::addunreadpath(std::string_view fullpath, const std::string& reason, Unread::Weight weight,
                                 std::int32_t record) {
-    addunread({diskname(fullpath), reason, weight, record, !looking});
+    addunread({diskname(fullpath), reason, weight, record});
 }
 
 void TSXdatabase::notesearch(const TSXfinder& search, const char* relative, Unread::Weight weight) {
@@ -90,10 +90,10 @@ void TSXdatabase::notesearch(const TSXfinder& search, const char* relative, Unre
     for (const std::string& name : search.passedover) {
         const std::string place = folder == "." ? name : folder + "/" + name;
         if (name.find('\\') == std::string::npos)
-            addunread({place, "Another file is read under this name.", Unread::told, 0, !looking});
+            addunread({place, "Another file is read under this name.", Unread::told});
         else
-            addunread({place, "Its name holds a backslash, so it can't be opened: give it another name.",
-                       weight, 0, !looking});
+            addunread(
+                {place, "Its name holds a backslash, so it can't be opened: give it another name.", weight});
     }
 }
 
@@ -119,13 +119,12 @@ void TSXdatabase::notetwin(const std::string& twin, const std::string& read, Unr
         return;
     const bool known = !tree->look(twin, Links::followed, other) && !tree->look(read, Links::followed, entry);
     if (known && entry.file.identity == other.file.identity)
-        addunread({twin, "It is another name of '" + read + "'.", Unread::told, 0, !looking});
+        addunread({twin, "It is another name of '" + read + "'.", Unread::told});
     else if (known && entry.state.kind != EntryState::directory)
-        addunread({twin, "'" + read + "' is no directory, and keeps it from being read: move that away.",
-                   weight, 0, !looking});
+        addunread(
+            {twin, "'" + read + "' is no directory, and keeps it from being read: move that away.", weight});
     else
-        addunread({twin, "'" + read + "' is read in its place: bring the files of both together.", weight, 0,
-                   !looking});
+        addunread({twin, "'" + read + "' is read in its place: bring the files of both together.", weight});
 }
 
 void TSXdatabase::noteoutside(const TSXfinder& match) {
@@ -133,12 +132,11 @@ void TSXdatabase::noteoutside(const TSXfinder& match) {
         addunread(
             {match.entryoutside,
              "It is a link that leads out of the database: what it leads to is judged, and never changed.",
-             Unread::told, 0, !looking});
+             Unread::told});
 }
 
 void TSXdatabase::forgetrecords(const std::string& name) {
-    const auto ofthefile = [&](const Unread& thing) { return thing.record > 0 && thing.name == name; };
-    unread.erase(std::remove_if(unread.begin(), unread.end(), ofthefile), unread.end());
+    std::erase_if(unread, [&](const Unread& thing) { return thing.record > 0 && thing.name == name; });
 }
 
 void TSXdatabase::forgettold(std::string_view fullpath) {
@@ -148,35 +146,31 @@ void TSXdatabase::forgettold(std::string_view fullpath) {
 }
 
 void TSXdatabase::forgetlooks() {
-    const auto passing = [&](const Unread& thing) {
+    std::erase_if(unread, [&](const Unread& thing) {
         if (!thing.lasting) {
             unreadnames.erase(thing.name);
             outsidelinks.erase(thing.name);
         }
         return !thing.lasting;
-    };
-    unread.erase(std::remove_if(unread.begin(), unread.end(), passing), unread.end());
+    });
 }
 
 bool TSXdatabase::directorymissing() const {
-    for (std::size_t i = 0; i < lists.size(); ++i)
-        if (lists[i]->missing && isrequired(fileclasses[i].directory))
-            return true;
-    return false;
+    return std::ranges::any_of(
+        lists, [](const auto& list) { return list->missing && isrequired(list->format.directory); });
 }
 
 bool TSXdatabase::picturecomplete() const {
-    return std::none_of(unread.begin(), unread.end(),
-                        [](const Unread& thing) { return thing.weight == Unread::whole; });
+    return std::ranges::find(unread, Unread::whole, &Unread::weight) == unread.end();
 }
 
 int TSXdatabase::unreadcount() const {
-    return static_cast<int>(std::count_if(unread.begin(), unread.end(),
-                                          [](const Unread& thing) { return thing.weight != Unread::told; }));
+    return static_cast<int>(unread.size()) -
+           static_cast<int>(std::ranges::count(unread, Unread::told, &Unread::weight));
 }
 
 bool TSXdatabase::isunread(std::string_view fullpath) const {
-    return unreadnames.count(diskname(fullpath)) != 0;
+    return unreadnames.contains(diskname(fullpath));
 }
 
 std::string TSXdatabase::diskname(std::string_view fullpath) const {

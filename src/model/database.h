@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -16,8 +17,6 @@
 #include "model/exptype.h"
 #include "model/filelist.h"
 #include "model/keytree.h"
-#include "model/textstore.h"
-#include "model/unread.h"
 #include "platform/system/cobject.h"
 #include "platform/system/text.h"
 
@@ -27,6 +26,39 @@ class TSXkeyentry;
 class TSXproblem;
 
 constexpr int maxtypes = 200; // besides type 0
+
+// Texts side by side that are let go in one step. None moves or goes as long as the store is there.
+class TextStore {
+public:
+    // A copy of the text with a terminator behind it.
+    std::string_view keep(std::string_view text) {
+        char* const copy = static_cast<char*>(bytes_.allocate(text.size() + 1, 1));
+        copy[text.copy(copy, text.size())] = '\0';
+        return {copy, text.size()};
+    }
+
+private:
+    std::pmr::monotonic_buffer_resource bytes_;
+};
+
+// What could not be read, or was left out, while a database was looked at. It is neither empty nor damaged:
+// no repair acts on it and no save writes it.
+struct Unread {
+    enum Weight : std::uint8_t {
+        told,  // a second name, or one that opens another file: refuses nothing, changes no status
+        part,  // a record, a side file, a directory without data files: itself left alone, the rest can be
+               // repaired
+        whole, // a data file, a directory of data files, a type: without it no other key can be judged
+    };
+
+    // Relative to the database's directory, spelled as on the disk; a type behind its folder.
+    std::string name;
+    std::string reason; // a sentence in English without line end
+    Weight weight = part;
+    std::int32_t record = 0; // of a record in a data file, from 1; else 0, or
+    static constexpr std::int32_t type = -1;
+    bool lasting = true; // found by the load; else by the last analysis, and looked at anew by the next
+};
 
 class TSXdatabase : public CObject {
 public:
@@ -85,26 +117,19 @@ public:
     // only for side files and directories. Pointers to problems and keys from before are invalid behind it.
     // What hangs on the keys alone is kept where none has changed since the last one.
     void analyse();
-    void keyschanged() {
-        keysjudged = false;
-    }                   // a key table or the list of valid files is another than before
-    void showallkeys(); // makes every key visible until the next pass
+    void keyschanged() { keysjudged = false; } // a key table or the list of valid files is another now
+    void showallkeys();                        // makes every key visible until the next pass
 
     // Repairs. They leave the data files right; an analysis has to follow. Deleting and making happen at once
     // on disk, keys change in memory. Results: 1 success, 0 failure, which has been reported.
-    int removeemptyfiles(int fileclass);
     void removeduplicates(int type);
     void renameduplicates(int type);
     void createkeys();
     void removeexperimentkeys();
     void adddatabaseentries();
-    int createdirectory(const char* fullpath);
-    int deletecorruptfile(int fileclass, int position);
-    int deletefile(const char* fullpath);
     // The solutions of several problems that delete or make, as one group. Of each 1 done, 0 failed, 2 what
     // was to go had gone. The problems are those of the last analysis.
     std::vector<int> solvetogether(const std::vector<const TSXproblem*>& chosen);
-    void uniquekey(std::string& text, int type); // replaces the text by a key that the type does not use yet
     // Moves occurrence n of the entry in a type to another key; asks where that is in use there. 1 moved; 0
     // nothing to do, the text is the entry's key; -1 refused, by the person, for its length, because the
     // record could not be read or because there is no such occurrence.
@@ -114,6 +139,9 @@ public:
     int renamekey(const TSXkeyentry& entry, const char* text);
 
     int ismodified() const; // 1 if any record differs from the disk, else 0
+    // What an earlier commit has written, and the disk has confirmed only now. False where it still has not,
+    // which has been reported.
+    bool completeearlier();
     // Brings every changed key to the disk. 1 if nothing is left unsaved; else 0: what could not be saved has
     // been reported and stays changed. While planning nothing is written, and the result is what it would be.
     int saveall();
@@ -159,15 +187,9 @@ private:
     void notetwin(const std::string& twin, const std::string& read, Unread::Weight weight);
     void lookatdisk();  // side files and directories
     void forgetlooks(); // takes what the last look could not read off the list
-    void scanallsidefiles();
     void scanlibraries();
-    void checkdirectories();
     void judgekeys();
     void indexfiles();
     void countfile(const TSXdatafile& file);
-    void findduplicates();
-    void findorphans();
-    void showmarked();
-    // For each later occurrence, from number 2 on, of each key in that type.
-    void foreachduplicate(int type, const std::function<void(const TSXkeyentry&, int)>& operation);
+    void findproblems();
 };

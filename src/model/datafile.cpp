@@ -1,20 +1,27 @@
 #include "model/datafile.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "files/binfile.h"
 #include "model/database.h"
-#include "model/fileclass.h"
+#include "model/filelist.h"
 #include "platform/system/errors.h"
 #include "reporting/log.h"
 
+namespace {
+
+constexpr int valuecapacity = 300; // of field names and field values, which are read only to be passed over
+
+} // namespace
+
 TSXdatafile::TSXdatafile(TSXdatabase& owner, TSXfilelist& holder, const char* basename,
                          std::int32_t fileclass)
-    : database(owner), list(holder), name(basename), classid(fileclass) {
-    const FileClass& format = fileclasses[classid];
-    logLine(Text<700>().format("   found %s file '%s'", format.foundlabel, basename));
+    : database(owner), list(holder), name(basename), classid(fileclass), format(fileclasses[fileclass]) {
+    logLine(Text<700>().format("   found %s file '%s'", format.label, basename));
     path.format("%s/%s/%s.%s", database.directory.c_str(), format.directory, basename, format.extension);
+    read();
 }
 
 void TSXdatafile::setkey(int i, const char* text) {
@@ -30,10 +37,6 @@ void TSXdatafile::setkey(int i, const char* text) {
         keysondisk[record] = keys[record];
     keys[record] = database.keytexts.keep(text);
     keydirty[record] = 1;
-}
-
-void TSXdatafile::clearkey(int i) {
-    setkey(i, "");
 }
 
 void TSXdatafile::addentry(const char* text) {
@@ -61,12 +64,11 @@ bool TSXdatafile::ischangeable(int i) const {
 
 // Asked once, when something of the file is to be changed.
 Failure TSXdatafile::whyclosed() const {
-    if (ondisk == 1 && !asked) {
-        File file;
-        closed = database.tree->openToWrite(database.tree->below(path.view()), file);
-    }
-    asked = true;
-    return closed;
+    File file;
+    if (!closed)
+        closed =
+            ondisk == 1 ? database.tree->openToWrite(database.tree->below(path.view()), file) : Failure();
+    return *closed;
 }
 
 std::string TSXdatafile::whyleft(int i) const {
@@ -103,11 +105,11 @@ void TSXdatafile::settle(int i, std::string_view key) {
 std::string TSXdatafile::wholecontent(std::vector<std::int32_t>& places) const {
     TSXbinfile file;
     file.openmemory();
-    file.writestring(fileclasses[classid].header);
+    file.writestring(format.header);
     file.writetag("FLD");
     file.writeint(0);
     file.endtag();
-    file.writetag(fileclasses[classid].recordtag);
+    file.writetag(format.recordtag);
     file.writeint(keycount);
     places.resize(keys.size());
     for (std::size_t i = 1; i < keys.size(); ++i) {
@@ -126,47 +128,25 @@ void TSXdatafile::settlewhole(std::vector<std::int32_t> places, const FileState&
     ondisk = 1;
 }
 
-TSXdatafile::Opening TSXdatafile::readfile() {
-    std::uint32_t failure = ERROR_SUCCESS;
-    bool changed = false;
-    Opening opening = readonce(failure, changed);
-    if (changed)
-        opening = readonce(failure, changed);
-    notereading(changed ? ERROR_FILE_INVALID : failure);
-    return opening;
-}
-
-TSXdatafile::Opening TSXdatafile::readonce(std::uint32_t& failure, bool& changed) {
-    forget();
-    TSXbinfile file;
-    const Opening opening = openwithheader(file);
-    failure = ERROR_SUCCESS;
-    changed = false;
-    if (opening == Opening::failed) {
-        // What a search has found lacks something where it is not there; what is only to be made does not.
-        failure = list.scanning || !isAbsence(GetLastError()) ? GetLastError() : ERROR_SUCCESS;
-        return opening;
-    }
-    if (opening == Opening::good)
-        readchunks(file);
-    const FileState now = file.state();
-    failure = file.readfailure();
-    changed = now != FileState() && !now.isUnchanged(onread);
-    file.close();
-    return opening;
-}
-
-TSXdatafile::Opening TSXdatafile::openwithheader(TSXbinfile& file) {
-    if (file.openread(*database.tree, path) != 1)
-        return Opening::failed;
-    onread = file.stateatopen();
-    std::string header;
-    file.readstring(header, headercapacity);
-    if (header == fileclasses[classid].header)
-        return Opening::good;
-    if (const char* line = fileclasses[classid].headerline; *line != '\0')
-        logLine(line);
-    return Opening::wrongheader;
+void TSXdatafile::read() {
+    unread = false;
+    closed.reset();
+    const WholeReading reading = readwhole(
+        *database.tree, path, format.header, [this] { forget(); },
+        [this](TSXbinfile& file, const char* tag) { return readchunk(file, tag); });
+    onread = reading.file;
+    if (reading.outcome == WholeReading::wrongheader && *format.wrongheaderline != '\0')
+        logLine(format.wrongheaderline);
+    ondisk = reading.outcome == WholeReading::complete || reading.outcome == WholeReading::wrongtag ? 1 : 0;
+    const bool isnew = reading.outcome == WholeReading::unopened && classid == 0;
+    valid = reading.outcome == WholeReading::complete || isnew ? 1 : 0;
+    // What a search has found lacks something where it is not there; what is only to be made does not.
+    if (reading.outcome == WholeReading::unopened && !list.scanning && isAbsence(reading.failure))
+        return;
+    if (reading.failure != 0)
+        noteunread(reading.failure);
+    else
+        noteunreadrecords();
 }
 
 void TSXdatafile::noteunread(std::uint32_t number) {
@@ -174,12 +154,7 @@ void TSXdatafile::noteunread(std::uint32_t number) {
     database.addunreadpath(path.view(), errorText(number), Unread::whole);
 }
 
-// The whole file where the disk has failed, else each record that could not be read.
-void TSXdatafile::notereading(std::uint32_t failure) {
-    if (failure != 0) {
-        noteunread(failure);
-        return;
-    }
+void TSXdatafile::noteunreadrecords() {
     for (std::size_t i = 1; i < keyreading.size(); ++i) {
         if (keyreading[i] == Reading::good)
             continue;
@@ -191,42 +166,11 @@ void TSXdatafile::notereading(std::uint32_t failure) {
     }
 }
 
-void TSXdatafile::readchunks(TSXbinfile& file) {
-    char tag[tagBufferSize];
-    int result = 1;
-    do {
-        result = file.readtag(tag);
-        if (result != 1)
-            break;
-        const Chunk chunk = readchunk(file, tag);
-        if (chunk == Chunk::refused)
-            return;
-        if (chunk == Chunk::toleave)
-            result = file.skipchunk();
-    } while (result != -1 && file.iseof() == 0);
-    ondisk = 1;
-    valid = result == -1 ? 0 : 1;
-}
-
 void TSXdatafile::forget() {
     maketable(0);
-    valid = 0;
-    ondisk = 0;
     typeid_ = 0;
-}
-
-bool TSXdatafile::readcount(TSXbinfile& file) {
-    std::int32_t count = 0;
-    file.readint(count);
-    const bool usable = count >= 1 && count <= maxrecords;
-    maketable(usable ? count : 0);
-    return usable;
-}
-
-Reading TSXdatafile::readkeyfield(TSXbinfile& file, std::string_view& text) {
-    if (file.readfield(text, keycapacity) == 1)
-        return Reading::good;
-    return file.iseof() != 0 ? Reading::ended : Reading::senseless;
+    fieldcount = 0;
+    typereading = Reading::good;
 }
 
 void TSXdatafile::maketable(std::int32_t count) {
@@ -242,10 +186,65 @@ void TSXdatafile::maketable(std::int32_t count) {
     keysondisk.clear();
 }
 
-void TSXdatafile::readkey(TSXbinfile& file, std::size_t i) {
+Chunk TSXdatafile::readchunk(TSXbinfile& file, const char* tag) {
+    if (std::strcmp(tag, format.recordtag) == 0)
+        return readrecords(file);
+    if (*format.typetag != '\0' && std::strcmp(tag, format.typetag) == 0) {
+        typeid_ = readtype(file, typereading);
+        return Chunk::taken;
+    }
+    if (classid != 0 || std::strcmp(tag, "FLD") != 0)
+        return Chunk::toleave;
+    fieldcount = 0;
+    file.readint(fieldcount);
+    file.passstrings(fieldcount, valuecapacity);
+    return Chunk::taken;
+}
+
+// The chunk of the one class without a count is left by its end, since there is more after the record.
+Chunk TSXdatafile::readrecords(TSXbinfile& file) {
+    std::int32_t count = format.counted ? 0 : 1;
+    if (format.counted)
+        file.readint(count);
+    const bool usable = count >= 1 && count <= maxrecords;
+    maketable(usable ? count : 0);
+    for (std::size_t i = 1; i < keys.size(); ++i)
+        readrecord(file, i);
+    if (format.counted)
+        return usable ? Chunk::taken : Chunk::refused;
+    typeid_ = keytypes[1];
+    return Chunk::toleave;
+}
+
+void TSXdatafile::readrecord(TSXbinfile& file, std::size_t i) {
     std::string_view key;
     keypos[i] = file.tell();
-    keyreading[i] = readkeyfield(file, key);
+    keyreading[i] = readtext(file, key);
     oddfield[i] = file.fieldcapacity() != keycapacity;
     keys[i] = database.keytexts.keep(key);
+    Reading typeread = typereading;
+    keytypes[i] = format.recordtypes ? readtype(file, typeread) : typeid_;
+    if (keyreading[i] == Reading::good)
+        keyreading[i] = typeread;
+    file.passstrings(fieldcount, valuecapacity);
+    for (int n = 0; n < format.recordintegers; ++n) {
+        std::int32_t discarded;
+        file.readint(discarded);
+    }
+    if (logEnabled != 1)
+        return;
+    const std::string type = classid == 0 ? "" : " | " + std::to_string(keytypes[i]);
+    logLine(Text<100>().format("%s%s%s", format.recordindent, keys[i].data(), type.c_str()));
+}
+
+Reading TSXdatafile::readtext(TSXbinfile& file, std::string_view& text) {
+    if (file.readfield(text, keycapacity) == 1)
+        return Reading::good;
+    return file.iseof() != 0 ? Reading::ended : Reading::senseless;
+}
+
+std::int32_t TSXdatafile::readtype(TSXbinfile& file, Reading& reading) {
+    std::string_view text;
+    reading = readtext(file, text);
+    return database.addexptype(classid, text);
 }

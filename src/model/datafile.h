@@ -1,19 +1,23 @@
 // One data file's key table in memory: the keys of its records, their types and where each stands on disk.
-// Reading the file is the constructor's work and never fails; valid and ondisk tell what was found.
+// The files of all classes are read by it; they differ by their row in the table of file classes. Of an
+// experiment file it takes the types and the records' keys, of a .DBS file the keys, and walks over
+// everything else.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "changes/carryout.h"
+#include "model/fileclass.h"
+#include "model/wholereading.h"
 #include "platform/system/cobject.h"
 #include "platform/system/filestate.h"
 #include "platform/system/text.h"
 
-class TSXbinfile;
 class TSXdatabase;
 class TSXfilelist;
 
@@ -30,19 +34,23 @@ enum class Reading : std::uint8_t {
 
 class TSXdatafile : public CObject {
 public:
+    // Reads the file of that base name in the directory of its class, which never fails: valid and ondisk
+    // tell what was found. A .DBS file that can't be opened is a new one: valid, not on disk, without
+    // records.
     TSXdatafile(TSXdatabase& owner, TSXfilelist& holder, const char* basename, std::int32_t fileclass);
 
+    void read(); // the same once more, in place of what was found before
     // Gives record i another key of at most 60 bytes and marks it changed. Where it is not changeable nothing
     // happens but that the database notes it as left out.
     void setkey(int i, const char* text);
-    void clearkey(int i); // the same with the empty key
+    void clearkey(int i) { setkey(i, ""); } // the same with the empty key
     // Adds a record that is not on disk yet; with 1000 records nothing happens.
     void addentry(const char* text);
     int anydirty() const;                    // 1 if a record differs from the disk, else 0
     std::vector<NewKey> changedkeys() const; // of a file on disk; the texts stay as long as the keys do
     // A record has that key on the disk now. It is no longer changed where that is its key.
     void settle(int i, std::string_view key);
-    // The content of a file that is not on disk yet, with no fields; places gets the offset of each key
+    // The content of a .DBS file that is not on disk yet, with no fields; places gets the offset of each key
     // field.
     std::string wholecontent(std::vector<std::int32_t>& places) const;
     // That content is on the disk.
@@ -80,32 +88,21 @@ public:
     std::string entryname; // in its directory, as the search gave it; empty: it is made anew
     bool outside = false;  // a link out of the database leads to it: it is never changed
 
-protected:
-    enum class Opening : std::uint8_t { good, failed, wrongheader };
-    // Reads the file: header and chunks, of which a reader takes the bodies. Once more where another program
-    // has written it meanwhile; what is written all the time is unread.
-    Opening readfile();
-    // What follows a chunk: the next tag stands behind what was taken; or the chunk is left by its end; or
-    // nothing, the file is refused.
-    enum class Chunk : std::uint8_t { taken, toleave, refused };
-    // Takes what the class knows of the chunk.
-    virtual Chunk readchunk(TSXbinfile& file, const char* tag) = 0;
-    virtual void forget(); // what an earlier reading has found
-    // Reads a record count and makes the table; false if it is not from 1 to 1000, and the table is empty.
-    bool readcount(TSXbinfile& file);
-    // A key or a type, which stays until the next operation on the file; "???" where it is not good.
-    Reading readkeyfield(TSXbinfile& file, std::string_view& text);
-    void maketable(std::int32_t count);
-    void readkey(TSXbinfile& file, std::size_t i); // of record i, which stands here
-
 private:
-    Opening openwithheader(TSXbinfile& file);
-    void readchunks(TSXbinfile& file);
-    Opening readonce(std::uint32_t& failure, bool& changed);
-    void notereading(std::uint32_t failure);
-
+    void forget(); // what an earlier reading has found
+    void maketable(std::int32_t count);
+    Chunk readchunk(TSXbinfile& file, const char* tag);
+    Chunk readrecords(TSXbinfile& file);
+    void readrecord(TSXbinfile& file, std::size_t i); // which stands here
+    // A key or a type, which stays until the next operation on the file; "???" where it is not good.
+    static Reading readtext(TSXbinfile& file, std::string_view& text);
+    std::int32_t readtype(TSXbinfile& file, Reading& reading);
+    void noteunreadrecords();
     Failure whyclosed() const; // that keeps a file on disk from being written
-    mutable bool asked = false;
-    mutable Failure closed;
+
+    const FileClass& format;
+    std::int32_t fieldcount = 0;         // of each entry in a .DBS file
+    Reading typereading = Reading::good; // of the file's own type
+    mutable std::optional<Failure> closed;
     std::vector<bool> oddfield; // of each record: its field has another capacity than new keys have
 };

@@ -4,15 +4,20 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "platform/system/cobject.h"
 #include "platform/system/letters.h"
 #include "platform/system/text.h"
+#include "reporting/log.h"
 
 class TSXexptype : public CObject {
 public:
-    TSXexptype(int fileclass, std::string_view typetext); // writes a line to the log
+    TSXexptype(int fileclass, std::string_view typetext)
+        : classid(fileclass), name(std::string(typetext).c_str()) {
+        logLine(Text<300>().format(">>>>>>>>>> Added new experiment type %d %s", classid, name.c_str()));
+    }
 
     std::int32_t classid;        // file class; 0 for the type "Database"
     Text<200> name;              // as first met

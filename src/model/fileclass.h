@@ -2,35 +2,26 @@
 // the file list, the class of a file and of an experiment type.
 #pragma once
 
-#include <memory>
 #include <string_view>
 #include <vector>
-
-class TSXdatabase;
-class TSXdatafile;
-class TSXfilelist;
 
 constexpr int fileclasscount = 6;
 
 struct FileClass {
-    const char* directory;    // below the database directory
-    const char* extension;    // without a point
-    const char* header;       // the counted string at the start of a data file
-    const char* typetag;      // the chunk with the name of the file's type; empty where there is none
-    const char* recordtag;    // the chunk with the records
-    const char* scanlabel;    // in "*** Scanning %s files at %s ***"
-    const char* foundlabel;   // in "   found %s file '%s'"
-    const char* recordindent; // the blanks before a record's line in the log
-    const char* headerline;   // the line in the log for a wrong header; empty for none
-    bool counted;             // a number of records stands before them; else there is one
-    bool recordtypes;         // each record names its own type
-    int recordintegers;       // integers behind a record's key and type
-    const char* emptylabel;   // the class in the message about empty files
-    const char* damagelabel;  // the class in the message about a corrupted file; empty where none is known
-    const char* sideheader;   // the header of the class's .CNF files; empty where there are none
-    // Make the list of the class, which reads all files, and one file of that base name for a list.
-    std::unique_ptr<TSXfilelist> (*makelist)(TSXdatabase& database);
-    std::unique_ptr<TSXdatafile> (*makefile)(TSXdatabase& database, TSXfilelist& list, const char* basename);
+    const char* directory;       // below the database directory
+    const char* extension;       // without a point
+    const char* header;          // the counted string at the start of a data file
+    const char* typetag;         // the chunk with the name of the file's type; empty where there is none
+    const char* recordtag;       // the chunk with the records
+    bool counted;                // a number of records stands before them; else there is one
+    bool recordtypes;            // each record names its own type
+    int recordintegers;          // integers after a record's key and type
+    const char* scanlabel;       // in "*** Scanning %s files at %s ***"
+    const char* label;           // in "   found %s file '%s'", and in the message about empty files
+    const char* recordindent;    // the blanks before a record's line in the log
+    const char* wrongheaderline; // the line in the log for a wrong header; empty for none
+    const char* damagelabel;     // in the message about a corrupted file; empty where none is known
+    const char* sideheader;      // the header of the class's .CNF files; empty where there are none
 };
 
 extern const FileClass fileclasses[fileclasscount];

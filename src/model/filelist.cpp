@@ -1,31 +1,19 @@
 #include "model/filelist.h"
 
+#include <algorithm>
 #include <cstring>
-#include <string>
 
 #include "files/finder.h"
 #include "model/database.h"
 #include "model/datafile.h"
 #include "model/fileclass.h"
 #include "model/problem.h"
-#include "platform/system/letters.h"
 #include "platform/system/listing.h"
 #include "reporting/log.h"
 
-namespace {
-
-std::string smallLetters(std::string_view text) {
-    std::string result;
-    for (const char byte : text)
-        result.push_back(static_cast<char>(smallLetter(byte)));
-    return result;
-}
-
-} // namespace
-
-TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass) : database(owner), files(1), classid(fileclass) {
-    const FileClass& format = fileclasses[fileclass];
-    const std::string pattern = pathof(std::string("*.") + format.extension);
+TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass)
+    : database(owner), classid(fileclass), format(fileclasses[fileclass]), files(1),
+      pattern(pathof(std::string("*.") + format.extension)) {
     logLine(Text<800>().format("*** Scanning %s files at %s ***", format.scanlabel, pattern.c_str()));
     database.notetwins(format.directory, Unread::whole);
     TSXfinder finder(*database.tree);
@@ -41,8 +29,10 @@ TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass) : database(owner), f
     finder.findclose();
 }
 
+TSXfilelist::~TSXfilelist() = default;
+
 std::string TSXfilelist::pathof(const std::string& name) const {
-    return std::string(database.directory) + "/" + fileclasses[classid].directory + "/" + name;
+    return std::string(database.directory) + "/" + format.directory + "/" + name;
 }
 
 // The order is that of the search; what is made anew stands at the end.
@@ -57,7 +47,6 @@ std::size_t TSXfilelist::placeof(const std::string& name) const {
 }
 
 void TSXfilelist::take(const TSXfinder& match) {
-    const FileClass& format = fileclasses[classid];
     const std::string name = match.entryname.c_str();
     if (issecondname(match))
         return;
@@ -67,7 +56,7 @@ void TSXfilelist::take(const TSXfinder& match) {
     }
     const std::string basename = name.substr(0, name.size() - std::strlen(format.extension) - 1);
     scanning = true;
-    auto file = format.makefile(database, *this, basename.c_str());
+    auto file = std::make_unique<TSXdatafile>(database, *this, basename.c_str(), classid);
     scanning = false;
     file->entryname = name;
     file->outside = !match.entryoutside.empty();
@@ -97,7 +86,7 @@ bool TSXfilelist::issecondname(const TSXfinder& match) {
 
 // A look-up of such a name with the extension of the search opens another entry.
 void TSXfilelist::notepassedover(const TSXfinder& search) {
-    const std::string extension = fileclasses[classid].extension;
+    const std::string extension = format.extension;
     listing.insert(search.passedover.begin(), search.passedover.end());
     for (const std::string& name : search.passedover) {
         std::string asked = name;
@@ -107,45 +96,40 @@ void TSXfilelist::notepassedover(const TSXfinder& search) {
     }
 }
 
-TSXfilelist::~TSXfilelist() = default;
-
 void TSXfilelist::addfile(std::unique_ptr<TSXdatafile> file, std::size_t position) {
     database.keyschanged();
-    names.insert(smallLetters(file->name.view()));
+    names.insert(file->name.c_str());
     files.insert(files.begin() + static_cast<std::ptrdiff_t>(position), std::move(file));
     ++count;
 }
 
 void TSXfilelist::removeat(int position) {
-    if (files[static_cast<std::size_t>(position)]->valid == 1)
-        database.keyschanged();
-    names.erase(smallLetters(files[static_cast<std::size_t>(position)]->name.view()));
-    lowestnumber = 1;
-    const std::int32_t fileclass = files[static_cast<std::size_t>(position)]->classid;
-    for (int i = 1; i <= database.problemcount; ++i) {
-        TSXproblem& problem = *database.getproblem(i);
-        if (problem.kind != corruptdatafile || problem.subkind != fileclass || problem.fileindex < position)
-            continue;
-        problem.fileindex = problem.fileindex == position ? 0 : problem.fileindex - 1;
-    }
     const TSXdatafile& file = *files[static_cast<std::size_t>(position)];
+    if (file.valid == 1)
+        database.keyschanged();
     database.forgetrecords(file.unreadname);
+    names.erase(file.name.c_str());
+    lowestnumber = 1;
     const auto [first, last] = passedover.equal_range(file.entryname);
-    for (auto name = first; name != last && !file.entryname.empty(); ++name)
+    for (auto name = first; name != last; ++name)
         waiting.insert(name->second);
+    passedover.erase(first, last);
     std::erase_if(listed, [&](const auto& known) { return known.second == file.entryname; });
-    passedover.erase(file.entryname);
     files.erase(files.begin() + position);
     --count;
+    for (const auto& problem : database.problems)
+        if (problem != nullptr && problem->kind == corruptdatafile && problem->subkind == classid &&
+            problem->fileindex >= position)
+            problem->fileindex = problem->fileindex == position ? 0 : problem->fileindex - 1;
 }
 
 void TSXfilelist::takewaiting() {
     if (waiting.empty())
         return;
     TSXfinder finder(*database.tree);
-    int match = finder.findfirst(pathof(std::string("*.") + fileclasses[classid].extension).c_str());
+    int match = finder.findfirst(pattern.c_str());
     if (finder.failure != 0) { // they wait on
-        database.notesearch(finder, fileclasses[classid].directory, Unread::whole);
+        database.notesearch(finder, format.directory, Unread::whole);
         return;
     }
     for (; match != 0; match = finder.findnext()) {
@@ -173,16 +157,15 @@ std::vector<std::string> TSXfilelist::changedsince() const {
             texts.push_back("'" + std::string(file.path) +
                             "': another program has changed it since it was read.");
     }
-    const FileClass& format = fileclasses[classid];
     TSXfinder finder(*database.tree);
-    int match = finder.findfirst(pathof(std::string("*.") + format.extension).c_str());
+    int match = finder.findfirst(pattern.c_str());
     std::vector<std::string> now = finder.passedover;
     for (; match != 0; match = finder.findnext())
         now.emplace_back(finder.entryname.c_str());
     finder.findclose();
     for (const std::string& name : now)
-        if (listing.count(name) == 0)
-            texts.push_back("'" + std::string(database.directory) + "/" + format.directory + "/" + name +
+        if (!listing.contains(name))
+            texts.push_back("'" + pathof(name) +
                             "': another program has made it since the directory was read.");
     return texts;
 }
@@ -196,29 +179,23 @@ void TSXfilelist::reportinvalid(int fileclass) {
         const TSXdatafile& file = *files[static_cast<std::size_t>(i)];
         if (file.valid == 1)
             continue;
-        auto problem = std::make_unique<TSXproblem>(database, corruptdatafile, fileclass, file.name);
+        auto problem = std::make_unique<TSXproblem>(database, corruptdatafile, fileclass, file.name.view());
         problem->fileindex = i;
         database.addproblem(std::move(problem));
     }
 }
 
 void TSXfilelist::reportempty(int fileclass) {
-    for (std::size_t i = 1; i < files.size(); ++i) {
-        if (!files[i]->isempty())
-            continue;
+    const auto isempty = [](const auto& file) { return file != nullptr && file->isempty(); };
+    if (std::ranges::any_of(files, isempty))
         database.addproblem(std::make_unique<TSXproblem>(database, emptyfiles, fileclass));
-        return;
-    }
 }
 
-int TSXdbslist::newfile() {
+int TSXfilelist::newfile() {
     if (count >= maxfiles)
         return -1;
-    const FileClass& format = fileclasses[0];
     Text<20> name;
-    const auto islisted = [&](int number) {
-        return names.count(smallLetters(name.format("DBSF%03d", number).view())) != 0;
-    };
+    const auto islisted = [&](int number) { return names.contains(name.format("DBSF%03d", number).c_str()); };
     while (islisted(lowestnumber))
         ++lowestnumber;
     int number = lowestnumber;
@@ -227,8 +204,9 @@ int TSXdbslist::newfile() {
     Entry entry;
     Failure failure;
     const auto istaken = [&] {
-        const std::string file = std::string("DBASE/") + name.c_str() + "." + format.extension;
-        failure = database.tree->look(file, Links::refused, entry);
+        failure =
+            database.tree->look(std::string(format.directory) + "/" + name.c_str() + "." + format.extension,
+                                Links::refused, entry);
         return !failure && entry.state.kind != EntryState::missing;
     };
     while (islisted(number) || istaken())
@@ -238,7 +216,7 @@ int TSXdbslist::newfile() {
                                    "' is a link that leads out of the database, and no file is made there");
     if (failure || !entry.outside.empty())
         return -1;
-    auto made = format.makefile(database, *this, name);
+    auto made = std::make_unique<TSXdatafile>(database, *this, name, classid);
     if (made->unread) // whether its name is free can't be known
         return -1;
     addfile(std::move(made), files.size());

@@ -7,15 +7,16 @@
 #include <memory>
 #include <set>
 #include <string>
-#include <unordered_set>
 #include <vector>
 
 #include "platform/system/cobject.h"
 #include "platform/system/filestate.h"
+#include "platform/system/letters.h"
 
 class TSXdatabase;
 class TSXdatafile;
 class TSXfinder;
+struct FileClass;
 
 constexpr int maxfiles = 3000;
 
@@ -33,53 +34,36 @@ public:
     void removeat(int position);
     // Reads what was not read for the sake of files that have left the list, and puts it where a load would.
     void takewaiting();
+    // Makes a new empty .DBS file with the lowest number DBSF001, DBSF002 … that neither the list nor the
+    // disk knows. Its position, or -1 if the list is full or the disk does not tell.
+    int newfile();
     // What another program has done since the load to the files that were read and the names that were
     // listed, a text for each.
     std::vector<std::string> changedsince() const;
     void notemade(const std::string& name); // a file that was made is no other program's
 
     TSXdatabase& database;
+    const int classid;
+    const FileClass& format;
     std::int32_t count = 0;                          // at most maxfiles
     std::vector<std::unique_ptr<TSXdatafile>> files; // from 1 to count; slot 0 holds nothing
 
     bool missing = false;  // the class's directory was not there when it was scanned
     bool scanning = false; // the files that are made just now are those that a search has found
 
-protected:
-    void addfile(std::unique_ptr<TSXdatafile> file, std::size_t position);
-
-    std::unordered_set<std::string> names; // of the files, in small letters
-    int lowestnumber = 1;                  // files of all numbers below are in the list
-
 private:
     void take(const TSXfinder& match);
+    void addfile(std::unique_ptr<TSXdatafile> file, std::size_t position);
     bool issecondname(const TSXfinder& match);
     void notepassedover(const TSXfinder& search);
     std::string pathof(const std::string& name) const;
     std::size_t placeof(const std::string& name) const;
 
-    int classid;
+    std::string pattern;                                // of its files
+    std::set<std::string, BeforeIgnoringCase> names;    // of the files
+    int lowestnumber = 1;                               // files of all numbers below are in the list
     std::set<std::string> listing;                      // names in the directory that matched at the load
     std::map<FileIdentity, std::string> listed;         // the name under which each file is read
     std::multimap<std::string, std::string> passedover; // by the name that is read in their place
     std::set<std::string> waiting;                      // passed over for what has left the list
 };
-
-class TSXdbslist : public TSXfilelist {
-public:
-    explicit TSXdbslist(TSXdatabase& owner) : TSXfilelist(owner, 0) {}
-    // Makes a new empty file with the lowest number DBSF001, DBSF002 … that neither the list nor the disk
-    // knows. Its position, or -1 if the list is full or the disk does not tell.
-    int newfile();
-};
-
-template <int fileclass> class TSXexperimentlist : public TSXfilelist {
-public:
-    explicit TSXexperimentlist(TSXdatabase& owner) : TSXfilelist(owner, fileclass) {}
-};
-
-using TSXgellist = TSXexperimentlist<1>;
-using TSXcharlist = TSXexperimentlist<2>;
-using TSXseqlist = TSXexperimentlist<3>;
-using TSXpairlist = TSXexperimentlist<4>;
-using TSXgel2dlist = TSXexperimentlist<5>;

@@ -7,40 +7,36 @@
 
 TSXkeyentry::TSXkeyentry(const TSXdatabase& database, std::string_view text,
                          std::span<Occurrence> firstrecords)
-    : key(text), lasttype(static_cast<std::int16_t>(database.lasttype)), first(firstrecords.data()),
-      count(static_cast<std::uint32_t>(firstrecords.size())), room(count) {}
+    : key(text), first(firstrecords.data()), count(static_cast<std::uint32_t>(firstrecords.size())),
+      lasttype(static_cast<std::uint8_t>(database.lasttype)) {}
 
 std::span<const Occurrence> TSXkeyentry::list(int t) const {
-    const std::span<const Occurrence> all = records();
-    const auto type = [](const Occurrence& occurrence) { return occurrence.type; };
-    return {std::ranges::lower_bound(all, t, {}, type), std::ranges::upper_bound(all, t, {}, type)};
+    const auto found = std::ranges::equal_range(records(), t, {}, &Occurrence::type);
+    return {found.begin(), found.end()};
 }
 
+// The lists grow by one: few keys get another record, and then one.
 void TSXkeyentry::addoccurrence(int t, TSXdatafile& file, int record) {
     if (t < 0 || t > lasttype)
         return;
-    const auto place = list(t).end() - records().begin();
-    if (count == room) {
-        room = std::max(2 * room, std::uint32_t{1});
-        Occurrence* const larger = file.database.keytree.makerecords(room);
-        std::copy_n(first, count, larger);
-        first = larger;
-    }
-    std::copy_backward(first + place, first + count, first + count + 1);
-    first[place] = {&file, record, t};
+    Occurrence* const larger = file.database.keytree.makerecords(count + 1);
+    Occurrence* const place = std::copy(records().begin(), list(t).end(), larger);
+    std::copy(list(t).end(), records().end(), place + 1);
+    *place = {&file, record, t};
+    first = larger;
     ++count;
 }
 
 void TSXkeyentry::removeoccurrence(int t, int n) {
     if (n < 1 || n > occurrences(t))
         return;
-    Occurrence* const removed = first + (list(t).begin() - records().begin()) + (n - 1);
+    Occurrence* const removed = first + (list(t).data() - first) + (n - 1);
     std::copy(removed + 1, first + count, removed);
     --count;
 }
 
 Occurrence TSXkeyentry::occurrence(int t, int n) const {
-    if (n < 1 || n > occurrences(t))
-        return {};
-    return list(t)[static_cast<std::size_t>(n - 1)];
+    const std::span<const Occurrence> found = list(t);
+    return n >= 1 && n <= static_cast<int>(found.size()) ? found[static_cast<std::size_t>(n - 1)]
+                                                         : Occurrence();
 }

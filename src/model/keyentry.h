@@ -42,16 +42,17 @@ public:
 
     TSXkeyentry* left = nullptr;
     TSXkeyentry* right = nullptr;
-    std::string_view key;     // as it was spelled at the first insertion
-    std::int32_t shown = 0;   // 1 if the last analysis found something wrong with the key
-    std::int16_t balance = 0; // height of the right subtree less that of the left
+    std::string_view key; // as it was spelled at the first insertion
 
 private:
-    std::int16_t lasttype; // highest experiment type when the entry was made
     // All records by ascending type: a key is used by few of many types, so none has a list of its own.
     Occurrence* first;
     std::uint32_t count;
-    std::uint32_t room; // how many records there is place for
+    std::uint8_t lasttype; // highest experiment type when the entry was made
+
+public:
+    std::int8_t balance = 0; // height of the right subtree less that of the left
+    std::int8_t shown = 0;   // 1 if the last analysis found something wrong with the key
 };
 
 template <class Visit> void TSXkeyentry::foreachlist(Visit visit) const {

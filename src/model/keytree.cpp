@@ -52,55 +52,30 @@ TSXkeyentry& TSXkeytree::insert(Link& link, std::string_view key, bool& taller) 
 // it.
 bool TSXkeytree::grow(Link& link, int side) {
     if (link->balance == side) {
-        if (side < 0)
-            repairleft(link);
-        else
-            repairright(link);
-        link->balance = 0;
+        repair(link, side);
         return false;
     }
-    link->balance = static_cast<std::int16_t>(link->balance + side);
+    link->balance = static_cast<std::int8_t>(link->balance + side);
     return link->balance != 0;
 }
 
-void TSXkeytree::repairleft(Link& link) {
+// One rotation, or two where the side has grown at its inner subtree.
+void TSXkeytree::repair(Link& link, int side) {
+    const auto outer = side < 0 ? &TSXkeyentry::left : &TSXkeyentry::right;
+    const auto inner = side < 0 ? &TSXkeyentry::right : &TSXkeyentry::left;
     const Link top = link;
-    const Link child = top->left;
-    if (child->balance == -1) {
-        top->left = child->right;
-        top->balance = 0;
-        child->right = top;
-        link = child;
-        return;
+    const Link child = top->*outer;
+    const bool twice = child->balance != side;
+    link = twice ? child->*inner : child;
+    top->balance = static_cast<std::int8_t>(twice && link->balance == side ? -side : 0);
+    child->balance = static_cast<std::int8_t>(twice && link->balance == -side ? side : 0);
+    if (twice) {
+        child->*inner = link->*outer;
+        link->*outer = child;
     }
-    const Link middle = child->right;
-    child->right = middle->left;
-    top->left = middle->right;
-    top->balance = middle->balance == -1 ? 1 : 0;
-    child->balance = middle->balance == 1 ? -1 : 0;
-    middle->left = child;
-    middle->right = top;
-    link = middle;
-}
-
-void TSXkeytree::repairright(Link& link) {
-    const Link top = link;
-    const Link child = top->right;
-    if (child->balance == 1) {
-        top->right = child->left;
-        top->balance = 0;
-        child->left = top;
-        link = child;
-        return;
-    }
-    const Link middle = child->left;
-    child->left = middle->right;
-    top->right = middle->left;
-    top->balance = middle->balance == 1 ? -1 : 0;
-    child->balance = middle->balance == -1 ? 1 : 0;
-    middle->right = child;
-    middle->left = top;
-    link = middle;
+    top->*outer = link->*inner;
+    link->*inner = top;
+    link->balance = 0;
 }
 
 // There are at most as many entries as records. Before there is any, the row is sorted with the help of their
@@ -137,7 +112,7 @@ TSXkeyentry* TSXkeytree::balanced(TSXkeyentry* entries, std::size_t count) {
     TSXkeyentry* const middle = entries + before;
     middle->left = balanced(entries, before);
     middle->right = balanced(middle + 1, behind);
-    middle->balance = static_cast<std::int16_t>(std::bit_width(behind) - std::bit_width(before));
+    middle->balance = static_cast<std::int8_t>(std::bit_width(behind) - std::bit_width(before));
     return middle;
 }
 

@@ -20,59 +20,49 @@ const TSXexptype* typein(const TSXproblem& problem) {
     return problem.database.gettype(problem.subkind);
 }
 
-// A message in which one text stands.
-template <class Text> std::string worded(const char* format, const Text& text) {
-    return ::Text<2400>().format(format, text).c_str();
-}
-
 std::string emptymessage(const TSXproblem& problem) {
     if (problem.subkind == 0)
         return "There are empty database file(s)";
-    return classin(problem) == nullptr
+    const FileClass* of = classin(problem);
+    return of == nullptr
                ? ""
-               : worded("There are empty experiment file(s)     (Experiment class '%s')",
-                        classin(problem)->emptylabel);
+               : "There are empty experiment file(s)     (Experiment class '" + std::string(of->label) + "')";
 }
 
 std::string duplicatemessage(const TSXproblem& problem) {
     if (problem.subkind == 0)
         return "Some database entries have identical keys";
-    return typein(problem) == nullptr
-               ? ""
-               : worded("Some experiment entries have identical keys     (Experiment type '%s')",
-                        typein(problem)->name.c_str());
+    const TSXexptype* of = typein(problem);
+    return of == nullptr ? ""
+                         : "Some experiment entries have identical keys     (Experiment type '" +
+                               std::string(of->name) + "')";
 }
 
 std::string corruptmessage(const TSXproblem& problem) {
-    if (classin(problem) == nullptr || *classin(problem)->damagelabel == '\0')
-        return "";
-    return Text<2400>()
-        .format("The %s file '%s' is corrupted", classin(problem)->damagelabel, problem.name.c_str())
-        .c_str();
+    const FileClass* of = classin(problem);
+    return of == nullptr || *of->damagelabel == '\0'
+               ? ""
+               : "The " + std::string(of->damagelabel) + " file '" + problem.name + "' is corrupted";
 }
 
-std::string datafilename(const TSXproblem& problem) {
-    const FileClass& folder = *classin(problem);
-    return problem.database.diskname(Text<1000>()
-                                         .format("%s/%s/%s.%s", problem.database.directory.c_str(),
-                                                 folder.directory, problem.name.c_str(), folder.extension)
-                                         .view());
+std::string classsubject(const TSXproblem& problem) {
+    return classin(problem) != nullptr ? classin(problem)->directory : "";
+}
+
+std::string filesubject(const TSXproblem& problem) {
+    const FileClass& of = *classin(problem);
+    return problem.database.diskname(std::string(problem.database.directory) + '/' + of.directory + '/' +
+                                     problem.name + '.' + of.extension);
 }
 
 std::string typesubject(const TSXproblem& problem) {
-    const TSXexptype* type = problem.subkind != 0 ? typein(problem) : nullptr;
-    return type == nullptr ? "Database"
-                           : std::string(fileclasses[type->classid].directory) + "/" + type->name.c_str();
+    const TSXexptype* of = problem.subkind != 0 ? typein(problem) : nullptr;
+    return of == nullptr ? "Database"
+                         : std::string(fileclasses[of->classid].directory) + '/' + of->name.c_str();
 }
 
 std::string namesubject(const TSXproblem& problem) {
-    return problem.database.diskname(problem.name.view());
-}
-
-// For the operations that have no result of their own.
-template <class Repair> int done(Repair repair) {
-    repair();
-    return 1;
+    return problem.database.diskname(problem.name);
 }
 
 constexpr const char* nothinglost = "Nothing is lost.";
@@ -101,11 +91,11 @@ constexpr KindOfProblem kinds[] = {
      "classes with empty files",
      "Data files of this class are sound and hold no record. They do no harm.",
      emptymessage,
-     [](const Problem& p) { return std::string(classin(p) != nullptr ? classin(p)->directory : ""); },
+     classsubject,
      nullptr,
      [](const Problem&, const TSXdatafile& file, int) { return file.isempty(); },
      {{removeemptyfilescommand, "Remove all empty files", Cost::deletes, "deletes these files", deletedatonce,
-       [](Database& d, const Problem& p) { return d.removeemptyfiles(p.subkind); }}}},
+       nullptr}}},
     {duplicatekeys,
      "duplicate",
      "type with duplicate keys",
@@ -119,38 +109,38 @@ constexpr KindOfProblem kinds[] = {
      nullptr,
      {{removeduplicatescommand, "Remove all duplicate keys", Cost::clears,
        "keeps the key in its first record and takes it from all later ones, whose data stay without a key",
-       keyslost, [](Database& d, const Problem& p) { return done([&] { d.removeduplicates(p.subkind); }); }},
+       keyslost, [](Database& d, const Problem& p) { d.removeduplicates(p.subkind); }},
       {renameduplicatescommand, "Rename all duplicate keys", Cost::safe,
        "keeps the key in its first record; each later one gets it with a number behind it, /#2, /#3 …",
        "The end of a key of more than 56 bytes is lost.",
-       [](Database& d, const Problem& p) { return done([&] { d.renameduplicates(p.subkind); }); }}}},
+       [](Database& d, const Problem& p) { d.renameduplicates(p.subkind); }}}},
     {blankkeys,
      "blank",
      "set of entries without keys",
      "sets of entries without keys",
      "Several database entries have no key, so that no experiment can belong to them.",
      [](const Problem&) { return std::string("Some database entries have no keys"); },
-     [](const Problem&) { return std::string("Database"); },
+     typesubject,
      [](const Problem&, const Key& key, int type) { return type == 0 && key.key.empty(); },
      nullptr,
      {{createkeyscommand, "Create keys", Cost::safe,
        "gives each of these entries a key of its own, dbkey/#2, dbkey/#3 …", nothinglost,
-       [](Database& d, const Problem&) { return done([&] { d.createkeys(); }); }}}},
+       [](Database& d, const Problem&) { d.createkeys(); }}}},
     {orphankeys,
      "orphan",
      "set of keys without entries",
      "sets of keys without entries",
      "Experiments have keys of which there is no database entry: their results belong to nothing.",
      [](const Problem&) { return std::string("Some experiment keys have no database entries"); },
-     [](const Problem&) { return std::string("Database"); },
+     typesubject,
      [](const Problem&, const Key& key, int) { return key.isorphan(); },
      nullptr,
      {{removeexperimentkeyscommand, "Remove these experiment keys", Cost::clears,
        "takes the key from all these records, whose results stay without a key", keyslost,
-       [](Database& d, const Problem&) { return done([&] { d.removeexperimentkeys(); }); }},
+       [](Database& d, const Problem&) { d.removeexperimentkeys(); }},
       {adddatabaseentriescommand, "Add database entries for these keys", Cost::safe,
        "makes an entry for each of these keys, in new files in DBASE", nothinglost,
-       [](Database& d, const Problem&) { return done([&] { d.adddatabaseentries(); }); }}}},
+       [](Database& d, const Problem&) { d.adddatabaseentries(); }}}},
     {missingdirectory,
      "missing",
      "missing directory",
@@ -158,12 +148,12 @@ constexpr KindOfProblem kinds[] = {
      "A directory that a database has isn't there. Where it held files, look whether it was moved, or "
      "whether a "
      "share isn't mounted, before it is made anew.",
-     [](const Problem& p) { return worded("Missing database directory '%s'", p.name.c_str()); },
+     [](const Problem& p) { return "Missing database directory '" + p.name + "'"; },
      namesubject,
      nullptr,
      nullptr,
      {{createdirectorycommand, "Create directory", Cost::safe, "makes the directory, empty", nothinglost,
-       [](Database& d, const Problem& p) { return d.createdirectory(p.name); }}}},
+       nullptr}}},
     {corruptdatafile,
      "corrupt",
      "corrupted file",
@@ -172,12 +162,11 @@ constexpr KindOfProblem kinds[] = {
      "of it "
      "counts; a copy from a backup may be better.",
      corruptmessage,
-     datafilename,
+     filesubject,
      nullptr,
      [](const Problem& p, const TSXdatafile&, int position) { return position == p.fileindex; },
      {{deletecorruptfilecommand, "Delete this corrupted file", Cost::deletes, "deletes the file",
-       deletedatonce,
-       [](Database& d, const Problem& p) { return d.deletecorruptfile(p.subkind, p.fileindex); }}}},
+       deletedatonce, nullptr}}},
     {corruptsidefile,
      "side",
      "corrupted side file",
@@ -185,12 +174,12 @@ constexpr KindOfProblem kinds[] = {
      "A side file, which describes an experiment type or a comparison, has no valid header or a chunk that "
      "makes "
      "no sense.",
-     [](const Problem& p) { return worded("The file '%s' is corrupted", p.name.c_str()); },
+     [](const Problem& p) { return "The file '" + p.name + "' is corrupted"; },
      namesubject,
      nullptr,
      nullptr,
      {{deletefilecommand, "Delete this corrupted file", Cost::deletes, "deletes the file", deletedatonce,
-       [](Database& d, const Problem& p) { return d.deletefile(p.name); }}}},
+       nullptr}}},
 };
 
 } // namespace
@@ -227,21 +216,21 @@ std::string encodedforid(std::string_view bytes) {
     return text;
 }
 
-TSXproblem::TSXproblem(TSXdatabase& owner, int problemkind, int problemsubkind, const char* subject)
-    : kind(problemkind), subkind(problemsubkind), database(owner) {
-    name = Text<2000>(subject);
-    const std::string text = facts().message(*this);
-    message = text.empty() ? "Unknown error" : Text<2400>(text.c_str()).c_str();
+TSXproblem::TSXproblem(TSXdatabase& owner, int problemkind, int problemsubkind, std::string_view subject)
+    : kind(problemkind), subkind(problemsubkind), name(subject), database(owner) {
+    message = facts().message(*this);
+    if (message.empty())
+        message = "Unknown error";
 }
 
 int TSXproblem::solutioncount() const {
-    return static_cast<int>(std::ranges::count_if(
-        facts().solutions, [](const KindOfProblem::Solution& solution) { return solution.command != 0; }));
+    return maxsolutions -
+           static_cast<int>(std::ranges::count(facts().solutions, 0, &KindOfProblem::Solution::command));
 }
 
 const KindOfProblem::Solution& TSXproblem::solution(int number) const {
-    const KindOfProblem::Solution& found = facts().solutions[number == 2 ? 1 : 0];
-    return number >= 1 && number <= maxsolutions && found.command != 0 ? found : kinds[0].solutions[0];
+    const bool has = number >= 1 && number <= solutioncount();
+    return has ? facts().solutions[number - 1] : kinds[0].solutions[0];
 }
 
 std::string TSXproblem::id() const {

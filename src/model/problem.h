@@ -8,7 +8,6 @@
 
 #include "platform/system/cobject.h"
 #include "platform/system/filestate.h"
-#include "platform/system/text.h"
 
 class TSXdatabase;
 class TSXdatafile;
@@ -56,8 +55,8 @@ struct KindOfProblem {
         Cost cost;
         const char* effect; // on the data, behind "it"
         const char* price;  // a sentence: what is lost, and whether it can be had back
-        // 1 where it was done, also where the operation has no result of its own; else 0.
-        int (*carryout)(TSXdatabase& database, const TSXproblem& problem);
+        // On keys; none where the solution deletes or makes.
+        void (*changekeys)(TSXdatabase& database, const TSXproblem& problem);
     };
 
     std::int32_t number; // 0: no kind
@@ -81,21 +80,9 @@ int findkind(std::string_view numberorword);
 // With what an id can't hold, or would not come back from a terminal, as % and two hex digits for each byte.
 std::string encodedforid(std::string_view bytes);
 
-// A text that takes no more room than it fills: there may be as many problems as files.
-class OwnText {
-public:
-    void operator=(const char* text) { text_ = text; }
-    operator const char*() const { return text_.c_str(); }
-    const char* c_str() const { return text_.c_str(); }
-    std::string_view view() const { return text_; }
-
-private:
-    std::string text_;
-};
-
 class TSXproblem : public CObject {
 public:
-    TSXproblem(TSXdatabase& owner, int problemkind, int problemsubkind, const char* subject = "");
+    TSXproblem(TSXdatabase& owner, int problemkind, int problemsubkind, std::string_view subject = "");
 
     const KindOfProblem& facts() const { return kindofproblem(kind); }
     int solutioncount() const; // 1 or 2; 0 for an unknown kind
@@ -103,20 +90,19 @@ public:
     const KindOfProblem::Solution& solution(int number) const;
     int solutioncommand(int number) const { return solution(number).command; }
     const char* solutionlabel(int number) const { return solution(number).label; }
-    Cost solutioncost(int number) const { return solution(number).cost; }
 
     // The same in every run over the same tree, and no other problem's: the kind's word, a colon, and what it
     // is about, encoded. Looks at the disk for how names are spelled there.
     std::string id() const;
 
-    // Carries out a solution. The result of its operation, 1 where that has none of its own; 0 for a number
-    // that the kind doesn't have. The analysis that has to follow is the caller's.
+    // Carries out a solution. 1 where it was done; else 0, also for a number that the kind doesn't have. The
+    // analysis that has to follow is the caller's.
     int solve(int number) const;
 
     std::int32_t kind;
     std::int32_t subkind;
-    OwnText name;    // at most 1999 bytes
-    OwnText message; // made by the constructor; at most 2399
+    std::string name;
+    std::string message; // made by the constructor
     TSXdatabase& database;
     std::int32_t fileindex = 0; // position in its file list; set for kind 6 only
     FileState looked;           // of a side file when it was looked at

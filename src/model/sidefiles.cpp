@@ -1,87 +1,22 @@
 // What the database looks at on disk anew in each analysis: the outer form of the side files, which it
 // doesn't interpret, and the directories of the tree.
-#include <cstring>
 #include <string>
 #include <utility>
 
-#include "files/binfile.h"
 #include "files/finder.h"
 #include "model/database.h"
 #include "model/fileclass.h"
 #include "model/problem.h"
+#include "model/wholereading.h"
 #include "platform/system/errors.h"
 #include "reporting/log.h"
 
 namespace {
 
-constexpr const char* rawheaders[] = {"TX-COMP-v1.0", "TX-BUNDLE-v01.0", "TX-LIB-v1.0"};
+constexpr const char* compheader = "TX-COMP-v1.0";
 
-bool israw(const char* header) {
-    for (const char* raw : rawheaders)
-        if (std::strcmp(raw, header) == 0)
-            return true;
-    return false;
-}
-
-bool hasheader(TSXbinfile& file, const char* header) {
-    std::string found;
-    if (israw(header)) {
-        found.assign(std::strlen(header), ' ');
-        file.blockread(found.data(), static_cast<int>(found.size()));
-    } else {
-        file.readstring(found, headercapacity);
-    }
-    return found == header;
-}
-
-// Walks from chunk frame to chunk frame without reading a body.
-bool haschunks(TSXbinfile& file) {
-    char tag[tagBufferSize];
-    int result = 1;
-    while (result != -1 && file.iseof() == 0) {
-        result = file.readtag(tag);
-        if (result == 0)
-            return true;
-        if (result == 1)
-            result = file.skipchunk();
-    }
-    return result != -1;
-}
-
-// What an opening and the walk over a side file have shown.
-struct Look {
-    const char* damage = nullptr;          // in the words of the log; none if it is sound
-    FileState file;                        // as it stood
-    std::uint32_t failure = ERROR_SUCCESS; // of the disk
-    bool changed = false;                  // meanwhile, by another program
-};
-
-Look lookonce(Tree& tree, const char* path, const char* header) {
-    TSXbinfile file;
-    if (file.openread(tree, path) != 1)
-        return {"could not open", {}, GetLastError()}; // also where it has gone since it was found
-    Look look;
-    look.file = file.stateatopen();
-    if (!hasheader(file, header))
-        look.damage = "invalid header";
-    else if (!haschunks(file))
-        look.damage = "invalid tag";
-    const FileState now = file.state();
-    look.failure = file.readfailure();
-    look.changed = now != FileState() && !now.isUnchanged(look.file);
-    file.close();
-    return look;
-}
-
-// Looks once more at what another program has written meanwhile. What is written all the time can't be read.
-Look lookatfile(Tree& tree, const char* path, const char* header) {
-    Look look = lookonce(tree, path, header);
-    if (look.changed)
-        look = lookonce(tree, path, header);
-    if (look.changed)
-        look.failure = ERROR_FILE_INVALID;
-    return look;
-}
+// In the words of the log, by the outcome of a reading; none where the file is sound.
+constexpr const char* damages[] = {"could not open", "invalid header", "invalid tag", nullptr, nullptr};
 
 } // namespace
 
@@ -104,14 +39,18 @@ void TSXdatabase::scansidefiles(const char* relative, const char* extension, con
 void TSXdatabase::lookatsidefile(const TSXfinder& match, const char* path, const char* header) {
     logLine(Text<1300>().format("   found file '%s'", path));
     noteoutside(match);
-    const Look look = lookatfile(*tree, path, header);
-    if (const std::uint32_t failure = look.failure != 0 ? look.failure : match.entryfailure; failure != 0)
+    const auto leave = [](TSXbinfile&, const char*) { return Chunk::toleave; };
+    const WholeReading reading = readwhole(
+        *tree, path, header, [] {}, leave);
+    if (const std::uint32_t failure = reading.failure != 0 ? reading.failure : match.entryfailure;
+        failure != 0)
         addunreadpath(path, errorText(failure), Unread::part);
-    if (look.damage == nullptr)
+    const char* const damage = damages[reading.outcome];
+    if (damage == nullptr)
         return;
-    logLine(Text<60>().format("        ! corrupt: %s", look.damage));
+    logLine(Text<60>().format("        ! corrupt: %s", damage));
     auto problem = std::make_unique<TSXproblem>(*this, corruptsidefile, 0, path);
-    problem->looked = look.file;
+    problem->looked = reading.file;
     addproblem(std::move(problem));
 }
 
@@ -121,17 +60,15 @@ void TSXdatabase::lookatdisk() {
         list->takewaiting();
     forgetlooks();
     looking = true;
-    scanallsidefiles();
-    checkdirectories();
-    looking = false;
-}
-
-void TSXdatabase::scanallsidefiles() {
     for (const FileClass& experiments : fileclasses)
         if (*experiments.sideheader != '\0')
             scansidefiles(experiments.directory, "CNF", experiments.sideheader);
-    scansidefiles(".", "CMP", rawheaders[0]);
+    scansidefiles(".", "CMP", compheader);
     scanlibraries();
+    checkdirectory(directory);
+    for (const char* name : treedirectories)
+        checkdirectory(Text<700>().format("%s\\%s", directory.c_str(), name));
+    looking = false;
 }
 
 void TSXdatabase::scanlibraries() {
@@ -145,7 +82,7 @@ void TSXdatabase::scanlibraries() {
     for (; match != 0; match = finder.findnext()) {
         const std::string path = std::string(directory) + "/Library/" + finder.entryname.c_str();
         if (finder.entrykind == TSXfinder::directory)
-            scansidefiles(Text<420>().format("Library/%s", finder.entryname.c_str()), "CMP", rawheaders[0]);
+            scansidefiles(Text<420>().format("Library/%s", finder.entryname.c_str()), "CMP", compheader);
         else if (finder.entryfailure != 0)
             addunreadpath(path, errorText(finder.entryfailure), Unread::part);
         else if (!tree->enter(tree->below(path)))
@@ -169,10 +106,4 @@ void TSXdatabase::checkdirectory(const char* fullpath) {
     else if (!tree->look(name, Links::refused, entry) && entry.state.kind != EntryState::missing)
         logLine(("   no directory '" + entry.name + "': A file of that name stands there.").c_str());
     addproblem(std::make_unique<TSXproblem>(*this, missingdirectory, 1, fullpath));
-}
-
-void TSXdatabase::checkdirectories() {
-    checkdirectory(directory);
-    for (const char* name : treedirectories)
-        checkdirectory(Text<700>().format("%s\\%s", directory.c_str(), name));
 }

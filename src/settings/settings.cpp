@@ -1,9 +1,6 @@
 #include "settings/settings.h"
 
-#include <string>
-
 #include "platform/registry/registry.h"
-#include "settings/edition.h"
 
 const char* const notStartedText = "The software is not properly started. Please run the startup program";
 const char* const noValidDatabaseText = "No valid database specified";
@@ -14,9 +11,17 @@ constexpr const char* homeValue = "Home Directory";
 constexpr const char* currentValue = "Current Database";
 constexpr std::size_t maxvalue = 998; // bytes; a longer one is not taken: cut, it could name another place
 
+constexpr const char* placesKey = "txinspect\\Windows"; // beside the product's own settings
+
+constexpr Edition editions[] = {
+    {0, 1, "Hesperon Labs", "Trelvanexis", "txstart"},
+    {0, 2, "Hesperon Labs", "Marliskon XT", "mkstart"},
+    {1, 1, "KELDARO", "Ondravel Spectrum Corenetics", "ovistart"},
+    {1, 2, "KELDARO", "Ondravel Spectrum", "ovstart"},
+};
+
 std::string storePath() {
-    return std::string("SOFTWARE\\") + makerName(makerId(), productId()) + "\\" +
-           productName(makerId(), productId()) + "\\1.0";
+    return std::string("SOFTWARE\\") + edition().makerName + "\\" + edition().productName + "\\1.0";
 }
 
 bool readValue(const HKEY& key, const char* name, Text<2000>& value) {
@@ -28,6 +33,10 @@ bool readValue(const HKEY& key, const char* name, Text<2000>& value) {
 }
 
 } // namespace
+
+const Edition& edition() {
+    return editions[0];
+}
 
 bool readSettingsStore(DatabaseSettings& settings) {
     HKEY key;
@@ -51,4 +60,19 @@ bool writeSettingsStore(const DatabaseSettings& settings) {
     write(currentValue, settings.currentDatabase);
     RegCloseKey(key);
     return result;
+}
+
+std::string readWindowPlace(const char* window) {
+    std::string place;
+    HKEY key;
+    if (RegOpenKeyExA(placesKey, key) == 0)
+        RegQueryValueExA(key, window, place);
+    return place;
+}
+
+void writeWindowPlace(const char* window, const std::string& place) {
+    HKEY key;
+    RegCreateKeyExA(placesKey, key);
+    if (!place.empty())
+        RegSetValueExA(key, window, place);
 }

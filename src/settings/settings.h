@@ -1,6 +1,7 @@
-// Which database is the current one: two values of the per-user settings store, and the settings file of that
-// database in the home directory.
+// What the per-user settings store keeps: which database is the current one, and where the windows stood.
 #pragma once
+
+#include <string>
 
 #include "files/databasefile.h"
 
@@ -14,3 +15,18 @@ bool writeSettingsStore(const DatabaseSettings& settings);
 
 extern const char* const notStartedText;      // the settings store lacks a value
 extern const char* const noValidDatabaseText; // the settings file can't be opened
+
+// Where a window stood when it was closed last, the same for all databases; a text of the window layer, empty
+// where none is kept. What can't be written is not remembered, which is no reason to disturb anybody.
+std::string readWindowPlace(const char* window);
+void writeWindowPlace(const char* window, const std::string& place);
+
+// Under which names the settings store keeps its values and the start-up program is found.
+struct Edition {
+    int makerId;
+    int productId;
+    const char* makerName;
+    const char* productName;
+    const char* startProgram;
+};
+const Edition& edition(); // that this system is

@@ -239,7 +239,7 @@ void TSXmainframe::describeProblem() {
     std::string text;
     for (int n = 1; problem != nullptr && n <= problem->solutioncount(); ++n)
         text += std::string(problem->solutionlabel(n)) + ": " +
-                costs[static_cast<std::size_t>(problem->solutioncost(n))] + ". ";
+                costs[static_cast<std::size_t>(problem->solution(n).cost)] + ". ";
     say(problem == nullptr ? text : text + problem->facts().meaning);
 }
 

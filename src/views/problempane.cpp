@@ -50,7 +50,7 @@ void TSXproblempane::updateScrollRange() {
 void TSXproblempane::placeButtons(CDC& dc, int width) {
     solveX = 0;
     for (int r = 1; r <= database->problemcount; ++r) {
-        const SIZE extent = dc.GetTextExtentPoint32A(database->getproblem(r)->message);
+        const SIZE extent = dc.GetTextExtentPoint32A(database->getproblem(r)->message.c_str());
         solveX = std::max(solveX, messageX + extent.cx + gap);
     }
     solveX = std::min(solveX, width - buttonWidth);
@@ -66,7 +66,7 @@ void TSXproblempane::paintPane(CDC& dc) {
         const int top = rowTop(r);
         dc.SetBkColor(rowColour(r == owner.selectedProblem));
         dc.SetTextColor(RGB(0, 0, 0));
-        paintCell(dc, messageX, {0, top, width, top + rowHeight}, database->getproblem(r)->message);
+        paintCell(dc, messageX, {0, top, width, top + rowHeight}, database->getproblem(r)->message.c_str());
         paintSolveButton(dc, solveX, top, false);
     }
     if (database->problemcount > 0)

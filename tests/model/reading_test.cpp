@@ -1,5 +1,4 @@
 #include "databasetest.h"
-#include "model/unread.h"
 #include "platform/system/faults.h"
 
 namespace {
@@ -68,7 +67,7 @@ TEST_F(ReadingTest, TakesWhatWasPassedOverForAFileThatHasGone) {
     put(3, "c", dataFile(3, "T", {"a"}));
     load();
     EXPECT_EQ(namesIn(3), (Texts{"b.DEF", "c.DEF"}));
-    EXPECT_EQ(database->deletecorruptfile(3, 1), 1);
+    EXPECT_EQ(database->getproblem(database->problemcount)->solve(1), 1);
     database->analyse();
     EXPECT_EQ(namesIn(3), (Texts{"b.def", "c.DEF", "D.DEF"}));
     EXPECT_EQ(unread(), Texts());

@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <nlohmann/json.hpp>
-#include <string_view>
 #include <vector>
 
 #include "platform/system/bytestream.h"
@@ -18,20 +17,15 @@ using Json = nlohmann::json;
 
 class RegistryKey {
 public:
-    std::vector<std::string> path;
-    Json values; // as they stood when the key was opened; none where it is open for writing
+    std::string path; // with / between its parts and in front
+    Json values;      // as they stood when the key was opened; none where it is open for writing
 };
 
 namespace {
 
-std::vector<std::string> partsOf(std::string_view subkey) {
-    std::vector<std::string> parts(1);
-    for (const char byte : subkey)
-        if (byte == '\\')
-            parts.emplace_back();
-        else
-            parts.back() += byte;
-    return parts;
+std::string pathOf(std::string subkey) {
+    std::ranges::replace(subkey, '\\', '/');
+    return '/' + subkey;
 }
 
 // False where the disk does not give the store. One that is missing or damaged holds nothing.
@@ -91,14 +85,11 @@ std::string registryFile() {
 }
 
 int RegOpenKeyExA(const char* subkey, HKEY& key) {
-    auto opened = std::make_shared<RegistryKey>(RegistryKey{partsOf(subkey), {}});
-    if (!readStore(opened->values))
+    Json store;
+    const Json::json_pointer place(pathOf(subkey));
+    if (!readStore(store) || !store.contains(place) || !store[place].is_object())
         return static_cast<int>(ERROR_FILE_NOT_FOUND);
-    for (const std::string& part : opened->path)
-        opened->values = Json(opened->values.is_object() ? opened->values.value(part, Json()) : Json());
-    if (!opened->values.is_object())
-        return static_cast<int>(ERROR_FILE_NOT_FOUND);
-    key = std::move(opened);
+    key = std::make_shared<RegistryKey>(RegistryKey{pathOf(subkey), store[place]});
     return 0;
 }
 
@@ -109,21 +100,15 @@ int RegQueryValueExA(const HKEY& key, const char* name, std::string& value) {
 }
 
 void RegCreateKeyExA(const char* subkey, HKEY& key) {
-    key = std::make_shared<RegistryKey>(RegistryKey{partsOf(subkey), {}});
+    key = std::make_shared<RegistryKey>(RegistryKey{pathOf(subkey), {}});
 }
 
 int RegSetValueExA(const HKEY& key, const char* name, const std::string& value) {
     Json store;
+    Json change;
     const bool known = readStore(store);
-    std::vector<std::string> path = key->path;
-    path.emplace_back(name);
-    Json* place = &store;
-    for (const std::string& part : path) {
-        if (!place->is_object())
-            *place = Json::object();
-        place = &(*place)[part];
-    }
-    *place = stored(value);
+    change[Json::json_pointer(key->path + '/' + name)] = stored(value);
+    store.merge_patch(change);
     return static_cast<int>(known && writeStore(store.dump(4) + "\n") ? ERROR_SUCCESS : ERROR_ACCESS_DENIED);
 }
 

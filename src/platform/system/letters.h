@@ -30,3 +30,8 @@ inline int compareIgnoringCase(std::string_view a, std::string_view b) {
 inline bool equalIgnoringCase(std::string_view a, std::string_view b) {
     return a.size() == b.size() && compareIgnoringCase(a, b) == 0;
 }
+
+// The order of containers whose texts are the same in capitals and small letters.
+struct BeforeIgnoringCase {
+    bool operator()(std::string_view a, std::string_view b) const { return compareIgnoringCase(a, b) < 0; }
+};
