@@ -190,9 +190,30 @@ bool Steps::solveAll(const SolveStep& step) {
     const int count = TSXproblem(database, step.kind, 0).solutioncount();
     if (step.number < 1 || step.number > count)
         return refuse(step.given + ": problems of this kind have " + counted(count, "solution", "solutions"));
+    if (kindofproblem(step.kind).concernskey == nullptr)
+        return solveTogether(step);
     return solveEach(
         [&](const TSXproblem& problem, int) { return problem.kind == step.kind ? step.number : 0; },
         step.given, false);
+}
+
+// What deletes or makes goes as one group with one analysis behind it; what comes up then is left.
+bool Steps::solveTogether(const SolveStep& step) {
+    std::vector<const TSXproblem*> chosen;
+    const std::size_t before = solved.size();
+    for (int row = 1; row <= database.problemcount; ++row)
+        if (const TSXproblem& problem = *database.getproblem(row); problem.kind == step.kind) {
+            chosen.push_back(&problem);
+            solved.push_back(record(problem, row, problem.id(), step.number, 0));
+        }
+    const std::vector<int> results = database.solvetogether(chosen);
+    for (std::size_t i = 0; i < results.size(); ++i)
+        solved[before + i].result = results[i];
+    const bool complete = std::ranges::count(results, 0) == 0;
+    failed = failed || !complete;
+    if (!std::ranges::all_of(results, [](int result) { return result == 0; }))
+        analyse();
+    return complete;
 }
 
 // Where the entries or experiments are not there, as under a share that isn't mounted, what else looks wrong

@@ -61,6 +61,7 @@ private:
     int rowAtLoad(const SolveStep& step) const;
     bool solve(const SolveStep& step);
     bool solveAll(const SolveStep& step);
+    bool solveTogether(const SolveStep& step);
     bool solveRow(int row, int number, const std::string& given);
     bool passGone(const Loaded& gone, const SolveStep& step);
     bool solveEach(const Choice& choose, const std::string& given, bool goOn);

@@ -106,7 +106,7 @@ private:
     std::string whykept(const Target& file, Change& change) {
         Entry entry;
         if (file.unread)
-            return "It could not be read, so it can't be known whether it is empty.\n"
+            return "It could not be read, so nothing is known of what is in it.\n"
                    "Put that right, and inspect the database again.";
         Failure failure = tree.look(change.file, Links::refused, entry);
         if (!failure && !entry.outside.empty())
@@ -210,7 +210,8 @@ std::vector<int> TSXdatabase::solvetogether(const std::vector<const TSXproblem*>
     AtOnce(*this).run(targets);
     std::vector<int> results;
     for (std::size_t first = 0; const std::size_t end : ends) {
-        results.push_back(resultof(std::span(targets).subspan(first, end - first)));
+        const int result = resultof(std::span(targets).subspan(first, end - first));
+        results.push_back(committer->isopen() ? 0 : result); // which may not all be on the disk
         first = end;
     }
     leavelists(*this, targets);

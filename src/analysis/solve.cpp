@@ -56,7 +56,7 @@ int TSXproblem::solve(int number) const {
         return 0;
     }
     if (facts().concernskey == nullptr)
-        return database.solvetogether({this})[0] != 0 && !database.committer->isopen() ? 1 : 0;
+        return database.solvetogether({this})[0] != 0 ? 1 : 0;
     auto& left = database.leftout;
     left.clear();
     solution(number).changekeys(database, *this);

@@ -591,6 +591,8 @@ class Run:
         return done
 
     def solve_step(self, is_all, what, n):
+        if is_all and what in ("1", "5", "6", "7", "empty", "missing", "corrupt", "side"):
+            return self.solve_together(what, int(n))
         if is_all:
             return self.solve_each(lambda p: int(n) if what in (WORDS[p.kind], str(p.kind)) else 0, False)
         meant = self.loaded[int(what) - 1] if what.isdigit() else next(p for p in self.loaded if p.id == what)
@@ -600,6 +602,17 @@ class Run:
         self.solved.append({"row": int(what) if what.isdigit() else 0, "id": meant.id,
                             "command": SOLUTIONS[meant.kind][int(n) - 1][0], "result": 2})
         return True
+
+    def solve_together(self, what, n):
+        """What deletes or makes goes as one group with one analysis behind it; the last first, so that positions stay."""
+        chosen = [(row, p) for row, p in enumerate(self.database.problems, 1) if what in (WORDS[p.kind], str(p.kind))]
+        command = SOLUTIONS[chosen[0][1].kind][n - 1][0] if chosen else 0
+        results = [self.database.solve(p, command) for _, p in reversed(chosen)][::-1]
+        self.solved += [{"row": row, "id": p.id, "command": command, "result": int(done)}
+                        for (row, p), done in zip(chosen, results)]
+        if any(results):
+            self.database.analyse()
+        return all(results)
 
     def solve_each(self, choose, goes_on):
         """Solves the first problem for which a solution is chosen, then looks at the new list from the top."""
