@@ -23,7 +23,7 @@ bool hasPlainFile(Tree& tree, const char* pattern) {
          match = finder.findnext())
         found = found || finder.entrykind == TSXfinder::file;
     finder.findclose();
-    return found || !finder.passedover.empty();
+    return found;
 }
 
 } // namespace
