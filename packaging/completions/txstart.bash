@@ -7,7 +7,7 @@ _txstart() {
     --add | --database) return ;;
     esac
     if [[ $cur == -* ]]; then
-        COMPREPLY=($(compgen -W "--home --add --database --inspect --version --help" -- "$cur"))
+        COMPREPLY=($(compgen -W "--home --add --yes --database --inspect --version --help" -- "$cur"))
     else
         _filedir -d
     fi

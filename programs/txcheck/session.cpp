@@ -1,7 +1,9 @@
 #include "session.h"
 
+#include <optional>
 #include <sstream>
 
+#include "analysis/progress.h"
 #include "changes/restore.h"
 #include "concern.h"
 #include "ending.h"
@@ -9,7 +11,6 @@
 #include "model/problem.h"
 #include "pageform.h"
 #include "platform/system/messagebox.h"
-#include "progress.h"
 #include "reporting/log.h"
 #include "reporting/report.h"
 #include "status.h"
@@ -120,11 +121,12 @@ void Session::tellUnread() {
 }
 
 void Session::run() {
-    if (options.progress)
-        database.fileread = [progress = Progress(*database.tree)](const TSXdatafile& file) mutable {
-            progress.show(file);
-        };
-    database.load(std::string(database.directory).c_str());
+    {
+        std::optional<Progress> progress;
+        if (options.progress)
+            progress.emplace(database, [](int /*percent*/, const std::string& text) { tellProgress(text); });
+        database.load(std::string(database.directory).c_str());
+    }
     loaded = true;
     endProgress();
     tellUnread();

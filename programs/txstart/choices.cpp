@@ -2,9 +2,10 @@
 
 #include <filesystem>
 
+#include "model/marker.h"
 #include "platform/system/errors.h"
 #include "platform/system/path.h"
-#include "platform/system/startprogram.h"
+#include "platform/system/tree.h"
 #include "settings/settings.h"
 
 namespace {
@@ -47,7 +48,24 @@ std::string writeStore(const DatabaseSettings& settings) {
     return writeSettingsStore(settings) ? std::string() : "The settings can't be written";
 }
 
+std::string unreadable(const DatabaseSettings& settings) {
+    return "There is no database " + quoted(settings.currentDatabase.c_str()) + " in the home directory " +
+           quoted(settings.homeDirectory.c_str()) + ": " + quoted(databaseFilePath(settings)) +
+           " can't be read. " + errorText(GetLastError());
+}
+
+std::string writeDirectory(DatabaseSettings settings, const std::string& directory) {
+    std::string reason;
+    settings.databaseDirectory = absoluteDirectory(directory, reason).c_str();
+    if (reason.empty() && !writeDatabaseFile(settings))
+        reason = "The settings of the database can't be written in " +
+                 quoted(settings.homeDirectory.c_str()) + ". " + errorText(GetLastError());
+    return reason;
+}
+
 } // namespace
+
+const char* const endedEarly = "The program txinspect has ended before its window was there";
 
 std::string currentHome() {
     return readStore().homeDirectory.c_str();
@@ -74,9 +92,15 @@ std::string chooseDatabase(const std::string& home, const std::string& name) {
         return "No home directory is chosen yet";
     DatabaseSettings settings = settingsOf(home, name);
     if (name.empty() || !readDatabaseFile(settings))
-        return "There is no database " + quoted(name) + " in the home directory " + quoted(home) + ": " +
-               quoted(databaseFilePath(settings)) + " can't be read. " + errorText(GetLastError());
+        return unreadable(settings);
     return writeStore(settings);
+}
+
+std::string doubtOf(const std::string& directory) {
+    Tree tree;
+    if (tree.open(resolvePath(directory)) || isDatabase(tree))
+        return {};
+    return quoted(directory) + " holds neither a directory of a database nor a *.CMP file";
 }
 
 std::string addDatabase(const std::string& home, const std::string& name, const std::string& directory) {
@@ -84,23 +108,44 @@ std::string addDatabase(const std::string& home, const std::string& name, const 
         return "No home directory is chosen yet";
     if (name.empty() || name.find_first_of("/\\\r\n") != std::string::npos)
         return "The name of a database is not empty and has no slash, backslash or line break in it";
-    DatabaseSettings settings = settingsOf(home, name);
     if (pathExists(home + "/" + name + std::string(extension)))
         return "There is a database " + quoted(name) + " already";
-    std::string reason;
-    settings.databaseDirectory = absoluteDirectory(directory, reason).c_str();
-    if (!reason.empty())
-        return reason;
-    if (writeDatabaseFile(settings))
-        return {};
-    return "The settings of the database can't be written in " + quoted(home) + ". " +
-           errorText(GetLastError());
+    return writeDirectory(settingsOf(home, name), directory);
 }
 
-std::string startInspecting() {
+std::string moveDatabase(const std::string& home, const std::string& name, const std::string& directory) {
+    DatabaseSettings settings = settingsOf(home, name);
+    return readDatabaseFile(settings) ? writeDirectory(settings, directory) : unreadable(settings);
+}
+
+std::string forgetDatabase(const std::string& home, const std::string& name) {
+    Tree place;
+    Entry entry;
+    const std::string file = name + std::string(extension);
+    Failure failure = place.open(home);
+    if (!failure)
+        failure = place.look(file, Links::refused, entry);
+    if (!failure)
+        failure = place.remove(file, entry.file);
+    return failure ? quoted(home + "/" + file) + " can't be removed. " + failure.text() : std::string();
+}
+
+std::string startInspecting(StartedProgram& tool) {
     constexpr int started = 32; // and above
-    const int result = WinExec("txinspect");
+    const int result = tool.start("txinspect");
     if (result >= started)
         return {};
     return "The program txinspect can't be started. " + errorText(static_cast<std::uint32_t>(result));
+}
+
+std::string inspectCurrent() {
+    StartedProgram tool;
+    std::string reason = startInspecting(tool);
+    StartNews news = StartNews::failed;
+    for (std::string text; reason.empty() && news != StartNews::stands;)
+        if (!tool.hear(news, text))
+            reason = endedEarly;
+        else if (news == StartNews::refused || news == StartNews::failed)
+            reason = text;
+    return reason;
 }

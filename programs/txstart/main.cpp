@@ -6,10 +6,17 @@
 #include "choices.h"
 #include "options.h"
 #include "platform/system/standardstreams.h"
+#include "platform/window/winapp.h"
 #include "reporting/printable.h"
 #include "startwindow.h"
 
 namespace {
+
+std::string add(const std::string& name, const std::string& directory, bool doubtful) {
+    const std::string doubt = doubtful ? "" : doubtOf(directory);
+    return doubt.empty() ? addDatabase(currentHome(), name, directory)
+                         : doubt + ". --yes adds it all the same";
+}
 
 // The reason of the first step that fails, which ends the work; empty on success.
 std::string carryOut(const Options& options) {
@@ -17,16 +24,18 @@ std::string carryOut(const Options& options) {
     if (options.home)
         reason = chooseHome(*options.home);
     if (reason.empty() && !options.add.empty())
-        reason = addDatabase(currentHome(), options.add[0], options.add[1]);
+        reason = add(options.add[0], options.add[1], options.yes);
     if (reason.empty() && options.database)
         reason = chooseDatabase(currentHome(), *options.database);
     if (reason.empty() && options.inspect)
-        reason = startInspecting();
+        reason = inspectCurrent();
     return reason;
 }
 
 int showWindow(int argc, char** argv) {
+    expectDisplay(true);
     QApplication application(argc, argv);
+    expectDisplay(false);
     QApplication::setDesktopFileName(QStringLiteral("org.txinspect.TxInspect"));
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("txinspect")));
     StartWindow window;

@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <iostream>
 
+#include "reporting/printable.h"
+
 namespace {
 
 constexpr const char* about =
@@ -12,13 +14,16 @@ constexpr const char* about =
 void addOptions(CLI::App& app, Options& options) {
     app.set_help_flag("--help", "Print this help and leave");
     app.set_version_flag("--version", "txstart " TX_VERSION);
-    app.add_option("--home", options.home, "Make this the home directory")->type_name("DIR");
+    app.add_option("--home", options.home,
+                   "Make this the home directory, which holds the settings of all databases and\nthe log")
+        ->type_name("DIR");
     app.add_option("--add", options.add, "Write the settings file of a new database into the home directory")
         ->type_name("NAME DIRECTORY")
         ->type_size(2) // both are taken as they stand, also where they look like options
         ->allow_extra_args(false);
     app.add_option("--database", options.database, "Make this the current database")->type_name("NAME");
-    app.add_flag("--inspect", options.inspect, "Start txinspect");
+    app.add_flag("-y,--yes", options.yes, "Add a directory also where nothing of a database stands in it");
+    app.add_flag("--inspect", options.inspect, "Start txinspect, and wait for its window");
 }
 
 } // namespace
@@ -29,9 +34,12 @@ std::optional<Options> parseOptions(int argc, char** argv, int& status) {
     addOptions(app, options);
     try {
         app.parse(argc, argv);
+        return options;
+    } catch (const CLI::Success& wish) { // --help, --version
+        status = app.exit(wish);
     } catch (const CLI::ParseError& error) {
-        status = app.exit(error, std::cout, std::cerr) == 0 ? statusDone : statusUsage;
-        return std::nullopt;
+        std::cerr << "txstart: " << printable(error.what()) << ". --help tells the usage" << std::endl;
+        status = statusUsage;
     }
-    return options;
+    return std::nullopt;
 }

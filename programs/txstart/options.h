@@ -9,6 +9,7 @@ struct Options {
     std::optional<std::string> home;
     std::optional<std::string> database;
     std::vector<std::string> add; // a name and a directory, or nothing
+    bool yes = false;             // add also a directory that holds no database
     bool inspect = false;
 
     bool nothingAsked() const { return !home && !database && add.empty() && !inspect; }

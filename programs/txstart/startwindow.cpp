@@ -9,8 +9,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QProgressDialog>
 #include <QPushButton>
 #include <QScreen>
+#include <QSocketNotifier>
 #include <QTreeWidget>
 #include <algorithm>
 
@@ -23,6 +25,10 @@ namespace {
 // A name as it is on disk travels with its row: what is shown may differ where it is not valid text.
 constexpr int nameRole = Qt::UserRole;
 
+constexpr const char* homeText =
+    "It holds a small file with the settings of each database, and the log; it is no database itself. An "
+    "empty directory will do.";
+
 QString shown(const std::string& bytes) {
     return QFile::decodeName(bytes.c_str());
 }
@@ -33,32 +39,39 @@ std::string bytes(const QString& text) {
 
 } // namespace
 
-StartWindow::StartWindow() : QDialog(nullptr, Qt::Window), home_(currentHome()) {
+StartWindow::StartWindow()
+    : QDialog(nullptr, Qt::Window), home_(currentHome()),
+      homeField_(new QLineEdit), // not a label, which a long path would make as wide as itself
+      hint_(new QLabel), list_(new QTreeWidget) {
     setWindowTitle(QStringLiteral("Databases - %1").arg(QString::fromLatin1(edition().productName)));
-    homeField_ = new QLineEdit; // not a label, which a long path would make as wide as itself
     homeField_->setReadOnly(true);
-    hint_ = new QLabel;
-    list_ = new QTreeWidget;
+    homeField_->setToolTip(QString::fromLatin1(homeText));
+    hint_->setWordWrap(true);
     list_->setHeaderLabels({QStringLiteral("Database"), QStringLiteral("Directory")});
     list_->setRootIsDecorated(false);
     list_->setAllColumnsShowFocus(true);
     list_->setTextElideMode(Qt::ElideMiddle);
-    inspectButton_ = addButton("&Inspect", &StartWindow::inspect);
-    addButton_ = addButton("&Add...", &StartWindow::add);
-    homeButton_ = addButton("&Home directory...", &StartWindow::chooseHomeDirectory);
-    quitButton_ = addButton("&Quit", &StartWindow::quit);
+    homeButton_ = addButton("&Home directory...", homeText, &StartWindow::chooseHomeDirectory);
+    addButton_ = addButton("&Add...", "Makes another database known here", &StartWindow::add);
+    moveButton_ =
+        addButton("&Directory...", "Tells where the database is, when it has moved", &StartWindow::move);
+    forgetButton_ =
+        addButton("&Remove", "Takes the database off this list; its files stay", &StartWindow::forget);
+    quitButton_ = addButton("&Quit", "", &StartWindow::quit);
+    inspectButton_ = addButton("&Inspect", "", &StartWindow::inspect);
     layOut();
     connect(list_, &QTreeWidget::itemSelectionChanged, this, &StartWindow::updateButtons);
     connect(list_, &QTreeWidget::itemDoubleClicked, this,
             &StartWindow::inspect); // Return takes the default button
-    fillList();
+    fillList(currentDatabaseName());
     list_->setFocus();
     const QSize wanted(90 * fontMetrics().averageCharWidth(), 24 * fontMetrics().height());
     resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // room for a long path
 }
 
-QPushButton* StartWindow::addButton(const char* text, void (StartWindow::*action)()) {
+QPushButton* StartWindow::addButton(const char* text, const char* hint, void (StartWindow::*action)()) {
     auto* button = new QPushButton(QString::fromLatin1(text));
+    button->setToolTip(QString::fromLatin1(hint));
     connect(button, &QPushButton::clicked, this, action);
     return button;
 }
@@ -69,7 +82,8 @@ void StartWindow::layOut() {
     top->addWidget(homeField_, 1);
     top->addWidget(homeButton_);
     auto* bottom = new QHBoxLayout;
-    bottom->addWidget(addButton_);
+    for (QPushButton* button : {addButton_, moveButton_, forgetButton_})
+        bottom->addWidget(button);
     bottom->addStretch(1);
     bottom->addWidget(quitButton_);
     bottom->addWidget(inspectButton_);
@@ -80,13 +94,16 @@ void StartWindow::layOut() {
     all->addLayout(bottom);
 }
 
-void StartWindow::fillList() {
+void StartWindow::fillList(const std::string& selected) {
     list_->clear();
-    const std::string current = currentDatabaseName();
     for (const std::string& name : home_.empty() ? std::vector<std::string>() : databaseNames(home_)) {
-        auto* row = new QTreeWidgetItem(list_, {shown(name), shown(directoryOfDatabase(home_, name))});
+        const std::string directory = directoryOfDatabase(home_, name);
+        const bool there = QDir(shown(directory)).exists();
+        auto* row = new QTreeWidgetItem(
+            list_, {shown(name), (there ? QString() : QStringLiteral("Not there: ")) + shown(directory)});
+        row->setToolTip(1, shown(directory));
         row->setData(0, nameRole, QByteArray::fromStdString(name));
-        if (name == current)
+        if (name == selected)
             list_->setCurrentItem(row);
     }
     if (list_->currentItem() == nullptr)
@@ -96,7 +113,7 @@ void StartWindow::fillList() {
     homeField_->setText(home_.empty() ? QStringLiteral("none chosen yet") : shown(home_));
     hint_->setText(
         home_.empty()
-            ? QStringLiteral("Choose the home directory first: it holds the settings of all databases.")
+            ? QStringLiteral("Choose the home directory first. %1").arg(QString::fromLatin1(homeText))
             : QStringLiteral("There is no database in the home directory yet. Add one."));
     hint_->setVisible(list_->topLevelItemCount() == 0);
     updateButtons();
@@ -104,10 +121,16 @@ void StartWindow::fillList() {
 
 void StartWindow::updateButtons() {
     const bool selected = !list_->selectedItems().isEmpty();
-    inspectButton_->setEnabled(selected);
+    for (QPushButton* button : {moveButton_, forgetButton_, inspectButton_})
+        button->setEnabled(selected && !tool_);
     addButton_->setEnabled(!home_.empty());
     QPushButton* next = home_.empty() ? homeButton_ : selected ? inspectButton_ : addButton_;
     next->setDefault(true);
+}
+
+std::string StartWindow::selectedName() const {
+    const QTreeWidgetItem* row = list_->currentItem();
+    return row == nullptr ? std::string() : row->data(0, nameRole).toByteArray().toStdString();
 }
 
 bool StartWindow::failed(const std::string& reason) {
@@ -119,40 +142,113 @@ bool StartWindow::failed(const std::string& reason) {
     return true;
 }
 
+bool StartWindow::agreed(const std::string& question) {
+    QMessageBox box(QMessageBox::Question, windowTitle(), shown(question), QMessageBox::Yes | QMessageBox::No,
+                    this);
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
+}
+
+std::string StartWindow::askForDirectory(const char* title, const std::string& present) {
+    return bytes(QFileDialog::getExistingDirectory(this, QString::fromLatin1(title), shown(present)));
+}
+
 void StartWindow::chooseHomeDirectory() {
-    const QString directory =
-        QFileDialog::getExistingDirectory(this, QStringLiteral("Home directory"), shown(home_));
-    if (directory.isEmpty() || failed(chooseHome(bytes(directory))))
+    const std::string directory =
+        askForDirectory("Home directory, for the settings of all databases and the log", home_);
+    if (directory.empty() || failed(chooseHome(directory)))
         return;
     home_ = currentHome();
-    fillList();
+    fillList(currentDatabaseName());
 }
 
 void StartWindow::add() {
-    const QString directory =
-        QFileDialog::getExistingDirectory(this, QStringLiteral("Directory of the database"));
-    if (directory.isEmpty())
+    const std::string directory = askForDirectory("Directory of the database", "");
+    const std::string doubt = directory.empty() ? "" : doubtOf(directory);
+    if (directory.empty() || (!doubt.empty() && !agreed(doubt + ". Add it all the same?")))
         return;
     bool accepted = false;
     const QString name =
         QInputDialog::getText(this, QStringLiteral("Add a database"), QStringLiteral("Name of the database:"),
-                              QLineEdit::Normal, QDir(directory).dirName(), &accepted);
-    if (!accepted || failed(addDatabase(home_, bytes(name), bytes(directory))))
+                              QLineEdit::Normal, QDir(shown(directory)).dirName(), &accepted);
+    if (accepted && !failed(addDatabase(home_, bytes(name), directory)))
+        fillList(bytes(name));
+}
+
+void StartWindow::move() {
+    const std::string name = selectedName();
+    const std::string directory =
+        askForDirectory("Directory of the database", directoryOfDatabase(home_, name));
+    const std::string doubt = directory.empty() ? "" : doubtOf(directory);
+    if (directory.empty() || (!doubt.empty() && !agreed(doubt + ". Take it all the same?")))
         return;
-    fillList();
-    const auto rows = list_->findItems(name, Qt::MatchExactly);
-    if (!rows.isEmpty())
-        list_->setCurrentItem(rows.first());
+    if (!failed(moveDatabase(home_, name, directory)))
+        fillList(name);
+}
+
+void StartWindow::forget() {
+    const std::string name = selectedName();
+    if (agreed("Take the database '" + name + "' off the list?\nIts directory '" +
+               directoryOfDatabase(home_, name) + "' stays as it is; only '" + name +
+               ".dbs' in the home directory is deleted.") &&
+        !failed(forgetDatabase(home_, name)))
+        fillList("");
 }
 
 void StartWindow::inspect() {
-    const QTreeWidgetItem* row = list_->currentItem();
-    if (row == nullptr)
+    const std::string name = selectedName();
+    if (tool_ || name.empty() || failed(chooseDatabase(home_, name)))
         return;
-    const std::string name = row->data(0, nameRole).toByteArray().toStdString();
-    if (failed(chooseDatabase(home_, name)) || failed(startInspecting()))
+    auto tool = std::make_unique<StartedProgram>();
+    if (failed(startInspecting(*tool)))
         return;
-    quit();
+    tool_ = std::move(tool);
+    waiting_ = new QProgressDialog(QStringLiteral("Starting..."), QString(), 0, 100, this);
+    auto* cancel = new QPushButton(QStringLiteral("Cancel"));
+    cancel->setAutoDefault(false); // a key that is still held from "Inspect" cancels nothing
+    waiting_->setCancelButton(cancel);
+    waiting_->setWindowTitle(QStringLiteral("Reading %1").arg(shown(name)));
+    waiting_->setWindowModality(Qt::WindowModal);
+    waiting_->setAutoClose(false);
+    waiting_->setAutoReset(false);
+    waiting_->setMinimumDuration(500); // milliseconds
+    connect(waiting_, &QProgressDialog::canceled, this, [this] { tool_->stop(); });
+    connect(new QSocketNotifier(tool_->descriptor(), QSocketNotifier::Read, waiting_),
+            &QSocketNotifier::activated, this, &StartWindow::hearTool);
+    updateButtons();
+}
+
+// The tool goes on as soon as its window stands, or has ended.
+void StartWindow::hearTool() {
+    StartNews news = StartNews::failed;
+    std::string text = endedEarly;
+    const bool told = tool_->hear(news, text);
+    const bool cancelled = waiting_->wasCanceled();
+    if (told && news == StartNews::progress) {
+        if (!cancelled)
+            showProgress(text);
+        return;
+    }
+    endWaiting();
+    if (news == StartNews::stands)
+        quit();
+    else if (news == StartNews::failed && !cancelled)
+        failed(text);
+}
+
+// A percentage, and in words what it is of.
+void StartWindow::showProgress(const std::string& text) {
+    waiting_->setLabelText(shown(text.substr(text.find(' ') + 1)));
+    waiting_->setValue(std::atoi(text.c_str()));
+}
+
+void StartWindow::endWaiting() {
+    waiting_->findChild<QSocketNotifier*>()->setEnabled(false);
+    waiting_->hide();
+    waiting_->deleteLater(); // what it does may have led here
+    tool_.reset();
+    updateButtons();
 }
 
 void StartWindow::quit() {

@@ -27,9 +27,14 @@ void TSXdatabase::analyse() {
 }
 
 void TSXdatabase::judgekeys() {
+    constexpr int indexedpercent = 75; // of the time that it takes
     keyproblems.clear();
     visiblekeys.resize(1);
+    if (judged)
+        judged(0);
     indexfiles();
+    if (judged)
+        judged(indexedpercent);
     findproblems();
     visiblecount = static_cast<std::int32_t>(visiblekeys.size()) - 1;
     keysjudged = true;

@@ -3,11 +3,13 @@
 #include <memory>
 #include <string>
 
+#include "analysis/progress.h"
 #include "app/application.h"
 #include "changes/finish.h"
 #include "model/database.h"
 #include "model/marker.h"
 #include "platform/system/directory.h"
+#include "platform/system/startprogram.h"
 #include "platform/window/msgbox.h"
 #include "reporting/log.h"
 #include "reporting/report.h"
@@ -27,10 +29,16 @@ namespace {
 std::shared_ptr<Tree> heldTree; // the database's directory
 std::string waiting;            // what keeps this run from changing anything; empty: nothing
 
-// An exit from inside the constructor leaves without the destructor, and so without the start-up program.
+// An exit from inside the constructor leaves without the destructor, and so without the start-up program: one
+// that waits hears why.
+[[noreturn]] void quit(const std::string& why, int status = 0) {
+    tellStarter(StartNews::refused, why);
+    std::exit(status);
+}
+
 [[noreturn]] void leave(const char* text, std::uint32_t icon) {
     report(text, "Error", MB_OK | icon);
-    std::exit(0);
+    quit(text);
 }
 
 void findRootDirectory() {
@@ -74,7 +82,7 @@ void takeHold() {
 void warnOfConnectedDatabase() {
     if (hasConnectedDatabase(*heldTree) &&
         report(connectedDatabaseText, "Warning", MB_OKCANCEL | MB_ICONINFORMATION) != IDOK)
-        std::exit(-1);
+        quit("It is left alone beside a connected database", -1);
 }
 
 // What a run that was interrupted has left half done must not be read as if it were whole.
@@ -91,10 +99,18 @@ void finishEarlier() {
         waiting = text;
         if (report((text + "\nInspect it all the same? Nothing is changed then").c_str(), "Warning",
                    MB_YESNO | MB_ICONEXCLAMATION) != IDYES)
-            std::exit(0);
+            quit(text);
     } else if (!text.empty()) {
         report(text.c_str(), "Warning", MB_OK | MB_ICONINFORMATION);
     }
+}
+
+// Who waits for the window may have given up; nothing was changed.
+void tellProgress(int percent, const std::string& text) {
+    if (tellStarter(StartNews::progress, std::to_string(percent) + " " + text))
+        return;
+    endLog();
+    std::_Exit(0);
 }
 
 constexpr const char* mainPlace = "Main Window"; // values of the settings store
@@ -118,7 +134,7 @@ TSXapp::TSXapp() {
     warnOfConnectedDatabase();
     initDrawing({192, 192, 192});
     if (!startLog(1, homeDirectory))
-        std::exit(0);
+        quit("The log could not be made");
     finishEarlier();
 }
 
@@ -131,9 +147,13 @@ int TSXapp::InitInstance() {
     mainFrame = new TSXmainframe;
     mainFrame->places = {readWindowPlace(mainPlace), readWindowPlace(entryPlace)};
     mainFrame->keepPlaces = keepPlaces;
-    database->load(databaseDirectory);
+    {
+        const Progress progress(*database, tellProgress);
+        database->load(databaseDirectory);
+    }
     mainFrame->createMainWindow();
     mainFrame->ShowWindow();
     m_pMainWnd = mainFrame;
+    tellStarter(StartNews::stands);
     return 1;
 }

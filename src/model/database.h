@@ -174,6 +174,8 @@ public:
 
     // Called, where set, behind each data file that load has read.
     std::function<void(const TSXdatafile&)> fileread;
+    // The same while analyse judges the keys, with a percentage.
+    std::function<void(int)> judged;
 
 private:
     bool keysjudged = false;                      // the index, and what follows, are of these key tables

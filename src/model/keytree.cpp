@@ -9,6 +9,12 @@
 #include "model/keyrow.h"
 #include "platform/system/letters.h"
 
+namespace {
+
+constexpr int sortedpercent = 45; // of the time that the judging of the keys takes
+
+}
+
 TSXkeytree::TSXkeytree(TSXdatabase& owner) : database(owner) {}
 
 TSXkeyentry* TSXkeytree::find(std::string_view key) const {
@@ -88,6 +94,8 @@ void TSXkeytree::build() {
     KeyRow row(database);
     TSXkeyentry* const entries = builtentries.place<TSXkeyentry>(row.size()).data();
     row.fill(builtrecords.place<Record>(row.size()), builtentries.place<Record>(row.size()));
+    if (database.judged)
+        database.judged(sortedpercent);
     Occurrence* occurrence = builtrecords.place<Occurrence>(row.size()).data();
     for (auto record = row.records.begin(); record != row.records.end(); ++size) {
         const auto next =

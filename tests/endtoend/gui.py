@@ -322,6 +322,18 @@ def chosen_by_hand(display, place):
         display.answer("Directory of the database", place.database, "Return")
         display.answer("Add a database", "Zoo", ending)
         expect((place.home / "Zoo.dbs").exists() == (ending == "Return"), "added, or not, against the answer")
+    display.key("alt+d")  # it has moved
+    display.answer("Directory of the database", place.home, "Return")
+    for key, there in ("Return", True), ("alt+y", False):  # no database lies there; Fourth is taken off the list
+        if not there:
+            display.click(window, 60, 66)
+            display.key("alt+r")
+        wait("a question", lambda: len(display.windows(START_TITLE)) == 2)
+        display.key(key)
+        wait("the end of the question", lambda: len(display.windows(START_TITLE)) == 1)
+        wait("the file to go", lambda: (place.home / "Fourth.dbs").exists() == there)
+    expect(str(place.database) in (place.home / "Zoo.dbs").read_text(), "moved against the answer")
+    display.key("End")
     display.click(window, width - 40, height - 25)
     return Tool(display, "Zoo")
 
@@ -342,8 +354,22 @@ def starting(display, work):
     expect(display.run("txstart", "--add", "Other", place.database) == 0, "add")
     expect((place.home / "Other.dbs").read_text().startswith("[DIR]\n%s\n" % place.database), "settings file")
     for arguments in (["--add", "Other", place.database], ["--add", "Third", place.directory / "nowhere"],
-                      ["--add", "a/b", place.database], ["--database", "nobody"], ["--home", work / "nowhere"]):
+                      ["--add", "a/b", place.database], ["--database", "nobody"], ["--home", work / "nowhere"],
+                      ["--add", "Fourth", work]):
         expect(display.run("txstart", *arguments) == 8, "not refused: %s" % arguments)
+    expect(display.run("txstart", "--yes", "--add", "Fourth", work) == 0, "--yes")
+
+    def unseen(*words):  # without a display
+        done = subprocess.run([PROGRAMS / words[0], *words[1:]], env={**display.environment, "DISPLAY": ""},
+                              capture_output=True, text=True)
+        return done.returncode, done.stdout + done.stderr
+
+    told = unseen("txstart", "--inspect")
+    expect(told[0] == 8 and "txstart: No window can be opened" in told[1], told)
+    expect(unseen("txstart")[0] == unseen("txinspect")[0] == 8, "no status 8 without a display")
+    told = unseen("txinspect", "--help")
+    expect(told[0] == 0 and "txstart" in told[1], told)
+    expect("\\x1B" in unseen("txstart", "\x1b")[1], "a control byte reaches the terminal")
     expect(display.run("txstart", "--add", "Other") == 16 and display.run("txstart", "--help") == 0, "usage")
     shutil.rmtree(work / "config")
     tool = chosen_by_hand(display, place)
@@ -383,7 +409,25 @@ def strays(display, work):
     tool.leave()
 
 
-SCENARIOS = (starting, solving, keys, strays)
+def waiting(display, work):
+    """While a large database is read the start-up program stays, says how far that is, and can give it up."""
+    place = Place(display, work, "--files", 400, "--entries", 1000)
+    place.choose()
+    display.start("txstart")
+    start = display.window(START_TITLE)
+    width, height = map(int, display.box(start)[2:])
+    for answer in "Escape", None:
+        display.click(start, width - 40, height - 25)
+        display.window("Reading " + place.name)
+        expect(place.check() is None and display.windows(START_TITLE), "the start-up program has gone")
+        if answer:
+            display.key(answer)
+            wait("the lock", place.check)
+            time.sleep(0.5)  # by which "Inspect" can be pressed again
+    Tool(display, place.name).leave()
+
+
+SCENARIOS = (starting, solving, keys, strays, waiting)
 
 
 def main():

@@ -1,7 +1,10 @@
 #include "platform/window/winapp.h"
 
 #include <QApplication>
+#include <cstdio>
+#include <cstdlib>
 
+#include "platform/system/startprogram.h"
 #include "platform/window/framewnd.h"
 #include "platform/window/internal/application.h"
 #include "platform/window/internal/strayinput.h"
@@ -9,6 +12,17 @@
 namespace {
 
 CWinApp* theApplication = nullptr;
+
+// The window system would abort; what it says of its own parts helps nobody.
+void leaveOnFatal(QtMsgType type, const QMessageLogContext& /*context*/, const QString& /*text*/) {
+    constexpr int failed = 8;
+    constexpr const char* why = "No window can be opened: there is no display, or it can't be reached";
+    if (type != QtFatalMsg)
+        return;
+    std::fprintf(stderr, "%s\n", why);
+    tellStarter(StartNews::failed, why);
+    std::_Exit(failed);
+}
 
 } // namespace
 
@@ -31,8 +45,14 @@ void endApplicationWith(const CWnd& window) {
     QCoreApplication::exit(0);
 }
 
+void expectDisplay(bool expected) {
+    qInstallMessageHandler(expected ? leaveOnFatal : nullptr);
+}
+
 int AfxWinMain(int argc, char** argv, CWinApp& (*application)()) {
+    expectDisplay(true);
     QApplication windowSystem(argc, argv);
+    expectDisplay(false);
     const HeldKeyFilter filter;
     QApplication::setQuitOnLastWindowClosed(false); // a message box may be the last window for a while
     CWinApp& app = application();

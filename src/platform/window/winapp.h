@@ -23,3 +23,6 @@ CFrameWnd* AfxGetMainWnd();
 // of it: an exit in its constructor leaves without its destructor, and at a normal end that runs last, when
 // the window system is gone. Then InitInstance and the message loop. Returns the exit status.
 int AfxWinMain(int argc, char** argv, CWinApp& (*application)());
+
+// While the window system comes up: without a display the process ends with status 8 and says so.
+void expectDisplay(bool expected);
