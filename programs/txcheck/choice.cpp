@@ -37,11 +37,12 @@ std::string directoryIn(DatabaseSettings& settings) {
     return {};
 }
 
-std::optional<std::vector<Chosen>> everyDatabase(DatabaseSettings& settings) {
+std::optional<std::vector<Chosen>> everyDatabase(const DatabaseSettings& settings) {
     std::vector<Chosen> all;
     for (const std::string& name : databaseNames(settings.homeDirectory.c_str())) {
-        settings.currentDatabase = name.c_str();
-        all.push_back({name, directoryIn(settings)});
+        DatabaseSettings own = settings;
+        own.currentDatabase = name.c_str();
+        all.push_back({name, directoryIn(own)});
     }
     if (all.empty())
         tell(std::string(settings.homeDirectory.c_str()) + ": there is no database in this home directory");

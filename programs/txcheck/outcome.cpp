@@ -6,6 +6,7 @@
 
 #include "concern.h"
 #include "model/problem.h"
+#include "shown.h"
 #include "status.h"
 #include "terminal.h"
 
@@ -72,6 +73,10 @@ std::vector<Sentence> outcome(const Session& session, const Options& options) {
         sentences.push_back({options.save ? "Changed keys are not saved."
                                           : "Changed keys are not saved: give --save to write them to disk.",
                              Mood::bad});
+    if (const std::string file = session.undoFile(); !file.empty() && !session.database.changes.empty())
+        sentences.push_back({"What was changed is taken back by: txcheck --restore " + shellWord(file)});
+    else if (!session.database.changes.empty() && !session.database.planning)
+        sentences.push_back({"There is no undo file, so that what was changed can't be taken back."});
     return sentences;
 }
 
@@ -86,5 +91,7 @@ std::string inShort(const Session& session) {
         text += ", " + counted(unread, "file", "files") + " not readable";
     if (changes > 0)
         text += ", " + counted(changes, "change", "changes") + (session.database.planning ? " planned" : "");
+    if (const std::string file = session.undoFile(); changes > 0 && !file.empty())
+        text += ", taken back by: txcheck --restore " + shellWord(file);
     return text;
 }

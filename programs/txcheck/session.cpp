@@ -1,9 +1,11 @@
 #include "session.h"
 
+#include <filesystem>
 #include <optional>
 #include <sstream>
 
 #include "analysis/progress.h"
+#include "changes/place.h"
 #include "changes/restore.h"
 #include "concern.h"
 #include "ending.h"
@@ -91,6 +93,25 @@ CommitOptions Session::commitOptions() {
             }};
 }
 
+// The last undo file of a change of the same database that was made behind that one and not taken back.
+std::string Session::laterUndoFile(const std::string& undoFile) const {
+    std::string later;
+    bool behind = false;
+    for (const UndoListEntry& entry : listundofiles(database.directory.c_str())) {
+        std::error_code error;
+        const UndoHeader& header = entry.header;
+        if (std::filesystem::equivalent(entry.path, undoFile, error))
+            behind = true;
+        else if (behind && header.isrestore == 0 && header.restoredfrom == UndoHeader::never)
+            later = entry.path;
+    }
+    return later;
+}
+
+std::string Session::undoFile() const {
+    return ownUndoFile.empty() && database.committer ? database.committer->undopath() : ownUndoFile;
+}
+
 void Session::restoreFrom(const std::string& undoFile) {
     endBetweenSteps();
     RestoreResult result;
@@ -105,8 +126,9 @@ void Session::restoreFrom(const std::string& undoFile) {
     if (!result.refused.empty())
         refuse(result.refused);
     steps.failed = steps.failed || result.open;
-    if (!result.ownundofile.empty())
-        tell("The restore can be taken back with --restore " + result.ownundofile);
+    if (const std::string later = result.left.empty() ? "" : laterUndoFile(undoFile); !later.empty())
+        tell("Another change was made behind that one: restore " + later + " first");
+    ownUndoFile = result.ownundofile;
     for (Change& change : result.changes)
         database.addchange(std::move(change));
     run();

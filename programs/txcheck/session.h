@@ -40,6 +40,7 @@ public:
     // The sum of what applies of the exit statuses.
     int status() const;
     // Whether a solution was applied or something on the disk was changed; in a plan, would be.
+    std::string undoFile() const; // of what was changed on the disk; empty where there is none
     bool changedSomething() const { return !steps.solved.empty() || !database.changes.empty(); }
 
     TSXdatabase database;
@@ -54,6 +55,7 @@ public:
 private:
     bool finishEarlier();
     CommitOptions commitOptions();
+    std::string laterUndoFile(const std::string& undoFile) const;
     int answer(const char* text, const char* title, std::uint32_t flags);
     void tellUnread();
     bool save();
@@ -66,5 +68,6 @@ private:
     Together& together;
     Hold hold;
     std::set<std::string> toldUnread;
-    Finished earlier; // what an earlier run had left
+    std::string ownUndoFile; // of a restore
+    Finished earlier;        // what an earlier run had left
 };

@@ -1,5 +1,9 @@
 #include "shown.h"
 
+#include <algorithm>
+#include <cctype>
+#include <cstring>
+
 #include "platform/system/text.h"
 #include "platform/system/utf8.h"
 #include "platform/system/windows1252.h"
@@ -13,6 +17,18 @@ std::string shown(std::string_view bytes) {
         appendUtf8(text, number >= 0x80 && number < 0xA0 ? windows1252Specials[number - 0x80] : number);
     }
     return text;
+}
+
+std::string shellWord(const std::string& bytes) {
+    const auto isPlain = [](unsigned char byte) {
+        return std::isalnum(byte) != 0 || byte >= 0x80 || std::strchr("/._-+,:@%=", byte) != nullptr;
+    };
+    if (!bytes.empty() && std::ranges::all_of(bytes, isPlain))
+        return bytes;
+    std::string word = "'";
+    for (const char byte : bytes)
+        word += byte == '\'' ? "'\\''" : std::string(1, byte);
+    return word + "'";
 }
 
 std::string hex(std::string_view bytes) {

@@ -5,8 +5,9 @@
 #include <string>
 #include <string_view>
 
-std::string shown(std::string_view bytes); // as UTF-8
-std::string hex(std::string_view bytes);   // two small digits for each byte
+std::string shown(std::string_view bytes);       // as UTF-8
+std::string shellWord(const std::string& bytes); // one word of a command line, in quotes where it needs them
+std::string hex(std::string_view bytes);         // two small digits for each byte
 
 // A text of JSON in which the control characters that its library leaves, and a terminal may obey, are
 // escapes.

@@ -42,7 +42,7 @@ void writeEntry(std::ostream& out, const UndoListEntry& entry) {
     out << timeText(entry.time) << "  "
         << summaryof(entry.header.keys, entry.header.deletions, entry.header.makings)
         << (state.empty() ? "" : " (" + state + ")") << "\n    in " << printable(entry.directory)
-        << "\n    txcheck --restore " << printable(entry.path) << "\n    kept until "
+        << "\n    txcheck --restore " << printable(shellWord(entry.path)) << "\n    kept until "
         << timeText(entry.maygo).substr(0, 10) << " or longer, " << entry.size << " bytes\n";
 }
 

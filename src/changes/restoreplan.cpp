@@ -94,8 +94,9 @@ private:
             own.wanted = own.found;
         }
         if (now_ == Now::there && standingof(own.wanted, field) == Standing::other)
-            return leave("record " + std::to_string(field.record) + " has changed since, at offset " +
-                         std::to_string(field.offset));
+            return leave("record " + std::to_string(field.record) + " has changed since" +
+                         (keyin(own.found).empty() ? ", at offset " + std::to_string(field.offset)
+                                                   : ": its key is '" + keyin(own.found) + "' now"));
         own.wanted = field.before.whole();
     }
 

@@ -57,7 +57,9 @@ std::string lockAdvice(const char* databaseDirectory) {
         return {};
     std::string text = "\n\nThe lock is the file '" + std::string(databaseDirectory) + "/" + markerName + "'";
     if (number == ERROR_ACCESS_DENIED)
-        text += ". Ask its owner, or that of the directory, for the right to write there";
+        text += ". Ask its owner, or that of the directory, for the right to write there; txcheck --no-lock "
+                "checks "
+                "without writing";
     if (number == ERROR_WRITE_PROTECT || number == ERROR_NOT_SUPPORTED)
         text += ". A database on a medium that can't be written or locked is checked by txcheck --no-lock";
     return text;

@@ -51,7 +51,8 @@ void append(const std::string& text) {
 }
 
 void reportLoss() {
-    const std::string text = std::to_string(lostLines) + " lines are missing in the log '" + logPath.c_str() +
+    const std::string text = std::to_string(lostLines) + (lostLines == 1 ? " line is" : " lines are") +
+                             " missing in the log '" + logPath.c_str() +
                              "' because it could not be written: " + errorText(lossReason);
     lostLines = 0;
     report(text.c_str(), "Warning", MB_OK | MB_ICONEXCLAMATION);
