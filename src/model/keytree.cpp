@@ -28,30 +28,29 @@ TSXkeyentry* TSXkeytree::find(std::string_view key) const {
     return entry;
 }
 
+// Insertion by balance factors: on the way back up, as long as the subtree just left has grown in height.
 TSXkeyentry& TSXkeytree::findoradd(std::string_view key) {
+    constexpr std::size_t highest = 64; // more than a balanced tree of all that memory holds
+    Link* way[highest]; // the links that were passed, and the sides that were gone to
+    int sides[highest];
+    std::size_t depth = 0;
+    Link* link = &root;
     added = 0;
-    bool taller = false;
-    return insert(root, key, taller);
-}
-
-// Insertion by balance factors. taller tells whether the subtree just visited has grown in height.
-TSXkeyentry& TSXkeytree::insert(Link& link, std::string_view key, bool& taller) {
-    if (link == nullptr) {
-        link = new (allocate<TSXkeyentry>(1)) TSXkeyentry(database, database.keytexts.keep(key));
-        taller = true;
-        added = 1;
-        ++size;
-        return *link;
+    while (*link != nullptr) {
+        const int order = compareIgnoringCase(key, (*link)->key);
+        if (order == 0)
+            return **link;
+        way[depth] = link;
+        sides[depth++] = order < 0 ? -1 : 1;
+        link = order < 0 ? &(*link)->left : &(*link)->right;
     }
-    const int order = compareIgnoringCase(key, link->key);
-    if (order == 0) {
-        taller = false;
-        return *link;
-    }
-    TSXkeyentry& entry = insert(order < 0 ? link->left : link->right, key, taller);
-    if (taller)
-        taller = grow(link, order < 0 ? -1 : 1);
-    return entry;
+    added = 1;
+    ++size;
+    TSXkeyentry& made = *new (allocate<TSXkeyentry>(1)) TSXkeyentry(database, database.keytexts.keep(key));
+    *link = &made;
+    for (bool taller = true; taller && depth > 0; --depth)
+        taller = grow(*way[depth - 1], sides[depth - 1]);
+    return made;
 }
 
 // The subtree on one side, -1 left or 1 right, has grown; answers whether the one at the link has grown with

@@ -63,7 +63,6 @@ public:
 
 private:
     using Link = TSXkeyentry*;
-    TSXkeyentry& insert(Link& link, std::string_view key, bool& taller);
     static bool grow(Link& link, int side);
     static void repair(Link& link, int side);
     static TSXkeyentry* balanced(TSXkeyentry* entries, std::size_t count);

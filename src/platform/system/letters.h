@@ -2,7 +2,10 @@
 // one order of keys, type names and file names.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
@@ -14,16 +17,24 @@ constexpr unsigned char smallLetter(char byte) {
 
 // Below 0, 0 or above 0 as a stands before, with or behind b. A text that begins another is the smaller.
 inline int compareIgnoringCase(std::string_view a, std::string_view b) {
-    constexpr std::size_t step = 8;
-    const std::size_t common = a.size() < b.size() ? a.size() : b.size();
+    constexpr std::size_t step = sizeof(std::uint64_t);
+    const std::size_t common = std::min(a.size(), b.size());
+    const auto difference = [&](std::size_t at) {
+        std::uint64_t pieces[2];
+        std::memcpy(&pieces[0], a.data() + at, step);
+        std::memcpy(&pieces[1], b.data() + at, step);
+        return pieces[0] ^ pieces[1];
+    };
     std::size_t i = 0;
-    while (i + step <= common && std::memcmp(a.data() + i, b.data() + i, step) == 0)
+    while (i + step <= common && difference(i) == 0)
         i += step;
-    for (; i < common; ++i) {
-        const int difference = smallLetter(a[i]) - smallLetter(b[i]);
-        if (difference != 0)
-            return difference;
+    if (common >= step && std::endian::native == std::endian::little) { // the first byte that differs
+        i = std::min(i, common - step);
+        i += static_cast<std::size_t>(std::countr_zero(difference(i))) / 8;
     }
+    for (; i < common; ++i)
+        if (smallLetter(a[i]) != smallLetter(b[i]))
+            return smallLetter(a[i]) - smallLetter(b[i]);
     return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
 }
 
