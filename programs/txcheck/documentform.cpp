@@ -14,42 +14,42 @@ bool isPlain(std::string_view bytes) {
         bytes, [](char byte) { return byte >= ' ' && byte < 0x7F && byte != '"' && byte != '\\'; });
 }
 
-void writeBytes(std::ostream& out, std::string_view member, std::string_view bytes) {
-    out << '"' << member << "\":";
+void addBytes(std::string& line, std::string_view member, std::string_view bytes) {
+    line.append("\"").append(member).append("\":");
     if (isPlain(bytes)) {
-        out << '"' << bytes << '"';
+        line.append("\"").append(bytes).append("\"");
         return;
     }
-    out << escaped(nlohmann::json(shown(bytes)).dump());
+    line += escaped(nlohmann::json(shown(bytes)).dump());
     if (!isUtf8(bytes))
-        out << ",\"" << member << "_hex\":\"" << hex(bytes) << '"';
+        line.append(",\"").append(member).append("_hex\":\"").append(hex(bytes)).append("\"");
 }
 
-void writeRow(std::ostream& out, const Row& row);
+void addRow(std::string& line, const Row& row);
 
-void writeField(std::ostream& out, const Field& field) {
+void addField(std::string& line, const Field& field) {
     if (field.sort == Field::bytes)
-        return writeBytes(out, field.member, field.text);
-    out << '"' << field.member << "\":";
+        return addBytes(line, field.member, field.text);
+    line.append("\"").append(field.member).append("\":");
     if (field.sort == Field::number) {
-        out << field.text;
+        line += field.text;
         return;
     }
-    out << '[' << field.text;
+    line.append("[").append(field.text);
     for (const Row& inner : field.rowsInIt) {
-        out << (&inner == field.rowsInIt.data() ? "{" : ",{");
-        writeRow(out, inner);
-        out << '}';
+        line += &inner == field.rowsInIt.data() ? "{" : ",{";
+        addRow(line, inner);
+        line += '}';
     }
-    out << ']';
+    line += ']';
 }
 
-void writeRow(std::ostream& out, const Row& row) {
+void addRow(std::string& line, const Row& row) {
     const char* between = "";
     for (const Field& field : row.fields())
         if (*field.member != '\0') {
-            out << between;
-            writeField(out, field);
+            line += between;
+            addField(line, field);
             between = ",";
         }
 }
@@ -57,10 +57,11 @@ void writeRow(std::ostream& out, const Row& row) {
 void writeList(std::ostream& out, const Section& section, const char* lineEnd) {
     out << '"' << section.member << "\":[";
     Row row;
+    std::string line;
     for (const char* between = ""; section.next(row); between = ",") {
-        out << between << lineEnd << '{';
-        writeRow(out, row);
-        out << '}';
+        line.assign(between).append(lineEnd).append("{");
+        addRow(line, row);
+        out << line << '}';
     }
     out << ']';
 }
@@ -69,12 +70,13 @@ void writeSection(std::ostream& out, const Section& section, const char* lineEnd
     if (section.shape <= Section::table)
         return writeList(out, section, lineEnd);
     Row row;
+    std::string line;
     section.next(row);
+    addRow(line, row);
     if (section.shape == Section::object)
-        out << '"' << section.member << "\":{";
-    writeRow(out, row);
-    if (section.shape == Section::object)
-        out << '}';
+        out << '"' << section.member << "\":{" << line << '}';
+    else
+        out << line;
 }
 
 } // namespace

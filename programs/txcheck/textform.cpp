@@ -9,11 +9,10 @@ namespace {
 
 constexpr std::size_t least = 2; // columns in front of each row
 
-// What stands beside others in one line, numbers to the right of their columns.
-std::string aligned(const std::string& text, std::size_t width, bool right) {
-    const std::size_t used = std::min(columns(text), width);
-    const std::string blanks(width - used, ' ');
-    return (right ? blanks + text : text + blanks) + "  ";
+// Adds what stands beside others in one line, numbers to the right of their columns.
+void addAligned(std::string& line, std::string_view text, std::size_t width, bool right) {
+    const std::size_t blanks = width - std::min(columns(text), width);
+    line.append(right ? blanks : 0, ' ').append(text).append(right ? 2 : blanks + 2, ' ');
 }
 
 // The fields with a width stand in one line; each of the others begins below the first of them.
@@ -31,7 +30,7 @@ void writeRow(Terminal& terminal, const Row& row) {
         if (*field.title == '\0' || field.text.empty())
             continue;
         if (field.width > 0) {
-            first += aligned(printable(field.text), field.width, field.sort == Field::number);
+            addAligned(first, printable(field.text), field.width, field.sort == Field::number);
             continue;
         }
         std::string_view rest = field.text;
@@ -49,8 +48,8 @@ void writeTitles(Terminal& terminal, const Row& row) {
     std::string line(least, ' ');
     for (const Field& field : row.fields())
         if (*field.title != '\0')
-            line += aligned(field.title, std::max(field.width, columns(field.title)),
-                            field.sort == Field::number);
+            addAligned(line, field.title, std::max(field.width, columns(field.title)),
+                       field.sort == Field::number);
     terminal.line("", line.substr(0, line.find_last_not_of(' ') + 1));
 }
 

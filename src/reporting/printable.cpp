@@ -22,6 +22,11 @@ constexpr Range unseen[] = {{0, 0x1F},          {0x7F, 0x9F},      {0xAD, 0xAD},
                             {0xFE00, 0xFE0F},   {0xFEFF, 0xFEFF},  {0xFFA0, 0xFFA0}, {0xFFF0, 0xFFFB},
                             {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF}};
 
+// Whether each byte is a visible sign of one column, as those of most texts are.
+bool isPlain(std::string_view text) {
+    return std::ranges::all_of(text, [](char byte) { return byte >= ' ' && byte < 0x7F; });
+}
+
 // Whether a terminal shows the character of that number as a visible sign.
 bool visible(std::uint32_t number) {
     return std::none_of(std::begin(unseen), std::end(unseen), [number](const Range& range) {
@@ -48,6 +53,8 @@ std::size_t width(std::uint32_t number) {
 std::string printable(std::string_view bytes) {
     constexpr char digits[] = "0123456789ABCDEF";
     std::string text;
+    if (isPlain(bytes))
+        return text.assign(bytes);
     while (!bytes.empty()) {
         const Utf8Character character = utf8Character(bytes);
         const bool shown = character.length > 0 && visible(character.number);
@@ -63,6 +70,8 @@ std::string printable(std::string_view bytes) {
 
 std::size_t columns(std::string_view text) {
     std::size_t count = 0;
+    if (isPlain(text))
+        return text.size();
     for (std::size_t at = 0; at < text.size();) {
         const Utf8Character character = utf8Character(text.substr(at));
         count += width(character.number);
