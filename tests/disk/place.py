@@ -19,7 +19,8 @@ import tempfile
 sys.dont_write_bytecode = True
 HERE = pathlib.Path(__file__).resolve().parent
 sys.path.insert(0, str(HERE.parent / "endtoend"))
-from programtest import bytes_of, oracle  # noqa: E402
+import oracle  # noqa: E402
+from oracle import bytes_of  # noqa: E402
 
 AT_WORK = "changing_db.txf"  # stands in a database while it is being changed, and after an interruption
 FIELD, CAPACITY = 69, 61

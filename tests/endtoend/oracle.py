@@ -57,6 +57,11 @@ def text(name, bytes_):
         return {name: shown, name + "_hex": bytes_.hex()}
 
 
+def bytes_of(thing, member):
+    """The bytes of a text of a document."""
+    return bytes.fromhex(thing[member + "_hex"]) if member + "_hex" in thing else thing[member].encode()
+
+
 def order(name):
     return os.fsencode(name).upper(), os.fsencode(name)
 
@@ -143,8 +148,8 @@ class Record:
 
 
 class DataFile:
-    def __init__(self, database, fileclass, name):
-        self.database, self.fileclass, self.name = database, fileclass, name
+    def __init__(self, database, fileclass, name, entry=None):
+        self.database, self.fileclass, self.name, self.entry = database, fileclass, name, entry
         row = CLASSES[fileclass]
         self.path = b"%s/%s/%s.%s" % (database.shown, *map(os.fsencode, (row[0], name, row[1])))
         self.valid = self.ondisk = self.unread = False
@@ -262,12 +267,14 @@ class Database:
         self.left = False
         self.types, self.unread, self.looking = [], [], False  # name, weight, whether found by the last analysis, id
         self.newtype(0, b"Database")
-        self.files = []
+        self.files = [[] for _ in CLASSES]
+        # By directory: the first name of a file, what is passed over for the sake of a name, and waits since that has gone
+        self.first, self.sake, self.waiting = {}, {}, set()
         for fileclass, row in enumerate(CLASSES):
             pattern = b"%s/%s/*.%s" % (self.shown, row[0].encode(), row[1].encode())
             self.log.append(b"*** Scanning %s files at %s ***" % (row[7].encode(), pattern))
             self.twins(row[0], "whole")
-            self.files.append([DataFile(self, fileclass, name[:-4]) for name in self.once(row[0], self.search(row[0], row[1]))])
+            self.read(fileclass, [name for name, is_file in self.search(row[0], row[1]) if is_file])
         self.analyse()
 
     def twins(self, folder, weight):
@@ -276,18 +283,39 @@ class Database:
             if os.path.basename(path).lower() == folder.lower() and path != read and os.path.isdir(path):
                 self.unreadable(os.fsencode(os.path.basename(path)), "told" if os.path.samefile(path, read) else weight)
 
-    def once(self, below, found):
-        """The names of plain files, each file under its first name."""
-        first = set()
-        for name in [name for name, is_file in found if is_file]:
-            path = self.place(b"%s/%s/%s" % (self.shown, below.encode(), os.fsencode(name)))
+    def read(self, fileclass, names):
+        """Reads these plain files, each under its first name."""
+        folder, files = CLASSES[fileclass][0], self.files[fileclass]
+        for name in names:
+            path = self.place(b"%s/%s/%s" % (self.shown, folder.encode(), os.fsencode(name)))
             file = os.stat(path) if os.path.exists(path) else None
-            identity = (file.st_dev, file.st_ino) if file else path
-            if identity in first:
-                self.unreadable(self.name_of(self.shown + b"/" + below.encode()) + b"/" + os.fsencode(name), "told")
-            else:
-                first.add(identity)
-                yield name
+            first = self.first.setdefault((folder, (file.st_dev, file.st_ino) if file else path), name)
+            if first != name:
+                self.sake[folder, name] = first
+                self.unreadable(self.name_in(folder, name), "told")
+                continue
+            files.append(DataFile(self, fileclass, name[:-4], name))
+            files.sort(key=lambda file: (file.entry is None, order(file.entry or "")))
+
+    def leaves(self, file):
+        """A file that has gone leaves the list; what was passed over for its sake waits to be read."""
+        folder = CLASSES[file.fileclass][0]
+        self.files[file.fileclass].remove(file)
+        self.unread = [row for row in self.unread if row[:2] != (self.name_in(folder, file.entry), "record")]
+        self.first = {key: first for key, first in self.first.items() if (key[0], first) != (folder, file.entry)}
+        self.waiting |= {key for key, first in self.sake.items() if (key[0], first) == (folder, file.entry)}
+
+    def read_waiting(self):
+        for fileclass, (folder, extension, *_) in enumerate(CLASSES if self.waiting else []):
+            found = self.search(folder, extension, tells=False)
+            names = [name for name, is_file in found if is_file and (folder, name) in self.waiting]
+            for name in names:
+                self.unread = [row for row in self.unread if row[:2] != (self.name_in(folder, name), "told")]
+                self.read(fileclass, [name])
+        self.waiting = set()
+
+    def name_in(self, folder, name):
+        return os.path.normpath(self.name_of(self.shown + b"/" + folder.encode()) + b"/" + os.fsencode(name))
 
     def unreadable(self, name, weight, form="unread:%s"):
         """Notes what could not be read; a name once, but each of its records, and what is told of it alone."""
@@ -319,22 +347,24 @@ class Database:
         self.log.append(b"Local error: TSXbinfile: Could not open file " + path)
         return None
 
-    def search(self, below, extension):
+    def search(self, below, extension, tells=True):
         """The names with that extension, and whether each counts as a plain file."""
         end, found = "." + extension, []
         directory = self.place(self.shown + b"/" + below.encode())
         for name in sorted(os.listdir(directory), key=order) if os.path.isdir(directory) else []:
             path = os.path.join(directory, name)
-            if name.lower().endswith(end.lower()):
-                if "\\" in name:
-                    folder = self.name_of(self.shown + b"/" + below.encode())
-                    weight = "whole" if extension in ("DBS", "DEF") else "part"
-                    self.unreadable(os.path.normpath(folder + b"/" + os.fsencode(name)), weight)
-                elif find(directory, name[:-len(end)] + end) == path:
-                    plain = not os.path.isdir(path)
-                    found.append((name, plain or (not found and (name[0] == "." or not os.stat(path).st_mode & 0o222))))
-                else:
-                    self.unreadable(os.path.relpath(os.fsencode(path), os.fsencode(self.root)), "told")
+            if not name.lower().endswith(end.lower()):
+                continue
+            read = None if "\\" in name else find(directory, name[:-len(end)] + end)
+            if read == path:
+                plain = not os.path.isdir(path)
+                found.append((name, plain or (not found and (name[0] == "." or not os.stat(path).st_mode & 0o222))))
+                continue
+            if tells:
+                weight = "told" if read else "whole" if extension in ("DBS", "DEF") else "part"
+                self.unreadable(self.name_in(below, name), weight)
+            if read:
+                self.sake[below, name] = os.path.basename(read)
         return found
 
     def newtype(self, fileclass, name):
@@ -402,6 +432,7 @@ class Database:
 
     def analyse(self):
         self.problems = []
+        self.read_waiting()
         self.unread = [row for row in self.unread if not row[2]]
         self.looking = True
         self.scan_side_files()
@@ -472,7 +503,8 @@ class Database:
         if command == 7001:
             empty = [file for file in self.files[problem.sub] if file.valid and not file.records]
             gone = [file for file in empty if not file.unread and self.remove(file.path)]
-            self.files[problem.sub] = [file for file in self.files[problem.sub] if file not in gone]
+            for file in gone:
+                self.leaves(file)
             return gone == empty
         elif command in (7002, 7003):
             for key, (file, record) in self.later(problem.sub):
@@ -494,12 +526,9 @@ class Database:
             return self.make_directory(problem.name)
         elif command == 7008:
             file = self.files[problem.sub][problem.index - 1]
-            name = self.name_of(file.path)
-            if not file.unread and self.remove(file.path):
-                self.files[problem.sub].remove(file)
-                self.unread = [row for row in self.unread if row[:2] != (name, "record")]
-                return True
-            return False
+            if file.unread or not self.remove(file.path):
+                return False
+            self.leaves(file)
         elif command == 7009:
             return not self.is_unread(self.name_of(problem.name)) and self.remove(problem.name)
         return True

@@ -7,7 +7,6 @@
 #include "model/problem.h"
 #include "platform/window/menu.h"
 #include "platform/window/statusbarctrl.h"
-#include "toolkit/mosaic.h"
 
 namespace {
 

@@ -1,13 +1,10 @@
 // A database with one problem of each kind and the main window on it, on show, with all questions answered.
 #pragma once
 
-#include <QTest>
 #include <algorithm>
 
 #include "databasetest.h"
 #include "platform/window/msgbox.h"
-#include "platform/window/testaccess.h"
-#include "toolkit/drawing.h"
 #include "views/current.h"
 #include "views/entriespane.h"
 #include "views/entryframe.h"
@@ -16,9 +13,7 @@
 #include "views/mainframe.h"
 #include "views/problempane.h"
 #include "views/typespane.h"
-
-constexpr COLORREF white = RGB(255, 255, 255);
-constexpr COLORREF black = RGB(0, 0, 0);
+#include "windowtest.h"
 
 class DesktopTest : public DatabaseTest {
 protected:

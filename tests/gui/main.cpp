@@ -1,14 +1,12 @@
-#include <gtest/gtest.h>
-
-#include <QApplication>
 #include <QFileInfo>
 
-#include "resources/resources.h"
 #include "toolkit/drawing.h"
+#include "windowtest.h"
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("XDG_RUNTIME_DIR", QFileInfo(argv[0]).absolutePath().toUtf8() + "/runtime"); // Qt makes it
     const QApplication application(argc, argv);
     QApplication::setQuitOnLastWindowClosed(false);

@@ -19,7 +19,6 @@ import unicodedata
 sys.dont_write_bytecode = True
 sys.path.insert(0, str(pathlib.Path(__file__).resolve().parent.parent / "endtoend"))
 import oracle  # noqa: E402
-import programtest  # noqa: E402
 
 PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
 HOSTILE = [b"<script>alert(1)</script>", b"</td></table><h1>x</h1>", b"\"'><img src=x onerror=alert(1)>", b"&lt;b&gt;&amp;&#60;",
@@ -163,7 +162,7 @@ def page_of(root):
 def check_content(facts, told):
     expect(not facts["handlers"] and set(facts["elements"]) <= ELEMENTS, "a name has become markup: %s" % facts["elements"])
     expect(facts["ids"] == [worded(problem["id"].encode()) for problem in told["problems"]], "other problems")
-    expect(facts["keys"] == [worded(programtest.bytes_of(key, "key")) or "no key" for key in told["keys"]], "other keys")
+    expect(facts["keys"] == [worded(oracle.bytes_of(key, "key")) or "no key" for key in told["keys"]], "other keys")
 
 
 def check_filter(browser, facts):

@@ -1,11 +1,9 @@
 #include "toolkit/buttonbar.h"
 
 #include <QAbstractEventDispatcher>
-#include <QApplication>
 
-#include "mosaic.h"
-#include "onshow.h"
 #include "platform/window/msgbox.h"
+#include "windowtest.h"
 
 namespace {
 

@@ -1,9 +1,6 @@
-#include "mosaic.h"
-#include "onshow.h"
-#include "platform/window/resources.h"
-#include "resources/resources.h"
+#include "windowtest.h"
 
-TEST(Drawing, ColoursFollowTheBaseColour) {
+TEST(DrawingSet, ColoursFollowTheBaseColour) {
     static const int numbers[] = {1, 2, 3, -1, 0, 101, 4, 5};
     const struct {
         std::array<std::int32_t, 3> base;
@@ -30,7 +27,7 @@ TEST(Drawing, ColoursFollowTheBaseColour) {
     EXPECT_EQ(getFont(7)->description, (LOGFONT{-11, 0, 400, true, "arial"}));
 }
 
-TEST(Drawing, IconsAreDrawnPixelByPixel) {
+TEST(DrawingSet, IconsAreDrawnPixelByPixel) {
     const OnShow<TSXframe> frame;
     Mosaic icons(9, 34, 34);
     for (const int number : {-4, 1, 2, 3, 4, 5, 6, 7, 11, 13, 199, 200, 201, 202, 203, 204, 205, 206, 0}) {

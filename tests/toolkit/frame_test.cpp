@@ -1,12 +1,11 @@
-#include <QApplication>
 #include <QClipboard>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTimer>
 
-#include "onshow.h"
 #include "toolkit/promptdialog.h"
+#include "windowtest.h"
 
 namespace {
 

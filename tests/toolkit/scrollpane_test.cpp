@@ -1,5 +1,6 @@
-#include "onshow.h"
 #include "toolkit/scrollpane.h"
+
+#include "windowtest.h"
 
 namespace {
 

@@ -103,8 +103,8 @@ TEST_F(Painting, WindowsThatBelongToAFrameGoBeforeItAndPanesOutliveTheirWindows)
     EXPECT_EQ(taken().back(), "frame deleted");
     {
         Recorder<CWnd> shortLived(events); // takes its window along
-        ASSERT_TRUE(shortLived.Create(AfxRegisterWndClass(&background), {0, 0, 50, 50}, *frame));
-        EXPECT_FALSE(shortLived.Create(AfxRegisterWndClass(&background), {0, 0, 50, 50}, *frame));
+        ASSERT_TRUE(shortLived.Create(AfxRegisterWndClass(&greyBrush), {0, 0, 50, 50}, *frame));
+        EXPECT_FALSE(shortLived.Create(AfxRegisterWndClass(&greyBrush), {0, 0, 50, 50}, *frame));
         taken();
     }
     frame->DestroyWindow();
@@ -114,7 +114,7 @@ TEST_F(Painting, WindowsThatBelongToAFrameGoBeforeItAndPanesOutliveTheirWindows)
     pane.SetWindowPos(0, 0, 10, 10);
     pane.ScrollWindow(0, 16);
     EXPECT_EQ(pane.GetClientRect().right, 0);
-    EXPECT_FALSE(pane.Create(AfxRegisterWndClass(&background), {0, 0, 9, 9}, pane));
+    EXPECT_FALSE(pane.Create(AfxRegisterWndClass(&greyBrush), {0, 0, 9, 9}, pane));
 }
 
 } // namespace
