@@ -7,6 +7,7 @@
 
 #include "model/database.h"
 #include "model/datafile.h"
+#include "model/fileclass.h"
 #include "model/keyentry.h"
 #include "model/problem.h"
 #include "platform/system/messagebox.h"
@@ -36,25 +37,14 @@ inline void addChunk(std::string& file, const char* tag, const std::string& body
     file += std::string("TG") + tag + integer(file.size() + 9 + body.size()) + body;
 }
 
-struct Format {
-    const char *directory, *extension, *header, *typetag, *recordtag;
-};
-inline const Format formats[] = {
-    {"DBASE", "DBS", "TX-DBS-v1.0", "FLD", "ENT"},      {"fprint", "DEF", "GEL-DEF-v1.0", "GTP", "eEN"},
-    {"char", "DEF", "PHEN-DEF-v1.0", "TPE", "eEN"},     {"seq", "DEF", "SEQ-DEF-v1.0", "TPE", "eEN"},
-    {"matrix", "DEF", "PAIRSIMDEF-v1.0", "TPE", "eEN"},
-};
-
 inline std::string dataFile(int fileclass, const std::string& type, const Texts& keys) {
-    std::string file = counted(formats[fileclass].header), records = integer(keys.size());
-    addChunk(file, formats[fileclass].typetag, fileclass == 0 ? integer(0) : field(type));
+    const FileClass& format = fileclasses[fileclass];
+    std::string file = counted(format.header), records = integer(keys.size());
+    addChunk(file, fileclass == 0 ? "FLD" : format.typetag, fileclass == 0 ? integer(0) : field(type));
     for (const std::string& key : keys)
-        records += field(key) + (fileclass == 1 ? field(type) : "") +
-                   std::string(fileclass == 0   ? 0
-                               : fileclass == 4 ? 12
-                                                : 4,
-                               'i');
-    addChunk(file, formats[fileclass].recordtag, records);
+        records += field(key) + (format.recordtypes ? field(type) : "") +
+                   std::string(4 * static_cast<std::size_t>(format.recordintegers), 'i');
+    addChunk(file, format.recordtag, records);
     return file;
 }
 
@@ -76,7 +66,8 @@ protected:
 
     void put(const std::string& name, const std::string& bytes) { writeFile(root / name, bytes); }
     void put(int fileclass, const std::string& name, const std::string& bytes) {
-        put(std::string(formats[fileclass].directory) + "/" + name + "." + formats[fileclass].extension,
+        put(std::string(fileclasses[fileclass].directory) + "/" + name + "." +
+                fileclasses[fileclass].extension,
             bytes);
     }
     TSXdatabase& load() {

@@ -88,6 +88,9 @@ TEST_F(Repairs, NothingIsDeletedOrWrittenThatIsNotAsItWasLookedAt) {
     EXPECT_EQ(database->saveall(), 0);
     diskFaultHook = nullptr;
     EXPECT_EQ(reports.size(), 3u) << "two questions, and what was in the way of the new file";
+    EXPECT_TRUE(std::ranges::none_of(database->changes, [](const Change& change) {
+        return change.kind == Change::making;
+    })) << "the new file that was taken away again is told as made";
     EXPECT_TRUE(std::filesystem::exists(twin) && !std::filesystem::exists(root / "DBASE/DBSF001.DBS"));
     EXPECT_NE(readFile(root / "DBASE/A.DBS"), content);
     for (const std::string& path : {root / "DBASE/C.DBS", outside / "D.DBS"})
@@ -95,49 +98,40 @@ TEST_F(Repairs, NothingIsDeletedOrWrittenThatIsNotAsItWasLookedAt) {
     EXPECT_EQ(readFile(root / "DBASE/B.DBS").substr(other.size() - 69), other.substr(other.size() - 69));
 }
 
-TEST_F(Repairs, ChangeKeyRefusesAsksOrMoves) {
+TEST_F(Repairs, AKeyIsChangedWhereNothingIsInTheWay) {
     load();
     newFile({"a", "b", "c"});
     TSXdatafile& experiments = newFile({"a", "a", "b"}, database->addexptype(1, "T"));
     database->analyse();
     TSXkeyentry &a = database->findoraddkey("a"), &b = database->findoraddkey("b");
-    const std::string tooLong(61, 'x'),
-        tooLongText = "Error 48: The new key is too long: a key has at most 60 bytes. Nothing was changed";
+    const std::string tooLong(61, 'x'), question = "Warning 52: This experiment exists already. Continue?";
     const struct {
         int type, n, answer;
         std::string text;
         int result;
-        Texts report;
+        std::string report;
     } rows[] = {
-        {0, 1, IDYES, "A", 0, {}},
-        {0, 1, IDYES, tooLong, -1, {tooLongText}},
-        {0, 2, IDYES, "new", -1, {}},
-        {2, 1, IDYES, "new", -1, {}},
-        {0, 1, IDNO, "B", -1, {"Warning 52: This database entry exists already. Continue?"}},
-        {1, 1, IDCANCEL, "b", -1, {"Warning 52: This experiment exists already. Continue?"}},
-        {1, 1, IDYES, "B", 1, {"Warning 52: This experiment exists already. Continue?"}},
-        {1, 1, IDNO, "c", 1, {}}, // in use in another type alone
+        {0, 1, IDYES, tooLong, -1,
+         "Error 48: The new key is too long: a key has at most 60 bytes. Nothing was changed"},
+        {0, 2, IDYES, "new", -1, ""},
+        {2, 1, IDYES, "new", -1, ""},
+        {1, 1, IDCANCEL, "b", -1, question},
+        {1, 1, IDYES, "B", 1, question},
+        {1, 1, IDNO, "c", 1, ""}, // in use in another type alone
     };
     for (const auto& row : rows) {
         answer = row.answer;
-        reports.clear();
+        reports = {""};
         EXPECT_EQ(database->changekey(a, row.type, row.n, row.text.c_str()), row.result) << row.text;
-        EXPECT_EQ(reports, row.report);
+        EXPECT_EQ(reports.back(), row.report);
         EXPECT_EQ(database->keytotal, 3) << "a refusal adds no key";
     }
-    EXPECT_EQ(database->renamekey(b, tooLong.c_str()), -1);
-    EXPECT_EQ(reports.back(), tooLongText);
     EXPECT_EQ(keysOf(experiments), (Texts{"B", "c", "b"}));
-    EXPECT_EQ(a.occurrences(0), 1);
-    EXPECT_EQ(a.occurrences(1), 0);
-    EXPECT_EQ(b.occurrences(1), 2);
     EXPECT_EQ(b.occurrence(1, 1).record, 3);
     EXPECT_EQ(b.occurrence(1, 2).record, 1);
-    EXPECT_EQ(database->changekey(b, 1, 2, "new"), 1);
-    EXPECT_EQ(b.occurrence(1, 1).record, 3);
+    EXPECT_EQ(database->renamekey(b, tooLong.c_str()), -1);
     experiments.keyreading[3] = Reading::ended;
     EXPECT_EQ(database->changekey(b, 1, 1, "d"), -1) << "a record that could not be read";
-    EXPECT_EQ(b.occurrences(1), 1);
 }
 
 TEST_F(Repairs, WhatIsOutsideOfTheListsIsNeitherChangedNorDeleted) {
@@ -146,26 +140,13 @@ TEST_F(Repairs, WhatIsOutsideOfTheListsIsNeitherChangedNorDeleted) {
     database->analyse();
     for (const int outside : {-1, 2, 6}) {
         EXPECT_EQ(database->getproblem(1)->solve(outside + 1), 0);
-        EXPECT_EQ(database->getproblem(1)->solutioncommand(outside + 1), 0);
+        database->renameduplicates(outside > 0 ? 6 : outside);
+        file.setkey(outside > 0 ? outside + 1 : outside, "new");
     }
-    for (const int outside : {-1, 6})
-        database->renameduplicates(outside);
-    const TSXproblem unknown(*database, corruptsidefile + 1, 0, "");
-    EXPECT_EQ(unknown.message + unknown.id() + unknown.solutionlabel(1), "Unknown error:");
-    EXPECT_EQ(unknown.solution(1).cost, Cost::safe);
-    for (const auto& [subkind, id] : {std::pair(-1, "empty:"), {6, "empty:"}})
-        EXPECT_EQ(TSXproblem(*database, emptyfiles, subkind, "").id(), id);
-    EXPECT_EQ(TSXproblem(*database, duplicatekeys, 9, "").message, "Unknown error");
-    for (const int outside : {-1, 0, 3})
-        file.setkey(outside, "new");
-    EXPECT_EQ(keysOf(file), (Texts{"twice", "twice"}));
+    EXPECT_EQ(TSXproblem(*database, corruptsidefile + 1, 0, "").message, "Unknown error");
     file.unread = true;
     file.setkey(1, "new");
     file.addentry("new");
     EXPECT_EQ(keysOf(file), (Texts{"twice", "twice"}));
     EXPECT_EQ(newFile(Texts(1001, "many")).keycount, 1000);
-    database->lists[0]->removeat(1);
-    EXPECT_STREQ(newFile({}).name, "DBSF001");
-    std::filesystem::remove_all(root.path());
-    EXPECT_EQ(load().problemcount, 9);
 }

@@ -14,7 +14,7 @@ import tempfile
 import time
 
 sys.dont_write_bytecode = True
-from programtest import contents
+from oracle import contents
 
 PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
 MIDDLE = 199  # the black line under the problem list, in client pixels of the main window

@@ -4,6 +4,7 @@ are bytes."""
 
 import argparse
 import os
+import pathlib
 import stat
 import struct
 
@@ -60,6 +61,18 @@ def text(name, bytes_):
 def bytes_of(thing, member):
     """The bytes of a text of a document."""
     return bytes.fromhex(thing[member + "_hex"]) if member + "_hex" in thing else thing[member].encode()
+
+
+def contents(root):
+    """What stands below: a file with its bytes, a link with its target, a directory with None; the marker left out."""
+    found = {}
+    for directory, names, files in os.walk(root):
+        for name in names + files:
+            path = os.path.join(directory, name)
+            found[os.path.relpath(path, root)] = (os.readlink(path) if os.path.islink(path) else
+                                                  None if os.path.isdir(path) else pathlib.Path(path).read_bytes())
+    found.pop("open_db.txf", None)
+    return found
 
 
 def order(name):

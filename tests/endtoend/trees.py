@@ -18,7 +18,7 @@ import unittest
 
 sys.dont_write_bytecode = True
 import oracle
-from oracle import counted, field
+from oracle import contents, counted, field
 
 PROGRAMS = pathlib.Path(sys.argv[1]).resolve()
 FIRST, COUNT, STEP = [int(word) for word in sys.argv[2:]] + [1, 100, 0][len(sys.argv) - 2:]
@@ -203,18 +203,6 @@ def changed_fields(data):
         value, bits = int.from_bytes(data[at:at + size], "little"), 8 * size
         for new in {0, (1 << bits) - 1, value ^ 1 << bits - 1, value ^ 1 << bits // 2, value ^ 1, value + 1, value - 1, value * 7 + at}:
             yield data[:at] + (new % (1 << bits)).to_bytes(size, "little") + data[at + size:]
-
-
-def contents(root):
-    """What stands below: a file with its bytes, a link with its target, a directory with None; the marker left out."""
-    found = {}
-    for directory, names, files in os.walk(root):
-        for name in names + files:
-            path = os.path.join(directory, name)
-            found[os.path.relpath(path, root)] = (os.readlink(path) if os.path.islink(path) else
-                                                  None if os.path.isdir(path) else pathlib.Path(path).read_bytes())
-    found.pop("open_db.txf", None)
-    return found
 
 
 def differences(expected, found):

@@ -37,7 +37,7 @@ protected:
 } // namespace
 
 TEST_F(Appearance, WindowsAreAsTheyWere) {
-    answers.text = [this](int x, int y, const char* text, const LOGFONT&, COLORREF) {
+    answers.text = [this](int x, int y, unsigned, const char* text, const LOGFONT&, COLORREF) {
         last = std::to_string(x) + "," + std::to_string(y) + "  " + text + "\n";
     };
     paintMain("first-");

@@ -21,7 +21,7 @@ protected:
         put(0, "DBSF001", dataFile(0, "", {"Alpha", "alpha", "", "", "Beta"}));
         put(1, "GEL", dataFile(1, "Gels", {"Alpha", "Gamma", "Alpha", "Alpha", "Beta"}));
         put(2, "TRAITS", dataFile(2, "Traits", {"Beta"}));
-        put(3, "EMPTY", counted(formats[3].header));
+        put(3, "EMPTY", counted(fileclasses[3].header));
         put(4, "BAD", "junk");
         put("fprint/BAD.CNF", "junk");
         std::filesystem::remove(root / "bundles");
@@ -94,10 +94,11 @@ protected:
     std::string textsOn(CWnd& window) const {
         std::string texts;
         const auto before = std::exchange(answers.text, {});
-        answers.text = [&](int x, int y, const char* text, const LOGFONT& font, COLORREF colour) {
+        answers.text = [&](int x, int y, unsigned alignment, const char* text, const LOGFONT& font,
+                           COLORREF colour) {
             Text<60> line;
-            line.format("%d,%d  %d/%d/%d/%d  %06x  ", x, y, font.height, font.weight, font.escapement,
-                        font.italic, colour);
+            line.format("%d,%d,%u  %d/%d/%d/%d  %06x  ", x, y, alignment, font.height, font.weight,
+                        font.escapement, font.italic, colour);
             const std::string_view shown = text, path = root.path();
             const std::size_t place =
                 std::min(shown.find(path), shown.size()); // it has another name each time

@@ -94,7 +94,7 @@ TEST_F(ButtonBar, DrawsStatesIconsTicksAndDither) {
     bar.addButton(own);
     EXPECT_EQ(bar.button(4).width, 17);
     std::string labels;
-    answers.text = [&](int, int, const char* text, const LOGFONT&, COLORREF) { labels += text; };
+    answers.text = [&](int, int, unsigned, const char* text, const LOGFONT&, COLORREF) { labels += text; };
     bar.UpdateWindow();
     answers = {};
     states.add(bar, bar.button(4).x, 0);
@@ -157,6 +157,11 @@ TEST_F(ButtonBar, ShowsTheHintOfTheButtonUnderTheMouseAfterADelay) {
     move(1); // the delay has to pass anew
     EXPECT_FALSE(hintOnScreen());
     const TSXhintwindow one(bar, 10, 20, "one", "");
+    const QImage shown = hintOnScreen()->grab().toImage();
+    int shadow = 0;
+    for (int i = 0; i < shown.width() * shown.height(); ++i)
+        shadow += shown.pixel(i % shown.width(), i / shown.width()) == 0xFF646464 ? 1 : 0;
+    EXPECT_EQ(shadow, 2 * (one.width - 2) + 2 * (one.height - 2) - 4);
     const TSXhintwindow two(bar, GetSystemMetrics(SM_CXSCREEN), 20, "one", "and the other");
     EXPECT_EQ(widget->mapToGlobal(QPoint(10, 20)), QPoint(one.x, one.y));
     EXPECT_EQ(std::pair(one.height, two.height), std::pair(18, 34));

@@ -133,6 +133,8 @@ TEST(Prompt, GivesBackWhatTheFieldHoldsInItsEncodingUpToTheLimit) {
             auto* const field = dialog->findChild<QLineEdit*>();
             EXPECT_EQ(dialog->findChild<QLabel*>()->text(), "Enter new key");
             EXPECT_EQ(dialog->findChild<QLabel*>()->x(), field->x());
+            EXPECT_NEAR(dialog->height() - dialog->childrenRect().bottom(), 12, 8)
+                << "room below the buttons";
             EXPECT_FALSE(clientWidget(*frame)->isEnabled());
             QApplication::clipboard()->setText(QString::fromStdString(row.typed));
             row.paste ? field->paste() : QTest::keyClicks(field, QString::fromStdString(row.typed));

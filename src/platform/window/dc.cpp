@@ -41,7 +41,7 @@ void DrawingState::text(int x, int y, const char* bytes, const QRegion& textClip
     if (!canvas || *bytes == '\0' || textClip.isEmpty())
         return;
     if (answers.text)
-        return answers.text(x, y, bytes, font, textColour);
+        return answers.text(x, y, alignment, bytes, font, textColour);
     const TextFace& shape = currentFace();
     // Level text lies within the lines of its cell, whatever it is: most rows of a long list need no more.
     if (shape.escapement == 0 && (y > clipBox.bottom() + 1 || y + shape.height + 1 < clipBox.top()))

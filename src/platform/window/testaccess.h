@@ -23,7 +23,9 @@ struct Answers {
     std::function<void()> beep;
     // Told of each text where it would be painted. No letters appear then: pictures are the same with any
     // font.
-    std::function<void(int x, int y, const char* text, const LOGFONT& font, COLORREF colour)> text;
+    std::function<void(int x, int y, unsigned alignment, const char* text, const LOGFONT& font,
+                       COLORREF colour)>
+        text;
 };
 extern Answers answers;
 
