@@ -63,6 +63,11 @@ protected:
         main->frameCommand(id);
         settle();
     }
+    void select(int kind) {
+        main->selectedProblem = 1;
+        while (::database->getproblem(main->selectedProblem)->kind != kind)
+            ++main->selectedProblem;
+    }
     // Row of a key among the visible ones.
     static int rowOf(const char* key) {
         int row = 1;

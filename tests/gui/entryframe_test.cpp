@@ -110,7 +110,10 @@ TEST_F(DesktopTest, ARecordMovesToTheKeyThatIsTyped) {
     window.frameCommand(201); // nothing is left at the selection
     EXPECT_EQ(beeps, 1);
     EXPECT_FALSE(outlined(*window.gridPane, 1, 1));
-    EXPECT_NE(textsOn(*main->entriesPane).find(longest.substr(0, 9)), std::string::npos);
+    ::database->findoraddkey("bare");
+    const std::string shown = textsOn(*main->entriesPane);
+    EXPECT_NE(shown.find(longest.substr(0, 9)), std::string::npos);
+    EXPECT_NE(shown.find("808080  bare"), std::string::npos) << "a key without records is grey";
 }
 
 TEST_F(DesktopTest, APromptIsDismissedWhenItsWindowGoes) {

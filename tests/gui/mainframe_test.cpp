@@ -17,8 +17,7 @@ TEST_F(DesktopTest, MainWindowHasItsTitleSizeAndPanes) {
 
 TEST_F(DesktopTest, ASolutionThatFailsBeepsAndLeavesTheList) {
     const int before = ::database->problemcount;
-    while (::database->getproblem(main->selectedProblem)->kind != missingdirectory)
-        ++main->selectedProblem;
+    select(missingdirectory);
     writeFile(root / "bundles", "in the way");
     command(createdirectorycommand);
     command(removeemptyfilescommand); // not a solution of the selected problem
@@ -31,9 +30,7 @@ TEST_F(DesktopTest, ASolutionThatFailsBeepsAndLeavesTheList) {
     EXPECT_EQ(reports[0].find("Error 48: Unable to create the directory '" + root.path() + "\\bundles'\n"),
               0u);
     EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "the wait cursor stays";
-    main->selectedProblem = 1;
-    while (::database->getproblem(main->selectedProblem)->kind != emptyfiles)
-        ++main->selectedProblem;
+    select(emptyfiles);
     diskFaultHook = [](DiskOperation operation) { return operation == DiskOperation::sync; };
     command(removeemptyfilescommand); // which can't be announced in the database
     diskFaultHook = nullptr;
@@ -79,9 +76,7 @@ TEST_F(DesktopTest, WhatWasNotReadOrNotSavedIsToldAndKeepsTheWindowOpen) {
     command(102);
     EXPECT_TRUE(
         status().startsWith("7 problems; Could not be read: seq/X.DEF; 1 thing left out (see TXLOG.TXT); "));
-    main->selectedProblem = 1;
-    while (::database->getproblem(main->selectedProblem)->kind != duplicatekeys)
-        ++main->selectedProblem;
+    select(duplicatekeys);
     command(renameduplicatescommand);
     EXPECT_NE(reports.back().find("seq/X.DEF"), std::string::npos) << reports.back();
     EXPECT_TRUE(status().startsWith("Rename all duplicate keys: not done; ")) << status().toStdString();

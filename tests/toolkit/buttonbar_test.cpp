@@ -139,7 +139,9 @@ TEST_F(ButtonBar, ShowsTheHintOfTheButtonUnderTheMouseAfterADelay) {
     move(1);
     EXPECT_FALSE(hintOnScreen());
     EXPECT_EQ(timersGoOff(), std::vector({600}));
-    EXPECT_TRUE(hintOnScreen());
+    ASSERT_TRUE(hintOnScreen());
+    const BarButton& first = bar.button(1);
+    EXPECT_EQ(hintOnScreen()->y(), widget->mapToGlobal(QPoint(0, first.y + first.height + 5)).y());
     EXPECT_EQ(timersGoOff(), std::vector<int>());
     move(2); // has none
     EXPECT_FALSE(hintOnScreen());
