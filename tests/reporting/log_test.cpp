@@ -35,7 +35,7 @@ TEST_F(Log, TakesLinesAsTheyStandAndBeginsAnew) {
     logLine("kept");
     EXPECT_EQ(readFile(path), head + "kept\n");
     endLog();
-    EXPECT_EQ(reports, Texts{"Warning 48: 1 lines are missing in the log '" + root.path() +
+    EXPECT_EQ(reports, Texts{"Warning 48: 1 line is missing in the log '" + root.path() +
                              "\\TXLOG.TXT' because it could not be written: " + errorText(ERROR_IO_DEVICE)});
     std::filesystem::remove(path);
     std::filesystem::create_symlink("kept", path);
