@@ -56,7 +56,7 @@ bool Hold::take(Tree& opened, const std::string& directory, Marker wish) {
     }
     Entry there;
     const bool missing = wish == Marker::present && !opened.look(markerName, Links::refused, there) &&
-                         there.state.kind == EntryState::missing;
+                         there.state.kind == FileState::missing;
     return wish == Marker::left || missing || lock(opened, directory);
 }
 

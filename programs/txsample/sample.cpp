@@ -10,7 +10,7 @@
 #include "model/database.h"
 #include "model/fileclass.h"
 #include "model/filelist.h"
-#include "platform/system/path.h"
+#include "platform/system/person.h"
 #include "platform/system/text.h"
 #include "tree.h"
 

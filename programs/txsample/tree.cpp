@@ -8,9 +8,8 @@
 #include "files/binfile.h"
 #include "files/databasefile.h"
 #include "model/fileclass.h"
-#include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
-#include "platform/system/path.h"
+#include "platform/system/person.h"
 
 namespace filesystem = std::filesystem;
 
@@ -62,8 +61,7 @@ bool hasrecordchunk(const DataFile& data) {
 } // namespace
 
 SampleTree::SampleTree(std::string root, const SampleOptions& wanted)
-    : options(wanted), content(wanted.seed, wanted.keys), root_(std::move(root)),
-      failedbefore_(failedWrites()) {}
+    : options(wanted), content(wanted.seed, wanted.keys), root_(std::move(root)) {}
 
 void SampleTree::check(const std::error_code& error, const char* tried, const std::string& path) {
     if (error && !failed())
@@ -92,8 +90,7 @@ bool SampleTree::open(TSXbinfile& file, const std::string& path) {
 void SampleTree::close(TSXbinfile& file, const std::string& path, bool broken) {
     if (broken)
         file.blockwrite("no chunk here", 13);
-    file.close();
-    if (failedWrites() != failedbefore_)
+    if (file.close() != 1)
         result.failure = "can't write '" + path + "': " + errorText(GetLastError());
 }
 

@@ -69,5 +69,4 @@ private:
     void writerecord(TSXbinfile& file, const DataFile& data, const SampleRecord& record);
 
     std::string root_;
-    int failedbefore_; // writes of the process that had failed before this tree was begun
 };

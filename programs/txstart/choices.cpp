@@ -4,7 +4,7 @@
 
 #include "model/marker.h"
 #include "platform/system/errors.h"
-#include "platform/system/path.h"
+#include "platform/system/person.h"
 #include "platform/system/tree.h"
 #include "settings/settings.h"
 
@@ -126,7 +126,7 @@ std::string forgetDatabase(const std::string& home, const std::string& name) {
     if (!failure)
         failure = place.look(file, Links::refused, entry);
     if (!failure)
-        failure = place.remove(file, entry.file);
+        failure = place.remove(file, entry.state);
     return failure ? quoted(home + "/" + file) + " can't be removed. " + failure.text() : std::string();
 }
 

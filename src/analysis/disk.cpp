@@ -56,7 +56,7 @@ private:
 
     void draft(Target& target) {
         const std::string name = tree.spelled(target.path);
-        Change change = target.directory ? makingof(name, EntryState::directory) : deletionof(name, {});
+        Change change = target.directory ? makingof(name, FileState::directory) : deletionof(name, {});
         const std::string why = target.directory ? whynotmade(change) : whykept(target, change);
         if (!why.empty()) {
             tell(target, why);
@@ -88,7 +88,7 @@ private:
             return failure.text() + "\n" + repeat;
         if (!entry.outside.empty())
             return outside(entry);
-        return entry.state.kind == EntryState::missing ? "" : obstacle(change.file);
+        return entry.state.kind == FileState::missing ? "" : obstacle(change.file);
     }
 
     // Why something that stands there under that name does not serve as the directory.

@@ -94,7 +94,7 @@ private:
             failure = tree.mayChangeDirectoryOf(name);
         if (failure)
             why = failure.text();
-        else if (entry.state.kind != EntryState::missing)
+        else if (entry.state.kind != FileState::missing)
             why = std::string("Another file has that name by now. ") + inspectagain;
         else if (!entry.outside.empty())
             why = "'" + entry.outside +
@@ -106,8 +106,7 @@ private:
             return;
         }
         std::vector<std::int32_t> offsets;
-        Change change = makingof(name, EntryState::plain, contentOf(file.wholecontent(offsets)));
-        change.parts = {Standing::before};
+        Change change = makingof(name, FileState::plain, contentOf(file.wholecontent(offsets)));
         add(file, std::move(change), std::move(offsets));
     }
 

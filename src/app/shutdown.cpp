@@ -1,7 +1,7 @@
 // From the end of the message loop to that of the process. The window system is gone by then.
 #include "app/application.h"
 #include "model/database.h"
-#include "platform/system/directory.h"
+#include "platform/system/person.h"
 #include "platform/system/startprogram.h"
 #include "reporting/log.h"
 #include "reporting/report.h"

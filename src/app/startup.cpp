@@ -8,7 +8,7 @@
 #include "changes/finish.h"
 #include "model/database.h"
 #include "model/marker.h"
-#include "platform/system/directory.h"
+#include "platform/system/person.h"
 #include "platform/system/startprogram.h"
 #include "platform/window/msgbox.h"
 #include "reporting/log.h"

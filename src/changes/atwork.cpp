@@ -1,11 +1,14 @@
 #include "changes/atwork.h"
 
-#include <charconv>
+#include <algorithm>
+#include <cstdlib>
 #include <ctime>
-#include <utility>
+#include <map>
+#include <sstream>
 
 #include "changes/content.h"
-#include "platform/system/user.h"
+#include "platform/system/hold.h"
+#include "platform/system/person.h"
 
 namespace {
 
@@ -13,7 +16,10 @@ constexpr std::string_view title =
     "TX-CHANGE-v1.0\n"
     "A change of this database is at work, or was interrupted: txcheck tells.\n";
 constexpr std::size_t largest = 8192;
-constexpr std::uint32_t readableForAll = 0444;
+
+std::uint32_t readableForAll(std::uint32_t permissions) { // a closed one would tell nothing
+    return permissions | 0444;
+}
 
 // A line holds a name and a value; what would break it is left out.
 std::string line(const char* name, std::string value) {
@@ -30,38 +36,22 @@ std::string encode(const ChangeAtWork& change) {
     return text + line("sum", std::to_string(checksumOf(text)));
 }
 
-// Takes a line of that name from the front. False where another stands there.
-bool take(std::string_view& text, std::string_view name, std::string& value) {
-    const std::size_t end = text.find('\n');
-    const std::string_view found = text.substr(0, end);
-    if (end == std::string_view::npos || !found.starts_with(name) || found.substr(name.size(), 1) != "=")
-        return false;
-    value = found.substr(name.size() + 1);
-    text.remove_prefix(end + 1);
-    return true;
-}
-
-template <class Number> bool take(std::string_view& text, std::string_view name, Number& value) {
-    std::string digits;
-    if (!take(text, name, digits))
-        return false;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    return error == std::errc() && end == digits.data() + digits.size();
-}
-
-bool decode(std::string_view text, ChangeAtWork& change) {
-    const std::string_view whole = text;
-    std::uint32_t sum = 0;
-    if (!text.starts_with(title))
-        return false;
-    text.remove_prefix(title.size());
-    const bool taken = take(text, "undo", change.undo) && take(text, "number", change.number) &&
-                       take(text, "group", change.group) && take(text, "user", change.user) &&
-                       take(text, "host", change.host) && take(text, "time", change.time) &&
-                       take(text, "place", change.place);
-    const std::uint32_t found = checksumOf(whole.substr(0, whole.size() - text.size()));
-    return taken && take(text, "sum", sum) && sum == found && text.empty() &&
-           change.undo.find_first_of("/\\") == std::string::npos;
+// What encode has made, and nothing else.
+bool decode(const std::string& text, ChangeAtWork& change) {
+    std::map<std::string, std::string> values;
+    std::istringstream lines(text.substr(std::min(title.size(), text.size())));
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t end = std::min(line.find('='), line.size() - 1);
+        values[line.substr(0, end)] = line.substr(end + 1);
+    }
+    change.undo = values["undo"];
+    change.number = std::strtoull(values["number"].c_str(), nullptr, 10);
+    change.group = static_cast<std::uint32_t>(std::strtoul(values["group"].c_str(), nullptr, 10));
+    change.user = values["user"];
+    change.host = values["host"];
+    change.time = std::strtoll(values["time"].c_str(), nullptr, 10);
+    change.place = values["place"];
+    return encode(change) == text && change.undo.find_first_of("/\\") == std::string::npos;
 }
 
 } // namespace
@@ -76,52 +66,30 @@ std::string ChangeAtWork::who() const {
 }
 
 Failure AtWork::begin(Tree& tree, const ChangeAtWork& change) {
-    NewFile made;
-    FileState own;
-    Failure failure = tree.make(name, made, Rights::asDirectory, Appears::atOnce);
+    Failure failure = makeHeld(tree, name, encode(change), readableForAll, file_);
     if (!failure)
-        failure = made.file.lock();
-    if (!failure)
-        failure = made.file.write(0, encode(change));
-    EntryState state;
-    if (!failure && !made.file.entry(state)) // a closed one would tell nothing
-        failure = made.file.permit(state.permissions | readableForAll);
-    if (!failure)
-        failure = made.file.state(own);
-    if (!failure)
-        failure = made.keep();
-    if (failure)
-        return failure;
-    file_ = std::move(made.file);
-    Entry entry;
-    failure = tree.syncDirectoryOf(name);
-    if (!failure)
-        failure = tree.look(name, Links::refused, entry);
-    if (!failure && entry.file.identity != own.identity)
-        failure = {ERROR_FILE_INVALID};
-    if (failure) [[maybe_unused]]
+        failure = tree.syncDirectoryOf(name);
+    if (failure && stands()) [[maybe_unused]]
         const Failure left = end(tree);
     return failure;
 }
 
 Failure AtWork::adopt(Tree& tree) {
-    File file;
-    Failure failure = tree.openToWrite(name, file, Links::refused);
-    if (!failure)
-        failure = file.lock();
-    if (!failure)
-        file_ = std::move(file);
+    const Failure failure = openHeld(tree, name, file_);
+    if (failure)
+        file_ = File();
     return failure;
 }
 
+// Where another stands there or none, somebody has tidied up.
 Failure AtWork::end(Tree& tree) {
     FileState own;
     Entry entry;
     Failure failure = file_.state(own);
     if (!failure)
         failure = tree.look(name, Links::refused, entry);
-    if (!failure && entry.file.identity == own.identity) // else somebody has tidied up
-        failure = tree.remove(name, entry.file);
+    if (!failure && entry.state.identity == own.identity)
+        failure = tree.remove(name, entry.state);
     if (!failure)
         failure = tree.syncDirectoryOf(name);
     if (!failure)

@@ -60,60 +60,60 @@ Failure readparts(const File& file, Change& change) {
     return failure;
 }
 
+// To be changed, if it is still the file that was looked at.
+Failure openjudged(Tree& tree, const Change& change, Links links, File& file) {
+    const Failure failure = tree.openToWrite(change.file, file, links);
+    return failure || file.opened().isUnchanged(change.judged) ? failure : Failure{ERROR_FILE_INVALID};
+}
+
 Failure lookatkeys(Tree& tree, Change& change) {
     File file;
-    Entry entry;
-    Failure failure = lookexactly(tree, change.file, entry);
-    if (!failure && entry.state.kind == EntryState::missing)
+    Failure failure = lookexactly(tree, change.file, change.judged);
+    if (!failure && change.judged.kind == FileState::missing)
         failure = {ERROR_FILE_NOT_FOUND};
     if (!failure)
         failure = tree.openToWrite(change.file, file);
-    if (!failure)
-        failure = file.state(change.judged);
+    change.judged = file.opened();
     return failure ? failure : readparts(file, change);
 }
 
-Failure comparewith(Tree& tree, const Change& change, const Entry& entry, Likeness& likeness) {
-    likeness = Likeness::other;
-    if (entry.state.kind != change.state.kind)
+// Whether there stands what comes or goes: after, torn or other. A file is compared by the very opening by
+// which it is known from then on.
+Failure comparewhole(Tree& tree, Change& change, Standing& standing) {
+    standing = Standing::other;
+    if (change.judged.kind != change.state.kind)
         return {};
-    if (entry.state.kind == EntryState::plain) {
+    if (change.state.kind == FileState::plain) {
         File file;
         const Failure failure = tree.openToRead(change.file, file, Links::refused);
-        return failure ? failure : compare(file, change.content, likeness);
+        change.judged = file.opened();
+        return failure ? failure : compare(file, change.content, standing);
     }
     std::string target, wanted;
-    if (entry.state.kind == EntryState::symbolic) {
-        if (const Failure failure = tree.readLink(change.file, target))
-            return failure;
-        [[maybe_unused]] const Failure none =
-            change.content.pieces([&](std::int64_t, std::string_view bytes) {
-                wanted += bytes;
-                return Failure();
-            });
-    }
+    Failure failure;
+    if (change.state.kind == FileState::symbolic)
+        failure = tree.readLink(change.file, target);
+    if (!failure)
+        failure = wholeOf(change.content, wanted);
     if (target == wanted)
-        likeness = Likeness::same;
-    return {};
+        standing = Standing::after;
+    return failure;
 }
 
 // Of an entry that comes or goes as a whole.
 Failure lookatwhole(Tree& tree, Change& change) {
-    Entry entry;
-    Likeness likeness = Likeness::other;
-    if (const Failure failure = lookexactly(tree, change.file, entry))
-        return failure;
-    change.judged = entry.file;
+    Standing standing = Standing::other;
     const bool coming = change.kind == Change::making;
-    if (entry.state.kind == EntryState::missing) {
-        change.parts = {coming ? Standing::before : Standing::after};
-        return {};
-    }
-    const Failure failure = comparewith(tree, change, entry, likeness);
-    if (likeness == Likeness::same)
-        change.parts = {coming ? Standing::after : Standing::before};
-    else
-        change.parts = {likeness == Likeness::begun && coming ? Standing::torn : Standing::other};
+    Failure failure = lookexactly(tree, change.file, change.judged);
+    const bool there = change.judged.kind != FileState::missing;
+    if (!failure && there)
+        failure = comparewhole(tree, change, standing);
+    const bool same = standing == Standing::after;
+    if (coming ? !there : same)
+        standing = Standing::before;
+    else if (!coming)
+        standing = there ? Standing::other : Standing::after;
+    change.parts = {standing};
     return failure;
 }
 
@@ -130,97 +130,87 @@ Failure writefields(const File& file, const Change& change) {
 
 Failure applykeys(Tree& tree, Change& change) {
     File file;
-    FileState now;
-    Failure failure = tree.openToWrite(change.file, file);
-    if (!failure)
-        failure = file.state(now);
-    if (failure || !now.isUnchanged(change.judged))
-        return failure ? failure : Failure{ERROR_FILE_INVALID};
+    Failure failure = openjudged(tree, change, Links::followed, file);
+    if (failure)
+        return failure;
     change.begun = true;
     failure = writefields(file, change);
-    if (!failure && change.sizeafter < change.state.size && now.size > change.sizeafter)
+    if (!failure && change.sizeafter < change.state.size && file.opened().size > change.sizeafter)
         failure = file.cut(change.sizeafter);
     if (!failure)
         failure = file.sync();
     if (!failure)
         failure = readparts(file, change);
-    if (!failure && change.given && isdone(change)) {
-        EntryState wanted;
-        wanted.read = change.read;
-        wanted.changed = change.changed;
-        failure = tree.giveTimes(file, wanted);
-    }
+    if (!failure && change.given && isdone(change))
+        failure = file.giveTimes(change.read, change.changed);
     if (!failure)
         failure = file.state(change.judged);
     const Failure closed = file.close();
     return failure ? failure : closed;
 }
 
+// One of which the first bytes stand there has its own name from the start.
 Failure makeplain(Tree& tree, Change& change) {
     NewFile made;
-    Failure failure = tree.make(change.file, made, change.given ? Rights::ownerOnly : Rights::asDirectory);
-    if (!failure)
-        failure = writeContent(change.content, made.file);
-    if (!failure && change.given)
-        failure = tree.give(made.file, change.state, change.attributes);
-    return failure ? failure : made.keep();
-}
-
-// One of which the first bytes stand there has its own name from the start.
-Failure endplain(Tree& tree, Change& change) {
-    File file;
-    FileState now;
-    Failure failure = tree.openToWrite(change.file, file, Links::refused);
-    if (!failure)
-        failure = file.state(now);
-    if (!failure && !now.isUnchanged(change.judged))
-        failure = {ERROR_FILE_INVALID};
-    change.begun = !failure;
+    File begun;
+    const bool fresh = change.parts[0] == Standing::before;
+    const Rights rights = change.given ? Rights::ownerOnly : Rights::asDirectory;
+    Failure failure =
+        fresh ? tree.make(change.file, made, rights) : openjudged(tree, change, Links::refused, begun);
+    const File& file = fresh ? made.file : begun;
+    change.begun = !failure && !fresh;
     if (!failure)
         failure = writeContent(change.content, file);
     if (!failure && change.given)
-        failure = tree.give(file, change.state, change.attributes);
-    return failure ? failure : file.sync();
+        failure = file.give(change.state, change.attributes);
+    return failure ? failure : fresh ? made.keep() : begun.sync();
 }
 
 Failure makelink(Tree& tree, const Change& change) {
     std::string target;
-    const Failure failure = change.content.pieces([&](std::int64_t, std::string_view bytes) {
-        target += bytes;
-        return Failure();
-    });
+    const Failure failure = wholeOf(change.content, target);
     return failure ? failure : tree.makeLink(change.file, target);
 }
 
 Failure make(Tree& tree, Change& change) {
-    const bool plain = change.state.kind == EntryState::plain;
-    if (change.parts[0] != Standing::before)
-        return plain && change.othername.empty() ? endplain(tree, change) : Failure();
-    if (change.state.kind == EntryState::directory)
-        return tree.makeDirectory(change.file);
-    if (change.state.kind == EntryState::symbolic)
-        return makelink(tree, change);
-    return change.othername.empty() ? makeplain(tree, change) : tree.addName(change.file, change.othername);
+    if (!change.othername.empty() || change.state.kind != FileState::plain)
+        return change.parts[0] != Standing::before         ? Failure()
+               : !change.othername.empty()                 ? tree.addName(change.file, change.othername)
+               : change.state.kind == FileState::directory ? tree.makeDirectory(change.file)
+                                                           : makelink(tree, change);
+    return makeplain(tree, change);
 }
 
 Failure applymaking(Tree& tree, Change& change) {
     Failure failure = make(tree, change);
-    if (!failure && change.given && change.state.kind != EntryState::plain) // which got it while it was open
-        failure = tree.give(change.file, change.state, change.attributes);
+    if (!failure && change.given && change.state.kind != FileState::plain) { // which got it while it was open
+        File made;
+        failure = tree.openEntry(change.file, made);
+        if (!failure)
+            failure = made.give(change.state, change.attributes);
+    }
     if (!failure)
         failure = lookatwhole(tree, change);
     return failure || change.parts[0] != Standing::other ? failure : Failure{ERROR_FILE_INVALID};
 }
 
 Failure applydeletion(Tree& tree, Change& change) {
-    if (change.parts[0] == Standing::after)
-        return {};
-    const Failure failure = change.state.kind == EntryState::directory
+    const Failure failure = change.state.kind == FileState::directory
                                 ? tree.removeDirectory(change.file)
                                 : tree.remove(change.file, change.judged);
-    if (!failure || failure.isAbsence()) // one that has gone is what was asked for
-        change.parts = {Standing::after};
-    return failure.isAbsence() ? Failure() : failure;
+    if (failure && !failure.isAbsence()) // one that has gone is what was asked for
+        return failure;
+    change.parts = {Standing::after};
+    return {};
+}
+
+Failure apply(Tree& tree, Change& change) {
+    const bool done = change.kind == Change::deletion && isdone(change);
+    if (all(change, Standing::other) || done)
+        return {};
+    return change.kind == Change::keys     ? applykeys(tree, change)
+           : change.kind == Change::making ? applymaking(tree, change)
+                                           : applydeletion(tree, change);
 }
 
 // Whether the bytes of a field give that key, as the reader takes it. The file may end behind the text, or
@@ -259,26 +249,16 @@ Standing standingof(std::string_view found, const KeyField& field) {
     return isMix(found, before, after) ? Standing::torn : Standing::other;
 }
 
-Failure lookexactly(Tree& tree, const std::string& name, Entry& entry) {
+Failure lookexactly(Tree& tree, const std::string& name, FileState& state) {
+    Entry entry;
     const Failure failure = tree.look(name, Links::refused, entry);
-    if (entry.name.substr(entry.name.rfind('/') + 1) != name.substr(name.rfind('/') + 1)) {
-        entry.state = EntryState();
-        entry.file = FileState();
-    }
+    const bool same = entry.name.substr(entry.name.rfind('/') + 1) == name.substr(name.rfind('/') + 1);
+    state = same ? entry.state : FileState();
     return failure;
 }
 
 Failure look(Tree& tree, Change& change) {
     return change.kind == Change::keys ? lookatkeys(tree, change) : lookatwhole(tree, change);
-}
-
-Failure apply(Tree& tree, Change& change) {
-    if (all(change, Standing::other))
-        return {};
-    const Failure failure = change.kind == Change::keys     ? applykeys(tree, change)
-                            : change.kind == Change::making ? applymaking(tree, change)
-                                                            : applydeletion(tree, change);
-    return failure;
 }
 
 bool applyall(Tree& tree, std::vector<Change>& group, std::vector<Failure>& failures) {
@@ -320,40 +300,34 @@ bool isdone(const Change& change) {
 
 std::string draftkeys(Tree& tree, const FileState& onread, const std::vector<NewKey>& keys, Change& change,
                       std::vector<std::string>& left) {
-    File file;
-    Entry entry;
-    Failure failure = tree.openToWrite(change.file, file);
-    if (!failure)
-        failure = file.state(change.judged);
-    if (!failure)
-        failure = file.entry(change.state);
+    const auto file = std::make_shared<File>();
+    Failure failure = tree.openToWrite(change.file, *file);
     if (failure)
         return failure.text();
+    change.state = change.judged = file->opened();
     if (!change.judged.isUnchanged(onread))
         return "another program has changed it since it was read";
     change.sizeafter = change.state.size;
-    FieldReader reader(file);
+    FieldReader reader(*file);
     for (const NewKey& key : keys)
         if (std::string why = draftkey(reader, key, change); !why.empty())
             left.push_back(std::move(why));
     change.parts.assign(change.fieldcount, Standing::before);
-    auto whole = std::make_shared<const File>(std::move(file));
-    failure = checksumOf(contentOf(whole, change.state.size), change.checksum);
+    failure = checksumOf(contentOf(file, change.state.size), change.checksum);
     return failure ? failure.text() : "";
 }
 
 Failure draftdeletion(Tree& tree, const FileState& known, Change& change) {
     Entry entry, target;
     Failure failure = tree.look(change.file, Links::refused, entry);
-    if (!failure && entry.state.kind == EntryState::symbolic)
+    const bool link = entry.state.kind == FileState::symbolic;
+    if (!failure && link)
         failure = tree.look(change.file, Links::followed, target);
     if (failure)
         return failure;
-    if (entry.state.kind == EntryState::missing)
+    if (entry.state.kind == FileState::missing)
         return {ERROR_FILE_NOT_FOUND};
-    const FileState& file = entry.state.kind == EntryState::symbolic ? target.file : entry.file;
-    change.state = entry.state;
-    change.judged = entry.file;
-    change.parts = {Standing::before};
-    return known.identity.inode == 0 || file.isUnchanged(known) ? Failure() : Failure{ERROR_FILE_INVALID};
+    change = deletionof(std::move(change.file), entry.state);
+    const bool unchanged = (link ? target : entry).state.isUnchanged(known);
+    return known.identity.inode == 0 || unchanged ? Failure() : Failure{ERROR_FILE_INVALID};
 }

@@ -8,21 +8,17 @@
 #include "changes/change.h"
 #include "platform/system/tree.h"
 
-// What has that very name: one in other letters is another. A link at its end is not followed.
-Failure lookexactly(Tree& tree, const std::string& name, Entry& entry);
+// The state of what has that very name: one in other letters is another. A link at its end is not followed.
+Failure lookexactly(Tree& tree, const std::string& name, FileState& state);
 
 // Fills in what stands there now: which file it is, and each part. A file that is away is a failure for keys
 // alone.
 Failure look(Tree& tree, Change& change);
-// Carries out what was looked at, all parts but those where other bytes stand; also what reads as it is to
-// be, since it may only be in memory. ERROR_FILE_INVALID, and nothing is done, where another file stands
-// there or it was changed since it was looked at. The names of directories are synced by the caller. The
-// change is then as if it had been looked at again.
-Failure apply(Tree& tree, Change& change);
-
-// Carries out a group that was looked at, and puts the names of its directories on the disk. Gives each
-// change its failure, and whether something may stand otherwise on the disk than it reads: it is to be
-// carried out again.
+// Carries out a group that was looked at: all parts but those where other bytes stand; also what reads as it
+// is to be, since it may only be in memory. Of a change nothing is done (ERROR_FILE_INVALID) where another
+// file stands there or it was changed since it was looked at. Puts the names of its directories on the disk.
+// Gives each change its failure and what stands there now, and whether something may stand otherwise on the
+// disk than it reads: it is to be carried out again.
 bool applyall(Tree& tree, std::vector<Change>& group, std::vector<Failure>& failures);
 
 // What bytes that were found are at a field.

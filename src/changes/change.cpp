@@ -7,17 +7,19 @@ Change deletionof(std::string file, const FileState& judged) {
     Change change;
     change.kind = Change::deletion;
     change.file = std::move(file);
-    change.judged = judged;
+    change.state = change.judged = judged;
+    change.parts = {Standing::before};
     return change;
 }
 
-Change makingof(std::string file, EntryState::Kind kind, FileContent content) {
+Change makingof(std::string file, FileState::Kind kind, FileContent content) {
     Change change;
     change.kind = Change::making;
     change.file = std::move(file);
     change.state.kind = kind;
     change.state.size = content.size;
     change.content = std::move(content);
+    change.parts = {Standing::before};
     return change;
 }
 
@@ -36,6 +38,11 @@ KeyField readfield(Decoder& from) {
     field.before = from.field();
     field.after = from.field();
     return field;
+}
+
+std::string parentof(const std::string& name) {
+    const std::size_t slash = name.rfind('/');
+    return slash == std::string::npos ? "" : name.substr(0, slash);
 }
 
 std::string keyin(std::string_view field) {

@@ -11,12 +11,7 @@
 
 #include "changes/bytes.h"
 #include "changes/content.h"
-#include "platform/system/entry.h"
 #include "platform/system/filestate.h"
-
-// What stands at a part of a change. Torn: each byte is one of before or of after; of a file that is to come,
-// its first bytes.
-enum class Standing : std::uint8_t { before, after, torn, other };
 
 struct KeyField {
     std::int32_t record = 0; // from 1
@@ -30,7 +25,7 @@ struct Change {
 
     Kind kind = keys;
     std::string file; // below the database's directory, as it is spelled on the disk
-    EntryState state; // before the change; of a making, what is made
+    FileState state;  // before the change; of a making, what is made
     bool given =
         false; // a restore: owner, rights and times of the state are given back; of keys the times alone
     Moment read, changed;              // keys: those times
@@ -49,8 +44,9 @@ struct Change {
     bool made = false;           // it stands on the disk
 };
 
+// Of what stands there, or of nothing, as it was looked at.
 Change deletionof(std::string file, const FileState& judged);
-Change makingof(std::string file, EntryState::Kind kind, FileContent content = {});
+Change makingof(std::string file, FileState::Kind kind, FileContent content = {});
 
 void addfield(Change& change, std::int32_t record, std::int64_t offset, std::string_view before,
               std::string_view after);
@@ -62,7 +58,8 @@ template <class Visit> void foreachfield(const Change& change, Visit visit) {
         visit(readfield(from));
 }
 
-std::string keyin(std::string_view field); // the text that the bytes of a key field hold
+std::string parentof(const std::string& name); // its directory, "" for one in the database's own
+std::string keyin(std::string_view field);     // the text that the bytes of a key field hold
 
 // A line of what was changed: one key, or a file or directory that went or came.
 struct ChangeLine {

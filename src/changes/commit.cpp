@@ -4,8 +4,8 @@
 
 #include "changes/carryout.h"
 #include "platform/system/messagebox.h"
+#include "platform/system/person.h"
 #include "platform/system/signalhold.h"
-#include "platform/system/user.h"
 #include "reporting/report.h"
 
 namespace {

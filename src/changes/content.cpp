@@ -5,12 +5,9 @@
 
 #include <zlib.h>
 
-#include "changes/bytes.h"
-
 namespace {
 
 constexpr std::int64_t pieceSize = 262144;
-using Patches = std::map<std::int64_t, std::string>;
 
 // Visits the bytes of a file from start to end in pieces, holes left out.
 Failure visitData(const File& file, std::int64_t start, std::int64_t end, const FileContent::Visit& visit) {
@@ -34,79 +31,14 @@ Failure visitData(const File& file, std::int64_t start, std::int64_t end, const 
     return {};
 }
 
-// Patches on their way through the pieces: those in front of a piece are visited as pieces of their own.
-class Patcher {
-public:
-    Patcher(const Patches& patches, const FileContent::Visit& visit) : visit_(visit), rest_(patches) {}
-
-    Failure piece(std::int64_t offset, std::string_view bytes) {
-        const std::int64_t end = offset + static_cast<std::int64_t>(bytes.size());
-        if (const Failure failure = before(offset))
-            return failure;
-        std::string mixed(bytes);
-        while (!rest_.empty() && rest_.begin()->first < end) {
-            const auto [at, patch] = *rest_.begin();
-            rest_.erase(rest_.begin());
-            const auto taken = std::min(patch.size(), static_cast<std::size_t>(end - at));
-            mixed.replace(static_cast<std::size_t>(at - offset), taken, patch, 0, taken);
-            if (taken < patch.size())
-                rest_[end] = patch.substr(taken);
-        }
-        return visit_(offset, mixed);
-    }
-
-    // Visits the patches, or their parts, that lie in front of an offset.
-    Failure before(std::int64_t offset) {
-        while (!rest_.empty() && rest_.begin()->first < offset) {
-            const auto [at, patch] = *rest_.begin();
-            rest_.erase(rest_.begin());
-            const auto taken = std::min(patch.size(), static_cast<std::size_t>(offset - at));
-            if (taken < patch.size())
-                rest_[offset] = patch.substr(taken);
-            if (const Failure failure = visit_(at, std::string_view(patch).substr(0, taken)))
-                return failure;
-        }
-        return {};
-    }
-
-private:
-    const FileContent::Visit& visit_;
-    Patches rest_;
-};
-
-// Zeros count as a hole, so that it does not matter where a file has holes.
-class BlockChecksum {
-public:
-    void add(std::int64_t offset, std::string_view bytes) {
-        while (!bytes.empty()) {
-            if (offset / blockSize != number_)
-                flush(offset / blockSize);
-            const std::string_view taken =
-                bytes.substr(0, static_cast<std::size_t>(blockSize - offset % blockSize));
-            block_.replace(static_cast<std::size_t>(offset % blockSize), taken.size(), taken);
-            offset += static_cast<std::int64_t>(taken.size());
-            bytes.remove_prefix(taken.size());
-        }
-    }
-    std::uint32_t end() {
-        flush(0);
-        return checksum_;
-    }
-
-private:
-    static constexpr std::int64_t blockSize = 4096;
-
-    void flush(std::int64_t next) {
-        if (block_.find_first_not_of('\0') != std::string::npos)
-            checksum_ = checksumOf(block_, checksumOf(Encoder().number(number_).bytes, checksum_));
-        block_.assign(blockSize, '\0');
-        number_ = next;
-    }
-
-    std::int64_t number_ = 0;
-    std::string block_ = std::string(blockSize, '\0');
-    std::uint32_t checksum_ = 0;
-};
+// The checksum of so many zero bytes.
+std::uint32_t checksumOfZeros(std::int64_t count) {
+    if (count < 2)
+        return checksumOf(std::string_view("", static_cast<std::size_t>(count)));
+    const std::uint32_t half = checksumOfZeros(count / 2);
+    const auto whole = static_cast<std::uint32_t>(crc32_combine(half, half, count / 2));
+    return count % 2 == 0 ? whole : checksumOf(std::string_view("", 1), whole);
+}
 
 // Whether the file has no other bytes than zeros from start to end.
 Failure lookForZeros(const File& file, std::int64_t start, std::int64_t end, bool& zeros) {
@@ -131,17 +63,34 @@ FileContent contentOf(std::shared_ptr<const File> file, std::int64_t size) {
             }};
 }
 
+Failure wholeOf(const FileContent& content, std::string& bytes) {
+    bytes.clear();
+    return content.pieces([&](std::int64_t, std::string_view piece) {
+        bytes += piece;
+        return Failure();
+    });
+}
+
 FileContent patched(FileContent content, std::map<std::int64_t, std::string> patches) {
-    if (patches.empty())
-        return content;
+    constexpr std::int64_t longest = 255;
     const std::int64_t size = content.size;
-    return {size,
-            [content = std::move(content), patches = std::move(patches)](const FileContent::Visit& visit) {
-                Patcher patcher(patches, visit);
-                const Failure failure = content.pieces([&](std::int64_t offset, std::string_view bytes) {
-                    return patcher.piece(offset, bytes);
+    const auto patch = [patches = std::move(patches)](std::int64_t offset, std::string& bytes) {
+        const std::int64_t end = offset + static_cast<std::int64_t>(bytes.size());
+        for (auto at = patches.lower_bound(offset - longest); at != patches.end() && at->first < end; ++at) {
+            const std::int64_t from = std::max(at->first, offset);
+            const std::int64_t to = std::min(at->first + static_cast<std::int64_t>(at->second.size()), end);
+            if (from < to)
+                bytes.replace(static_cast<std::size_t>(from - offset), static_cast<std::size_t>(to - from),
+                              at->second, static_cast<std::size_t>(from - at->first),
+                              static_cast<std::size_t>(to - from));
+        }
+    };
+    return {size, [content = std::move(content), patch](const FileContent::Visit& visit) {
+                return content.pieces([&](std::int64_t offset, std::string_view bytes) {
+                    std::string mixed(bytes);
+                    patch(offset, mixed);
+                    return visit(offset, mixed);
                 });
-                return failure ? failure : patcher.before(content.size);
             }};
 }
 
@@ -151,30 +100,22 @@ Failure writeContent(const FileContent& content, const File& file) {
     return failure ? failure : file.cut(content.size);
 }
 
-Failure compare(const File& file, const FileContent& content, Likeness& likeness) {
-    FileState state;
-    likeness = Likeness::other;
-    if (const Failure failure = file.state(state))
-        return failure;
-    const std::int64_t end = std::min(state.size, content.size);
+Failure compare(const File& file, const FileContent& content, Standing& standing) {
+    const std::int64_t size = file.opened().size;
     std::int64_t reached = 0;
-    bool equal = state.size <= content.size;
-    std::string found;
+    bool equal = size <= content.size;
+    std::string found; // where the file ends, fewer bytes
     Failure failure = content.pieces([&](std::int64_t offset, std::string_view bytes) {
-        const std::int64_t start = std::min(offset, end);
-        if (Failure failed = lookForZeros(file, reached, start, equal))
-            return failed;
-        const auto size =
-            static_cast<std::size_t>(std::clamp<std::int64_t>(end - start, 0, std::int64_t(bytes.size())));
-        reached = start + static_cast<std::int64_t>(size);
-        const Failure failed = file.read(start, size, found);
-        equal = equal && found == bytes.substr(0, size);
+        Failure failed = lookForZeros(file, reached, std::min(offset, size), equal);
+        if (!failed)
+            failed = file.read(offset, bytes.size(), found);
+        equal = equal && bytes.starts_with(found);
+        reached = offset + static_cast<std::int64_t>(bytes.size());
         return failed;
     });
     if (!failure)
-        failure = lookForZeros(file, reached, end, equal);
-    if (equal)
-        likeness = state.size == content.size ? Likeness::same : Likeness::begun;
+        failure = lookForZeros(file, reached, size, equal);
+    standing = !equal ? Standing::other : size == content.size ? Standing::after : Standing::torn;
     return failure;
 }
 
@@ -184,11 +125,19 @@ std::uint32_t checksumOf(std::string_view bytes, std::uint32_t before) {
 }
 
 Failure checksumOf(const FileContent& content, std::uint32_t& checksum) {
-    BlockChecksum blocks;
+    std::int64_t reached = 0;
+    checksum = 0;
+    const auto passHole = [&](std::int64_t end) {
+        const std::int64_t size = end - reached;
+        checksum = static_cast<std::uint32_t>(crc32_combine(checksum, checksumOfZeros(size), size));
+        reached = end;
+    };
     const Failure failure = content.pieces([&](std::int64_t offset, std::string_view bytes) {
-        blocks.add(offset, bytes);
+        passHole(offset);
+        checksum = checksumOf(bytes, checksum);
+        reached += static_cast<std::int64_t>(bytes.size());
         return Failure();
     });
-    checksum = blocks.end();
+    passHole(content.size);
     return failure;
 }

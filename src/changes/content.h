@@ -21,13 +21,17 @@ struct FileContent {
 
 FileContent contentOf(std::string bytes);
 FileContent contentOf(std::shared_ptr<const File> file, std::int64_t size);
-// The same with other bytes at some offsets, which may lie in holes but not behind the end.
+Failure wholeOf(const FileContent& content, std::string& bytes); // of a short one
+// The same with other bytes at some offsets, which lie in no hole and are key fields at most.
 FileContent patched(FileContent content, std::map<std::int64_t, std::string> patches);
 
 Failure writeContent(const FileContent& content, const File& file);
 
-enum class Likeness { same, begun, other }; // begun: the file has the first bytes, and ends then
-Failure compare(const File& file, const FileContent& content, Likeness& likeness);
+// What stands at a part of a change. Torn: each byte is one of before or of after; of a file that is to come,
+// its first bytes.
+enum class Standing : std::uint8_t { before, after, torn, other };
+// Whether the file holds that content: after, torn or other.
+Failure compare(const File& file, const FileContent& content, Standing& standing);
 
 std::uint32_t checksumOf(std::string_view bytes, std::uint32_t before = 0); // CRC-32
 Failure checksumOf(const FileContent& content, std::uint32_t& checksum);    // a hole is as zeros are

@@ -8,8 +8,8 @@
 #include "changes/linkednames.h"
 #include "changes/place.h"
 #include "changes/undowriter.h"
+#include "platform/system/person.h"
 #include "platform/system/signalhold.h"
-#include "platform/system/user.h"
 
 namespace {
 

@@ -56,19 +56,23 @@ Failure visitpieces(const File& file, std::uint64_t start, std::uint64_t end,
     return {};
 }
 
-Failure FrameWriter::add(FrameKind kind, std::string_view bytes) {
+void FrameWriter::add(FrameKind kind, std::string_view bytes) {
     constexpr std::size_t enough = 1048576;
     buffer_ += headOf(kind, static_cast<std::uint64_t>(position_) + buffer_.size(), bytes);
     buffer_ += bytes;
-    return buffer_.size() < enough ? Failure() : flush(position_);
+    if (buffer_.size() >= enough)
+        flush();
 }
 
-Failure FrameWriter::flush(std::int64_t& position) {
-    const Failure failure = file_.write(position_, buffer_);
-    if (failure)
-        return failure;
-    position_ += static_cast<std::int64_t>(buffer_.size());
+Failure FrameWriter::end(std::int64_t& position) {
+    flush();
     position = position_;
+    return failure_;
+}
+
+void FrameWriter::flush() {
+    if (!failure_)
+        failure_ = file_.write(position_, buffer_);
+    position_ += static_cast<std::int64_t>(buffer_.size());
     buffer_.clear();
-    return {};
 }

@@ -34,15 +34,19 @@ private:
 Failure visitpieces(const File& file, std::uint64_t start, std::uint64_t end,
                     const FileContent::Visit& visit);
 
-// Appends frames to a file.
+// Appends frames to a file, until one fails.
 class FrameWriter {
 public:
     FrameWriter(const File& file, std::int64_t start) : file_(file), position_(start) {}
-    Failure add(FrameKind kind, std::string_view bytes);
-    Failure flush(std::int64_t& position); // gives the position behind the last frame
+    void add(FrameKind kind, std::string_view bytes);
+    Failure end(std::int64_t& position);         // gives the position behind the last frame
+    Failure failure() const { return failure_; } // the first so far
 
 private:
+    void flush();
+
     const File& file_;
     std::int64_t position_;
     std::string buffer_;
+    Failure failure_;
 };

@@ -14,15 +14,13 @@ public:
     explicit LinkedNames(Tree& tree) : tree_(tree) {}
 
     // All names of the file of that state, as far as they can be read.
-    const std::vector<std::string>& of(const EntryState& state);
+    const std::vector<std::string>& of(const FileState& state);
     // Why a file must not be written in place: it has names elsewhere too. Empty where it has none.
-    std::string whyreachesothers(const EntryState& state);
+    std::string whyreachesothers(const FileState& state);
     // One that is not the name itself; empty where there is none.
-    std::string other(const std::string& name, const EntryState& state);
+    std::string other(const std::string& name, const FileState& state);
 
 private:
-    void lookthrough(const std::string& directory);
-
     Tree& tree_;
     bool looked_ = false;
     std::map<std::uint64_t, std::vector<std::string>> names_; // by number of the file

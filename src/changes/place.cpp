@@ -5,7 +5,7 @@
 #include <ctime>
 #include <map>
 
-#include "platform/system/entry.h"
+#include "platform/system/person.h"
 #include "platform/system/text.h"
 
 namespace {
@@ -42,7 +42,7 @@ bool leadsNowhere(Tree& place, const std::string& name) {
 void take(Tree& place, const std::string& name) {
     Entry entry;
     if (!place.look(name, Links::refused, entry)) [[maybe_unused]]
-        const Failure left = place.remove(name, entry.file);
+        const Failure left = place.remove(name, entry.state);
 }
 
 UndoListEntry entryOf(Tree& place, const std::string& name) {
@@ -54,9 +54,7 @@ UndoListEntry entryOf(Tree& place, const std::string& name) {
     entry.directory = undo.directory;
     entry.time = timeOf(name);
     entry.maygo = entry.time + keptSeconds;
-    FileState state;
-    if (undo.file && !undo.file->state(state))
-        entry.size = state.size;
+    entry.size = undo.file ? undo.file->opened().size : 0;
     return entry;
 }
 
@@ -74,9 +72,8 @@ Failure openundodirectory(Tree& place, bool make) {
     const std::string path = undodirectory();
     if (path.empty())
         return {ERROR_PATH_NOT_FOUND};
-    if (make && !makePrivateDirectories(path))
-        return {GetLastError()};
-    return place.open(path);
+    const Failure failure = make ? makePrivateDirectories(path) : Failure();
+    return failure ? failure : place.open(path);
 }
 
 std::vector<std::string> undonames(Tree& place) {

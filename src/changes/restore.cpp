@@ -11,17 +11,17 @@ namespace {
 // The times of directories in which entries came and went, as they were before the first group.
 void givetimes(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup, const std::set<std::string>& leftin,
                std::vector<std::string>& left) {
-    std::set<std::string> given;
+    std::set<std::string> given = leftin;
     for (std::size_t group = fromgroup - 1; group < undo.groups.size(); ++group)
         for (const DirectoryTimes& directory : undo.groups[group].directories) {
-            Entry entry;
-            const std::string name = directory.name.empty() ? "." : directory.name;
-            if (leftin.count(directory.name) != 0 || !given.insert(directory.name).second)
+            File file;
+            if (!given.insert(directory.name).second)
                 continue;
-            Failure failure = tree.look(name, Links::followed, entry);
-            if (!failure && entry.state.kind == EntryState::directory) // else it was made, and has gone
-                failure = tree.giveTimes(name, directory.state);
-            if (failure && !failure.isAbsence())
+            Failure failure =
+                tree.openEntry(directory.name.empty() ? "." : directory.name, file, Links::followed);
+            if (!failure && file.opened().kind == FileState::directory)
+                failure = file.giveTimes(directory.state.read, directory.state.changed);
+            if (failure && !failure.isAbsence()) // else it was made, and has gone
                 left.push_back(tree.path() + "/" + directory.name +
                                ": its times could not be brought back (" + failure.text() + ")");
         }
@@ -29,9 +29,8 @@ void givetimes(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup, const 
 
 void telllostnames(Tree& tree, const RestorePlan& plan, std::vector<std::string>& left) {
     for (const Change* deletion : plan.linked) {
-        Entry entry;
-        if (!lookexactly(tree, deletion->file, entry) && entry.state.kind == EntryState::plain &&
-            entry.state.names < 2)
+        FileState now;
+        if (!lookexactly(tree, deletion->file, now) && now.kind == FileState::plain && now.names < 2)
             left.push_back(tree.path() + "/" + deletion->file +
                            ": it had more names, and is a file of its own now");
     }

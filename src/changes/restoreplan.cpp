@@ -48,23 +48,17 @@ private:
     void leave(const std::string& why) { left.push_back(tree_.path() + "/" + name_ + ": " + why); }
 
     bool open() {
-        if (file_ || tried_)
+        if (std::exchange(tried_, true))
             return file_ != nullptr;
-        tried_ = true;
-        File file;
-        Failure failure;
-        if (there_.state.kind == EntryState::missing)
-            failure = {ERROR_FILE_NOT_FOUND};
-        if (!failure)
-            failure = tree_.openToWrite(name_, file);
-        if (!failure)
-            failure = file.state(judged_);
+        const auto file = std::make_shared<File>();
+        const bool missing = there_.kind == FileState::missing;
+        const Failure failure = missing ? Failure{ERROR_FILE_NOT_FOUND} : tree_.openToWrite(name_, *file);
         if (failure)
             leave(failure.isAbsence() ? "it is not there any more"
                                       : "it can't be read or written (" + failure.text() + ")");
         else
-            file_ = std::make_shared<const File>(std::move(file));
-        size_ = judged_.size;
+            file_ = file;
+        size_ = file->opened().size;
         return file_ != nullptr;
     }
 
@@ -110,14 +104,11 @@ private:
     }
 
     void undomaking(const Change& change) {
-        if (now_ == Now::there && there_.state.kind != EntryState::missing) {
+        if (now_ == Now::there && there_.kind != FileState::missing) {
             if (!isasmade(change))
-                leave(there_.state.kind == EntryState::directory ? "it was made, and is not empty"
-                                                                 : "it has changed since it was made");
-            Change removal = deletionof(name_, there_.file);
-            removal.state = there_.state;
-            removal.parts = {Standing::before};
-            changes = {std::move(removal)};
+                leave(there_.kind == FileState::directory ? "it was made, and is not empty"
+                                                          : "it has changed since it was made");
+            changes = {deletionof(name_, there_)};
         }
         now_ = Now::gone;
         deletion = nullptr;
@@ -126,8 +117,8 @@ private:
 
     bool isasmade(const Change& change) {
         Change found = change;
-        if (there_.state.kind == EntryState::directory)
-            return change.state.kind == EntryState::directory && isemptied();
+        if (there_.kind == FileState::directory)
+            return change.state.kind == FileState::directory && isemptied();
         found.content = with(std::move(found.content), &Field::found);
         return !look(tree_, found) && found.parts[0] == Standing::after;
     }
@@ -165,31 +156,36 @@ private:
         changes.push_back(std::move(making));
     }
 
+    // As long as it is to be; the last field may reach behind the end that it has.
+    FileContent lengthened() const {
+        const std::int64_t size = file_->opened().size;
+        FileContent whole = contentOf(file_, std::min(size_, size));
+        if (size_ <= size)
+            return whole;
+        return {size_, [whole, more = size_ - size](const FileContent::Visit& visit) {
+                    const Failure failure = whole.pieces(visit);
+                    return failure ? failure
+                                   : visit(whole.size, std::string(static_cast<std::size_t>(more), '\0'));
+                }};
+    }
+
     void endthere() {
         Change change;
         change.file = name_;
-        change.given = true;
-        change.judged = judged_;
+        change.state = change.judged = file_->opened();
         change.sizeafter = size_;
-        if (file_->entry(change.state))
-            return leave("it can't be read");
         if (const std::string why = linked_.whyreachesothers(change.state); !why.empty())
             return leave(why);
         for (const auto& [offset, field] : fields_)
             addfield(change, field.record, offset, field.found, field.wanted);
         change.parts.assign(change.fieldcount, Standing::before);
         std::uint32_t checksum = 0;
-        FileContent now = contentOf(file_, std::min(size_, judged_.size));
-        now.size = size_;
-        if (checksumOf(contentOf(file_, judged_.size), change.checksum) ||
-            checksumOf(with(now, &Field::wanted), checksum))
+        if (checksumOf(contentOf(file_, change.state.size), change.checksum) ||
+            checksumOf(with(lengthened(), &Field::wanted), checksum))
             return leave("it can't be read");
-        if (left.empty() && checksum == last_->checksum) { // all of it is as it was: so are its times
-            change.read = last_->state.read;
-            change.changed = last_->state.changed;
-        } else {
-            change.given = false;
-        }
+        change.given = left.empty() && checksum == last_->checksum;
+        change.read = last_->state.read; // all of it is as it was: so are its times
+        change.changed = last_->state.changed;
         if (left.empty() && !change.given)
             leave("it has changed in other places since");
         file_.reset();
@@ -200,22 +196,16 @@ private:
     LinkedNames& linked_;
     std::string name_;
     const std::set<std::string>& going_;
-    Entry there_;
+    FileState there_;
     Now now_ = Now::there;
     bool tried_ = false;
     std::shared_ptr<const File> file_;
-    FileState judged_;
     std::int64_t size_ = 0;
     std::map<std::int64_t, Field> fields_;
     const Change* last_ = nullptr; // that changed keys: the earliest
 };
 
 } // namespace
-
-std::string parentof(const std::string& name) {
-    const std::size_t slash = name.rfind('/');
-    return slash == std::string::npos ? "" : name.substr(0, slash);
-}
 
 RestorePlan::RestorePlan(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup)
     : tree_(tree), linked_(tree) {
@@ -264,7 +254,7 @@ bool RestorePlan::leadstosame(const Change& deletion) {
     if (deletion.othername.empty() || same_.count(deletion.othername) != 0)
         return !deletion.othername.empty();
     File file;
-    Likeness likeness = Likeness::other;
+    Standing standing = Standing::other;
     return !tree_.openToRead(deletion.othername, file, Links::refused) &&
-           !compare(file, deletion.content, likeness) && likeness == Likeness::same;
+           !compare(file, deletion.content, standing) && standing == Standing::after;
 }

@@ -30,5 +30,3 @@ private:
     std::set<std::string> going_; // names that go
     std::set<std::string> same_;  // names that are in the end what they were
 };
-
-std::string parentof(const std::string& name); // "" for one in the database's directory itself

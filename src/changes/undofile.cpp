@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "changes/frames.h"
-#include "platform/system/user.h"
+#include "platform/system/person.h"
 
 namespace {
 
@@ -14,11 +14,15 @@ constexpr std::string_view earlier("TX-UNDO-v1.0");
 constexpr std::int64_t largestFile = std::int64_t{1} << 56;
 constexpr std::size_t largestField = 69;
 
-void encodeState(Encoder& to, const EntryState& state) {
-    to.number(static_cast<std::uint8_t>(state.kind)).number(state.permissions).number(state.owner);
-    to.number(state.group).number(state.inode).number(state.names).number(state.size);
-    for (const Moment& moment : {state.read, state.changed})
+void encodeTimes(Encoder& to, const Moment& read, const Moment& changed) {
+    for (const Moment& moment : {read, changed})
         to.number(moment.seconds).number(moment.nanoseconds);
+}
+
+void encodeState(Encoder& to, const FileState& state) {
+    to.number(static_cast<std::uint8_t>(state.kind)).number(state.permissions).number(state.owner);
+    to.number(state.group).number(state.identity.inode).number(state.names).number(state.size);
+    encodeTimes(to, state.read, state.changed);
 }
 
 Moment decodeMoment(Decoder& from) {
@@ -29,27 +33,20 @@ Moment decodeMoment(Decoder& from) {
     return moment;
 }
 
-EntryState decodeState(Decoder& from) {
-    EntryState state;
-    state.kind = static_cast<EntryState::Kind>(from.number<std::uint8_t>());
+FileState decodeState(Decoder& from) {
+    FileState state;
+    state.kind = static_cast<FileState::Kind>(from.number<std::uint8_t>());
     state.permissions = from.number<std::uint32_t>();
     state.owner = from.number<std::uint32_t>();
     state.group = from.number<std::uint32_t>();
-    state.inode = from.number<std::uint64_t>();
+    state.identity.inode = from.number<std::uint64_t>();
     state.names = from.number<std::uint64_t>();
     state.size = from.number<std::int64_t>();
     state.read = decodeMoment(from);
     state.changed = decodeMoment(from);
-    from.good = from.good && state.kind <= EntryState::symbolic && state.permissions <= 07777 &&
+    from.good = from.good && state.kind <= FileState::symbolic && state.permissions <= 07777 &&
                 state.size >= 0 && state.size <= largestFile;
     return state;
-}
-
-void encodeOthers(Encoder& to, const Change& change) {
-    to.text(change.othername).number(static_cast<std::uint32_t>(change.attributes.size()));
-    for (const auto& [name, value] : change.attributes)
-        to.text(name).text(value);
-    to.number(change.content.size);
 }
 
 std::string encode(const Change& change) {
@@ -57,13 +54,15 @@ std::string encode(const Change& change) {
     to.text(change.file).number(static_cast<std::uint8_t>(change.given));
     encodeState(to, change.state);
     if (change.kind == Change::keys) {
-        for (const Moment& moment : {change.read, change.changed})
-            to.number(moment.seconds).number(moment.nanoseconds);
+        encodeTimes(to, change.read, change.changed);
         to.number(change.checksum).number(change.sizeafter).number(change.fieldcount);
         to.bytes += change.fields;
-    } else {
-        encodeOthers(to, change);
+        return std::move(to.bytes);
     }
+    to.text(change.othername).number(static_cast<std::uint32_t>(change.attributes.size()));
+    for (const auto& [name, value] : change.attributes)
+        to.text(name).text(value);
+    to.number(change.content.size);
     return std::move(to.bytes);
 }
 
@@ -115,8 +114,8 @@ void decodeOthers(Decoder& from, Change& change) {
     change.content.size = from.number<std::int64_t>();
     from.good = from.good && change.content.size >= 0 && change.content.size <= largestFile &&
                 (change.othername.empty() || isInside(change.othername)) &&
-                (change.state.kind == EntryState::plain || change.state.kind == EntryState::directory ||
-                 (change.state.kind == EntryState::symbolic && change.content.size > 0));
+                (change.state.kind == FileState::plain || change.state.kind == FileState::directory ||
+                 (change.state.kind == FileState::symbolic && change.content.size > 0));
 }
 
 std::optional<Change> decodeChange(FrameKind kind, std::string_view bytes) {
@@ -133,6 +132,10 @@ std::optional<Change> decodeChange(FrameKind kind, std::string_view bytes) {
 }
 
 constexpr const char* damaged = "it is damaged";
+
+std::string unread(Failure failure) {
+    return "it can't be read (" + failure.text() + ")";
+}
 
 // Reads frame by frame, and tests each.
 class Reading {
@@ -164,7 +167,7 @@ private:
         const Failure failure = frames_.next(frame);
         if (!failure)
             return "";
-        return failure.number == ERROR_INVALID_DATA ? damaged : "it can't be read (" + failure.text() + ")";
+        return failure.number == ERROR_INVALID_DATA ? damaged : unread(failure);
     }
 
     std::string take(const Frame& frame) {
@@ -228,10 +231,7 @@ private:
 };
 
 // What belongs to another user, or may be written by one, could make the program write anything.
-std::string whynotmine(const File& file) {
-    EntryState state;
-    if (const Failure failure = file.entry(state))
-        return "it can't be read (" + failure.text() + ")";
+std::string whynotmine(const FileState& state) {
     if (state.owner != currentuser())
         return "it belongs to " + username(state.owner) +
                ", and only one's own is trusted: let that user restore or finish it";
@@ -241,20 +241,11 @@ std::string whynotmine(const File& file) {
                : "others than its owner may write it, so it can't be trusted (chmod go-w makes it private)";
 }
 
-std::string unread(Failure failure) {
-    return "it can't be read (" + failure.text() + ")";
-}
-
-std::string openHead(Tree& tree, const std::string& name, UndoFile& undo) {
-    undo = UndoFile();
-    File file;
+std::string readHead(const std::shared_ptr<const File>& file, UndoFile& undo) {
     std::string bytes;
-    Failure failure = tree.openToRead(name, file, Links::refused);
-    if (!failure)
-        failure = file.read(0, UndoHeader::size, bytes);
-    if (failure)
+    if (const Failure failure = file->read(0, UndoHeader::size, bytes))
         return unread(failure);
-    if (std::string why = whynotmine(file); !why.empty())
+    if (std::string why = whynotmine(file->opened()); !why.empty())
         return why;
     if (bytes.substr(0, earlier.size()) == earlier)
         return "it was written by an earlier version of this program, which alone can restore it";
@@ -262,24 +253,10 @@ std::string openHead(Tree& tree, const std::string& name, UndoFile& undo) {
         return "it is no undo file";
     if (!undo.header.decode(bytes))
         return "it is damaged in its header";
-    undo.file = std::make_shared<const File>(std::move(file));
-    FileState state;
-    if (undo.file->state(state) || state.size < static_cast<std::int64_t>(undo.header.length))
+    undo.file = file;
+    if (file->opened().size < static_cast<std::int64_t>(undo.header.length))
         return "it is damaged: its end is missing";
     return Reading(undo).head();
-}
-
-std::string openHead(const std::string& path, UndoFile& undo) {
-    Tree tree;
-    std::string name;
-    const Failure failure = tree.openDirectoryOf(path, name);
-    return failure ? unread(failure) : openHead(tree, name, undo);
-}
-
-// One that stands elsewhere is found by a link.
-std::string openListed(Tree& tree, const std::string& name, UndoFile& undo) {
-    std::string target;
-    return tree.readLink(name, target) ? openHead(tree, name, undo) : openHead(target, undo);
 }
 
 std::string readRest(UndoFile& undo) {
@@ -300,8 +277,6 @@ std::string UndoHeader::encode() const {
 }
 
 bool UndoHeader::decode(std::string_view bytes) {
-    if (bytes.size() < size)
-        return false;
     Decoder from(bytes.substr(0, size));
     from.take(magic.size());
     for (std::uint64_t* value : {&length, &finished, &number})
@@ -309,104 +284,113 @@ bool UndoHeader::decode(std::string_view bytes) {
     time = from.number<std::int64_t>();
     for (std::uint32_t* value : {&keys, &deletions, &makings, &restoredfrom, &isrestore})
         *value = from.number<std::uint32_t>();
-    Decoder last(bytes.substr(size - sizeof(std::uint32_t)));
-    return last.number<std::uint32_t>() == checksumOf(bytes.substr(0, size - sizeof(std::uint32_t))) &&
-           length >= size && length <= std::uint64_t{INT64_MAX} && finished >= size && finished <= length;
+    return bytes.substr(0, size) == encode() && length >= size && length <= std::uint64_t{INT64_MAX} &&
+           finished >= size && finished <= length;
+}
+
+Failure openundofile(Tree& tree, const std::string& name, bool towrite, File& file) {
+    Tree elsewhere;
+    std::string target, there;
+    if (tree.readLink(name, target))
+        return towrite ? tree.openToWrite(name, file, Links::refused)
+                       : tree.openToRead(name, file, Links::refused);
+    const Failure failure = elsewhere.openDirectoryOf(target, there);
+    if (failure)
+        return failure;
+    return towrite ? elsewhere.openToWrite(there, file, Links::refused)
+                   : elsewhere.openToRead(there, file, Links::refused);
 }
 
 std::string readundohead(Tree& tree, const std::string& name, UndoFile& undo) {
-    return openListed(tree, name, undo);
+    const auto file = std::make_shared<File>();
+    undo = UndoFile();
+    const Failure failure = openundofile(tree, name, false, *file);
+    return failure ? unread(failure) : readHead(file, undo);
 }
 
 std::string readundofile(Tree& tree, const std::string& name, UndoFile& undo) {
-    std::string failure = openListed(tree, name, undo);
+    std::string failure = readundohead(tree, name, undo);
     return failure.empty() ? readRest(undo) : failure;
 }
 
 std::string readundofile(const std::string& path, UndoFile& undo) {
     Tree tree;
     std::string name;
-    const Failure unopened = tree.openDirectoryOf(path, name);
-    std::string failure = unopened ? unread(unopened) : openListed(tree, name, undo);
-    return failure.empty() ? readRest(undo) : failure;
+    const Failure failure = tree.openDirectoryOf(path, name);
+    return failure ? unread(failure) : readundofile(tree, name, undo);
 }
 
 namespace {
 
-// The content of a file that is to go, which must still be the one that was looked at.
-std::string takecontent(Tree& database, Change& change) {
-    Failure failure = database.readAttributes(change.file, change.attributes);
-    if (!failure && change.state.kind == EntryState::plain) {
-        auto file = std::make_shared<File>();
-        FileState now;
-        failure = database.openToRead(change.file, *file, Links::refused);
-        if (!failure)
-            failure = file->state(now);
-        if (!failure && !now.isUnchanged(change.judged))
-            failure = {ERROR_FILE_INVALID};
-        change.content = contentOf(std::shared_ptr<const File>(std::move(file)), now.size);
-    } else if (!failure && change.state.kind == EntryState::symbolic) {
-        std::string target;
+std::string unwritten(Failure failure) {
+    return failure ? "it can't be written (" + failure.text() + ")" : "";
+}
+
+// The content of what is to go, which must still be what was looked at.
+Failure takecontent(Tree& database, Change& change) {
+    const auto entry = std::make_shared<File>();
+    const bool plain = change.state.kind == FileState::plain;
+    Failure failure = database.openEntry(change.file, *entry);
+    if (!failure && plain && !entry->opened().isUnchanged(change.judged))
+        failure = {ERROR_FILE_INVALID};
+    if (!failure)
+        failure = entry->attributes(change.attributes);
+    std::string target;
+    if (!failure && change.state.kind == FileState::symbolic)
         failure = database.readLink(change.file, target);
-        change.content = contentOf(std::move(target));
-    }
-    return failure ? change.file + " can't be read (" + failure.text() + ")" : "";
+    change.content = plain ? contentOf(entry, entry->opened().size) : contentOf(std::move(target));
+    return failure;
 }
 
 Failure writepieces(FrameWriter& frames, const Change& change) {
     std::int64_t reached = 0;
-    Failure failure = change.content.pieces([&](std::int64_t offset, std::string_view bytes) {
+    const Failure failure = change.content.pieces([&](std::int64_t offset, std::string_view bytes) {
         reached = offset + static_cast<std::int64_t>(bytes.size());
         Encoder to;
         to.number(offset);
         to.bytes += bytes;
-        return frames.add(FrameKind::piece, to.bytes);
+        frames.add(FrameKind::piece, to.bytes);
+        return frames.failure();
     });
-    if (!failure && reached < change.content.size) // it ends in a hole
-        failure = frames.add(FrameKind::piece, Encoder().number(change.content.size).bytes);
+    if (reached < change.content.size) // it ends in a hole
+        frames.add(FrameKind::piece, Encoder().number(change.content.size).bytes);
     return failure;
 }
 
-// Failures of the database have a text of their own; those of the undo file are the writer's.
+// Why the database does not give it; what the undo file does not take its end tells.
 std::string writechange(FrameWriter& frames, Tree& database, Change& change) {
     if (!isInside(change.file)) // nobody could restore it
         return "'" + change.file + "' is no name that can be kept";
-    if (change.kind == Change::deletion)
-        if (std::string why = takecontent(database, change); !why.empty())
-            return why;
-    Failure failure = frames.add(static_cast<FrameKind>(change.kind), encode(change));
+    Failure failure = change.kind == Change::deletion ? takecontent(database, change) : Failure();
+    if (!failure)
+        frames.add(static_cast<FrameKind>(change.kind), encode(change));
     if (!failure && change.kind != Change::keys)
         failure = writepieces(frames, change);
     if (change.kind == Change::deletion)
         change.content = FileContent(); // closes the file
-    return failure ? "it can't be written (" + failure.text() + ")" : "";
+    return failure && !frames.failure() ? change.file + " can't be read (" + failure.text() + ")" : "";
 }
 
 } // namespace
 
 Failure writehead(const File& undo, std::int64_t& position, const std::string& directory) {
     FrameWriter frames(undo, position);
-    const Failure failure =
-        frames.add(FrameKind::head, Encoder().text(directory).text("txinspect " TX_VERSION).bytes);
-    return failure ? failure : frames.flush(position);
+    frames.add(FrameKind::head, Encoder().text(directory).text("txinspect " TX_VERSION).bytes);
+    return frames.end(position);
 }
 
 std::string writegroup(const File& undo, std::int64_t& position, Tree& database, std::vector<Change>& group,
                        const std::vector<DirectoryTimes>& directories) {
     FrameWriter frames(undo, position);
-    Failure failure;
-    for (auto directory = directories.begin(); directory != directories.end() && !failure; ++directory) {
+    for (const DirectoryTimes& directory : directories) {
         Encoder to;
-        to.text(directory->name);
-        encodeState(to, directory->state);
-        failure = frames.add(FrameKind::times, to.bytes);
+        to.text(directory.name);
+        encodeState(to, directory.state);
+        frames.add(FrameKind::times, to.bytes);
     }
-    for (auto change = group.begin(); change != group.end() && !failure; ++change)
-        if (std::string why = writechange(frames, database, *change); !why.empty())
+    for (Change& change : group)
+        if (std::string why = writechange(frames, database, change); !why.empty())
             return why;
-    if (!failure)
-        failure = frames.add(FrameKind::groupend, "");
-    if (!failure)
-        failure = frames.flush(position);
-    return failure ? "it can't be written (" + failure.text() + ")" : "";
+    frames.add(FrameKind::groupend, "");
+    return unwritten(frames.end(position));
 }

@@ -35,7 +35,7 @@ struct UndoHeader {
 // A directory in which entries come or go, with its times before.
 struct DirectoryTimes {
     std::string name;
-    EntryState state;
+    FileState state;
 };
 
 struct UndoGroup {
@@ -52,8 +52,9 @@ struct UndoFile {
     std::vector<UndoGroup> groups;
 };
 
-// Opens an undo file of the user's own and tests all of it. name is that in the tree; a link to a file
-// elsewhere is read and followed.
+// Opens an undo file under its name in the tree; a link to a file elsewhere is read and followed.
+Failure openundofile(Tree& tree, const std::string& name, bool towrite, File& file);
+// Opens an undo file of the user's own and tests all of it.
 std::string readundofile(Tree& tree, const std::string& name, UndoFile& undo);
 std::string readundofile(const std::string& path, UndoFile& undo);
 // The header and the directory alone.

@@ -3,9 +3,10 @@
 #include <algorithm>
 #include <ctime>
 #include <random>
+#include <utility>
 
 #include "changes/place.h"
-#include "platform/system/user.h"
+#include "platform/system/person.h"
 
 namespace {
 
@@ -13,16 +14,11 @@ std::string told(const std::string& what, Failure failure) {
     return what + " (" + failure.text() + ")";
 }
 
-std::string parentOf(const std::string& name) {
-    const std::size_t slash = name.rfind('/');
-    return slash == std::string::npos ? "" : name.substr(0, slash);
-}
-
 // A medium without owners gives a file to whoever mounted it, and a server may give one to nobody.
 bool isUsersAlone(const File& file) {
-    EntryState state;
+    FileState state;
     constexpr std::uint32_t others = 077;
-    return !file.entry(state) && state.owner == currentuser() && (state.permissions & others) == 0;
+    return !file.state(state) && state.owner == currentuser() && (state.permissions & others) == 0;
 }
 
 } // namespace
@@ -34,11 +30,7 @@ std::uint64_t randomnumber() {
 
 std::string UndoWriter::keep(Tree& database, std::vector<Change>& group) {
     if (!stands()) {
-        file_ = File();
-        header_ = UndoHeader();
-        groups_ = 0;
-        parents_.clear();
-        path_.clear();
+        *this = UndoWriter(wanted_, isrestore_);
         if (std::string failure = make(database); !failure.empty())
             return failure;
     }
@@ -50,7 +42,7 @@ bool UndoWriter::stands() {
     FileState own;
     Entry entry;
     return file_.isOpen() && !file_.state(own) && !place_->begin() &&
-           !place_->look(nameThere_, Links::refused, entry) && entry.file.identity == own.identity;
+           !place_->look(nameThere_, Links::refused, entry) && entry.state.identity == own.identity;
 }
 
 std::string UndoWriter::make(Tree& database) {
@@ -60,36 +52,47 @@ std::string UndoWriter::make(Tree& database) {
     header_.number = randomnumber();
     header_.time = std::time(nullptr);
     header_.isrestore = isrestore_ ? 1 : 0;
-    if (!wanted_.empty())
-        return makeElsewhere(directory);
+    return wanted_.empty() ? makeInState(directory) : makeElsewhere(directory);
+}
+
+std::string UndoWriter::makeInState(const std::string& directory) {
     if (undodirectory().empty())
         return "there is no directory for undo files: set XDG_STATE_HOME or HOME";
-    auto place = std::make_unique<Tree>();
-    if (const Failure failure = openundodirectory(*place, true))
+    place_ = std::make_unique<Tree>();
+    if (const Failure failure = openundodirectory(*place_, true))
         return told("the directory " + undodirectory() + " can't be made or entered", failure);
-    constexpr int tries = 1000; // of one second
-    std::string failure;
-    for (int number = 0; number < tries; ++number) {
-        const std::string name = newundoname(*place, header_.time, number);
+    std::string why;
+    const Failure taken = underFreeName(*place_, [&](const std::string& name) {
         Entry entry;
-        if (place->look(name, Links::refused, entry) || entry.state.kind != EntryState::missing)
-            continue;
-        failure = makeHere(*place, name, directory);
-        name_ = failure.empty() ? name : "";
-        break;
-    }
-    if (failure.empty()) {
-        removeoldundofiles(*place, name_);
-        place_ = std::move(place);
-    }
+        Failure failure = place_->look(name, Links::refused, entry);
+        if (!failure && entry.state.kind != FileState::missing)
+            failure = {ERROR_ALREADY_EXISTS};
+        if (!failure)
+            why = makeHere(name, directory);
+        return failure;
+    });
+    if (taken)
+        return told("no undo file can be made in " + undodirectory(), taken);
+    if (why.empty())
+        removeoldundofiles(*place_, name_ = nameThere_);
+    return why;
+}
+
+// Names of one second have numbers.
+Failure UndoWriter::underFreeName(Tree& place, const std::function<Failure(const std::string&)>& make) const {
+    constexpr int tries = 1000;
+    Failure failure = {ERROR_ALREADY_EXISTS};
+    for (int number = 0; number < tries && failure.number == ERROR_ALREADY_EXISTS; ++number)
+        failure = make(newundoname(place, header_.time, number));
     return failure;
 }
 
-std::string UndoWriter::makeHere(Tree& place, const std::string& name, const std::string& directory) {
-    const std::string path = wanted_.empty() ? place.path() + "/" + name : wanted_;
+std::string UndoWriter::makeHere(const std::string& name, const std::string& directory) {
+    const std::string path = wanted_.empty() ? place_->path() + "/" + name : wanted_;
     NewFile made;
+    FileState own;
     auto position = static_cast<std::int64_t>(UndoHeader::size);
-    Failure failure = place.make(name, made, Rights::ownerOnly, Appears::atOnce);
+    Failure failure = place_->make(name, made, Rights::ownerOnly, Appears::atOnce);
     if (!failure && !isUsersAlone(made.file))
         return "the undo file " + path +
                " would not belong to this user alone, since its file system has no owners; give another "
@@ -102,13 +105,10 @@ std::string UndoWriter::makeHere(Tree& place, const std::string& name, const std
     if (!failure)
         failure = made.keep();
     if (!failure)
-        failure = place.syncDirectoryOf(name);
+        failure = place_->syncDirectoryOf(name);
     if (failure) {
-        Entry entry;
-        FileState own;
-        if (!made.file.state(own) && !place.look(name, Links::refused, entry) &&
-            entry.file.identity == own.identity) [[maybe_unused]]
-            const Failure left = place.remove(name, entry.file);
+        if (!made.file.state(own)) [[maybe_unused]] // which may have its name by now
+            const Failure left = place_->remove(name, own);
         return told("the undo file " + path + " can't be written", failure);
     }
     file_ = std::move(made.file);
@@ -118,38 +118,33 @@ std::string UndoWriter::makeHere(Tree& place, const std::string& name, const std
 }
 
 std::string UndoWriter::makeElsewhere(const std::string& directory) {
-    auto place = std::make_unique<Tree>();
+    place_ = std::make_unique<Tree>();
     std::string name, full;
-    Failure failure = place->openDirectoryOf(wanted_, name);
+    Failure failure = place_->openDirectoryOf(wanted_, name);
     if (!failure)
-        failure = place->fullPath(full);
+        failure = place_->fullPath(full);
     if (failure)
         return told("the directory of " + wanted_ + " can't be entered", failure);
     if ((full + "/").starts_with(directory + "/"))
         return "the undo file " + wanted_ + " would stand in the database; give another place";
-    if (std::string why = makeHere(*place, name, directory); !why.empty())
-        return why;
-    place_ = std::move(place);
-    path_ = full + "/" + name;
-    unfound_ = linkTo(path_);
-    return "";
+    std::string why = makeHere(name, directory);
+    if (why.empty()) {
+        path_ = full + "/" + name;
+        unfound_ = linkToIt();
+    }
+    return why;
 }
 
 // A file elsewhere is found by its link, should the run be interrupted. Without one it still serves a
 // restore.
-std::string UndoWriter::linkTo(const std::string& path) {
+std::string UndoWriter::linkToIt() {
     Tree place;
     Failure failure = openundodirectory(place, true);
-    constexpr int tries = 1000;
-    for (int number = 0; number < tries && !failure; ++number) {
-        name_ = newundoname(place, header_.time, number);
-        failure = place.makeLink(name_, path);
-        if (!failure)
-            failure = place.syncDirectoryOf(name_);
-        if (failure.number != ERROR_ALREADY_EXISTS)
-            break;
-        failure = {};
-    }
+    if (!failure)
+        failure = underFreeName(place,
+                                [&](const std::string& name) { return place.makeLink(name_ = name, path_); });
+    if (!failure)
+        failure = place.syncDirectoryOf(name_);
     if (!failure)
         return "";
     name_.clear();
@@ -165,7 +160,7 @@ std::string UndoWriter::count(Tree& database, std::vector<Change>& group,
         header_.deletions += change.kind == Change::deletion ? 1 : 0;
         header_.makings += change.kind == Change::making ? 1 : 0;
         if (change.kind != Change::keys)
-            parents.insert(parentOf(change.file));
+            parents.insert(parentof(change.file));
     }
     for (const std::string& parent : parents) {
         Entry entry;
@@ -180,26 +175,26 @@ std::string UndoWriter::count(Tree& database, std::vector<Change>& group,
 
 std::string UndoWriter::append(Tree& database, std::vector<Change>& group) {
     before_ = header_;
+    ++groups_;
     auto position = static_cast<std::int64_t>(header_.length);
     std::vector<DirectoryTimes> directories;
     std::string why = count(database, group, directories);
     if (why.empty())
         why = writegroup(file_, position, database, group, directories);
+    header_.length = static_cast<std::uint64_t>(position);
     if (why.empty())
         if (const Failure failure = file_.sync())
             why = told("it can't be written", failure);
-    header_.length = static_cast<std::uint64_t>(position);
     if (why.empty())
-        why = putHeader(header_);
-    ++groups_;
+        why = putHeader();
     if (why.empty())
         return "";
     drop();
     return "the undo file " + path_ + ": " + why;
 }
 
-std::string UndoWriter::putHeader(const UndoHeader& header) {
-    Failure failure = file_.write(0, header.encode());
+std::string UndoWriter::putHeader() {
+    Failure failure = file_.write(0, header_.encode());
     if (!failure)
         failure = file_.sync();
     return failure ? told("it can't be written", failure) : "";
@@ -212,35 +207,29 @@ void UndoWriter::drop() {
     header_ = before_;
     --groups_;
     parents_.clear(); // a directory that is told twice is no harm, the first counts
-    putHeader(header_);
+    putHeader();
     [[maybe_unused]] const Failure left = file_.cut(static_cast<std::int64_t>(header_.length));
 }
 
 std::string UndoWriter::finish() {
     if (!file_.isOpen())
         return "";
-    const UndoHeader standing = header_;
-    header_.finished = header_.length;
-    std::string failure = putHeader(header_);
-    if (!failure.empty())
-        header_ = standing;
-    return failure.empty() ? failure : "the undo file " + path_ + ": " + failure;
+    const std::uint64_t before = std::exchange(header_.finished, header_.length);
+    std::string why = putHeader();
+    if (!why.empty())
+        header_.finished = before;
+    return why.empty() ? why : "the undo file " + path_ + ": " + why;
 }
 
 namespace {
 
 // Writes the header of an undo file anew, in which mark has changed something.
 template <class Mark> void remark(const std::string& path, Mark mark) {
-    Tree place, elsewhere;
-    std::string name, target, head;
+    Tree place;
+    std::string name, head;
     File file;
     UndoHeader header;
-    if (place.openDirectoryOf(path, name))
-        return;
-    const bool linked = !place.readLink(name, target);
-    if (linked && elsewhere.openDirectoryOf(target, name))
-        return;
-    if ((linked ? elsewhere : place).openToWrite(name, file, Links::refused) ||
+    if (place.openDirectoryOf(path, name) || openundofile(place, name, true, file) ||
         file.read(0, UndoHeader::size, head) || !header.decode(head))
         return;
     mark(header);

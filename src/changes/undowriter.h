@@ -2,6 +2,7 @@
 // made.
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -34,12 +35,14 @@ public:
 private:
     bool stands();
     std::string make(Tree& database);
-    std::string makeHere(Tree& place, const std::string& name, const std::string& directory);
+    std::string makeInState(const std::string& directory);
     std::string makeElsewhere(const std::string& directory);
-    std::string linkTo(const std::string& path);
+    std::string makeHere(const std::string& name, const std::string& directory);
+    Failure underFreeName(Tree& place, const std::function<Failure(const std::string&)>& make) const;
+    std::string linkToIt();
     std::string append(Tree& database, std::vector<Change>& group);
     std::string count(Tree& database, std::vector<Change>& group, std::vector<DirectoryTimes>& directories);
-    std::string putHeader(const UndoHeader& header);
+    std::string putHeader();
 
     std::string wanted_;
     bool isrestore_;

@@ -1,36 +1,66 @@
 #include "files/finder.h"
 
 #include "platform/system/errors.h"
+#include "platform/system/letters.h"
+
+namespace {
+
+bool matchesPattern(std::string_view name, std::string_view prefix, std::string_view suffix) {
+    return name.size() >= prefix.size() + suffix.size() &&
+           equalIgnoringCase(name.substr(0, prefix.size()), prefix) &&
+           equalIgnoringCase(name.substr(name.size() - suffix.size()), suffix);
+}
+
+// Whether a look-up of the name, with the pattern's suffix in place of its own, opens this entry.
+bool opensItself(const std::vector<std::string>& names, const std::string& name, std::string_view suffix) {
+    std::string asked = name;
+    asked.replace(name.size() - suffix.size(), suffix.size(), suffix);
+    const bool separated = asked.find('\\') != std::string::npos; // and so leads elsewhere
+    return !separated && (asked == name || *findName(names, asked) == name);
+}
+
+} // namespace
 
 int TSXfinder::findfirst(const char* pattern) {
-    WIN32_FIND_DATAA match;
-    handle = FindFirstFileA(tree, tree.below(pattern), match, passedover);
-    const std::uint32_t number = handle == nullptr ? GetLastError() : ERROR_SUCCESS;
-    missing = number == ERROR_PATH_NOT_FOUND;
-    failure = isAbsence(number) ? ERROR_SUCCESS : number;
-    if (handle == nullptr)
-        return 0;
-    take(match, match.dwFileAttributes == FILE_ATTRIBUTE_DIRECTORY);
-    return 1;
+    const std::string whole = tree.below(pattern);
+    const std::size_t last = whole.rfind('/') + 1; // 0 where there is no directory
+    const std::size_t star = std::min(whole.find('*', last), whole.size());
+    const std::string_view suffix = std::string_view(whole).substr(std::min(star + 1, whole.size()));
+    std::vector<std::string> names;
+    findclose();
+    passedover.clear();
+    place = whole.substr(0, last);
+    const Failure unread = tree.names(place, names);
+    for (const std::string& name : names)
+        if (matchesPattern(name, std::string_view(whole).substr(last, star - last), suffix))
+            (opensItself(names, name, suffix) ? matches : passedover).push_back(name);
+    missing = unread.number == ERROR_PATH_NOT_FOUND;
+    failure = unread.isAbsence() ? ERROR_SUCCESS : unread.number;
+    return take(true);
 }
 
 int TSXfinder::findnext() {
-    WIN32_FIND_DATAA match;
-    if (FindNextFileA(handle, match) == 0)
+    return take(false);
+}
+
+// A first match that nobody may write or that is hidden counts as a file, whatever it is.
+int TSXfinder::take(bool first) {
+    constexpr std::uint32_t anyWrite = 0222;
+    if (next == matches.size())
         return 0;
-    take(match, (match.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0);
+    const std::string& name = matches[next++];
+    Entry entry;
+    entryfailure = tree.look(place + name, Links::followed, entry).number;
+    const bool attributes = name[0] == '.' || (entry.state.permissions & anyWrite) == 0;
+    const bool counts = entry.state.kind == FileState::directory && !(first && attributes);
+    entryname = name.c_str();
+    entrykind = counts ? directory : file;
+    entryidentity = entry.state.identity;
+    entryoutside = entryfailure == ERROR_SUCCESS ? entry.outside : "";
     return 1;
 }
 
-void TSXfinder::take(const WIN32_FIND_DATAA& match, bool isdirectory) {
-    entryname = match.cFileName.c_str();
-    entrykind = isdirectory ? directory : file;
-    entryidentity = match.identity;
-    entryoutside = match.outside;
-    entryfailure = match.failure;
-}
-
 void TSXfinder::findclose() {
-    FindClose(handle);
-    handle = nullptr;
+    matches.clear();
+    next = 0;
 }

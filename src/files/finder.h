@@ -1,4 +1,6 @@
-// The search of a directory for names with a wildcard, through which every scan goes.
+// The search of a directory for names with a wildcard, through which every scan goes. The wildcard is one *
+// in the last component; it matches ignoring the case of ASCII letters and also stands for nothing and for a
+// leading point. Matches arrive in the order of Tree::names.
 #pragma once
 
 #include <cstdint>
@@ -6,7 +8,6 @@
 #include <vector>
 
 #include "platform/system/cobject.h"
-#include "platform/system/filesearch.h"
 #include "platform/system/text.h"
 #include "platform/system/tree.h"
 
@@ -22,23 +23,25 @@ public:
     int findfirst(const char* pattern);
     // Non-zero if there was another match, which then stands in the fields, else 0.
     int findnext();
-    // Ends the search; called once, also after a findfirst that found nothing.
-    void findclose();
+    void findclose(); // ends the search
 
     Text<400> entryname;            // no directory
     std::int32_t entrykind = 0;     // a Kind; a first match is a directory only if it has no other attribute
     FileIdentity entryidentity;     // none where the disk did not tell
     std::string entryoutside;       // the link by which it lies outside of the tree; else empty
     std::uint32_t entryfailure = 0; // the error number where it did not tell what the match is; else 0
-    FindHandle handle = nullptr;
-    std::uint32_t failure = 0; // of the directory: the error number; 0 also where there is none
-    bool missing = false;      // there is no such directory
-    // Names that match and under which the entry can't be opened: another one is, or the name holds a
-    // backslash.
+    std::uint32_t failure = 0;      // of the directory: the error number; 0 also where there is none
+    bool missing = false;           // there is no such directory
+    // Names that match and are not reported: a look-up of such a name with the pattern's extension in place
+    // of its own would open another entry, which then would be read twice, or, where it holds a backslash,
+    // lead elsewhere.
     std::vector<std::string> passedover;
 
 private:
-    void take(const WIN32_FIND_DATAA& match, bool isdirectory);
+    int take(bool first);
 
     Tree& tree;
+    std::string place; // the directory, with its separator after it
+    std::vector<std::string> matches;
+    std::size_t next = 0;
 };

@@ -10,7 +10,6 @@
 #include "model/problem.h"
 #include "platform/system/errors.h"
 #include "platform/system/letters.h"
-#include "platform/system/listing.h"
 #include "reporting/log.h"
 
 TSXdatabase::TSXdatabase(const char* datadirectory)
@@ -118,9 +117,9 @@ void TSXdatabase::notetwin(const std::string& twin, const std::string& read, Unr
     if (failure.isAbsence())
         return;
     const bool known = !tree->look(twin, Links::followed, other) && !tree->look(read, Links::followed, entry);
-    if (known && entry.file.identity == other.file.identity)
+    if (known && entry.state.identity == other.state.identity)
         addunread({twin, "It is another name of '" + read + "'.", Unread::told});
-    else if (known && entry.state.kind != EntryState::directory)
+    else if (known && entry.state.kind != FileState::directory)
         addunread(
             {twin, "'" + read + "' is no directory, and keeps it from being read: move that away.", weight});
     else

@@ -8,7 +8,7 @@
 #include "model/datafile.h"
 #include "model/fileclass.h"
 #include "model/problem.h"
-#include "platform/system/listing.h"
+#include "platform/system/letters.h"
 #include "reporting/log.h"
 
 TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass)
@@ -153,7 +153,7 @@ std::vector<std::string> TSXfilelist::changedsince() const {
             continue;
         const Failure failure =
             database.tree->look(database.tree->below(file.path.view()), Links::followed, entry);
-        if (failure || !entry.file.isUnchanged(file.onread))
+        if (failure || !entry.state.isUnchanged(file.onread))
             texts.push_back("'" + std::string(file.path) +
                             "': another program has changed it since it was read.");
     }
@@ -207,7 +207,7 @@ int TSXfilelist::newfile() {
         failure =
             database.tree->look(std::string(format.directory) + "/" + name.c_str() + "." + format.extension,
                                 Links::refused, entry);
-        return !failure && entry.state.kind != EntryState::missing;
+        return !failure && entry.state.kind != FileState::missing;
     };
     while (islisted(number) || istaken())
         ++number;

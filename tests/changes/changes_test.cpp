@@ -43,7 +43,7 @@ struct Changes : testing::Test {
     FileState now(const std::string& name) {
         Entry entry;
         EXPECT_FALSE(tree->look(name, Links::followed, entry));
-        return entry.file;
+        return entry.state;
     }
     // A key, a deletion and a making.
     std::vector<Change> draft() {
@@ -54,8 +54,7 @@ struct Changes : testing::Test {
         EXPECT_EQ(draftkeys(*tree, now("DBASE/A"), {{2, 69, "two", "another"}}, group[0], left), "");
         group[1] = deletionof("DBASE/B", {});
         EXPECT_FALSE(draftdeletion(*tree, now("DBASE/B"), group[1]));
-        group[2] = makingof("DBASE/B2", EntryState::plain, contentOf(std::string("made")));
-        group[2].parts = {Standing::before};
+        group[2] = makingof("DBASE/B2", FileState::plain, contentOf(std::string("made")));
         return group;
     }
     std::string commit(CommitOptions options = {}) {

@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <vector>
 
 #include "platform/system/bytestream.h"
-#include "platform/system/entry.h"
 #include "platform/system/errors.h"
 #include "platform/system/faults.h"
-#include "platform/system/plainfile.h"
+#include "platform/system/person.h"
 #include "platform/system/utf8.h"
 
 using Json = nlohmann::json;
@@ -43,12 +43,12 @@ bool readStore(Json& store) {
 }
 
 bool writeStore(const std::string& text) {
-    std::string path = registryFile();
-    readFullPath(path, path); // a link stays one
+    std::error_code failed;
+    const std::string path = std::filesystem::weakly_canonical(registryFile(), failed); // a link stays one
     const std::string made = path + ".new";
-    removeFile(made); // of a run that was interrupted
+    std::remove(made.c_str()); // of a run that was interrupted
     ByteStream file;
-    if (!makePrivateDirectories(path.substr(0, path.rfind('/'))) ||
+    if (failed || makePrivateDirectories(path.substr(0, path.rfind('/'))) ||
         !file.open(made.c_str(), OpenMode::create))
         return false;
     file.write(text.data(), text.size());

@@ -24,8 +24,8 @@ enum class OpenMode {
 class ByteStream {
 public:
     ByteStream() = default;
-    ByteStream(const ByteStream&) = delete;
-    ByteStream& operator=(const ByteStream&) = delete;
+    ByteStream(ByteStream&&) = default;
+    ByteStream& operator=(ByteStream&&) = default;
     ~ByteStream();
 
     // Opens the file. False when it can't be had; GetLastError then tells why. Only on a closed stream.
@@ -33,7 +33,7 @@ public:
     bool open(const char* path, OpenMode mode, Links links = Links::followed); // in a tree of its directory
     // Writes what is still held back and closes. False when that could not be written.
     bool close();
-    bool isOpen() const { return file_ >= 0 || writing_; }
+    bool isOpen() const { return file_.isOpen() || writing_; }
     // Without a file: what is written is taken, which closes.
     bool openMemory();
     std::string takeMemory();
@@ -44,7 +44,7 @@ public:
     std::size_t write(const void* bytes, std::size_t count);
     // Of the open file; that of no file, and a failure of reading, where the disk does not tell.
     FileState state();
-    const FileState& opened() const { return opened_; } // how it stood at the open
+    const FileState& opened() const { return file_.opened(); } // how it stood at the open
     // Moves to a position from the start of the file, also behind its end. False for a negative one, or a
     // failure.
     bool seek(std::int64_t position);
@@ -55,8 +55,7 @@ public:
     // and passes over that many of them, which can't fail.
     std::string_view ahead() const {
         const auto offset = static_cast<std::uint64_t>(position_ - bufferStart_);
-        return offset < filled_ ? std::string_view(buffer_.data() + offset, filled_ - offset)
-                                : std::string_view();
+        return offset < buffer_.size() ? std::string_view(buffer_).substr(offset) : std::string_view();
     }
     void pass(std::size_t count) { position_ += static_cast<std::int64_t>(count); }
     std::int64_t tell() const { return position_; }
@@ -67,27 +66,19 @@ public:
     std::uint32_t readFailure() const { return readFailure_; }
 
 private:
-    void reset(OpenMode mode);
     Failure openToFill(Tree& tree, std::string_view name, Links links);
     Failure store();
     bool fill();
-    bool failRead();
-    std::size_t buffered() const { return ahead().size(); }
+    bool good(Failure failure);
 
-    int file_ = -1; // that is read
-    FileState opened_;
+    File file_; // that is read, or emptied to be filled
+    std::unique_ptr<NewFile> made_;
     bool writing_ = false;
+    bool incomplete_ = false; // a write was not accepted, so the content must not appear
     OpenMode mode_ = OpenMode::read;
     std::int64_t position_ = 0;
     bool atEnd_ = false;
     std::uint32_t readFailure_ = 0;
-    bool incomplete_ = false;       // a write was not accepted, so the content must not appear
-    std::string buffer_;            // reading: a piece of the file; writing: the whole content
-    std::size_t filled_ = 0;        // of that piece
-    std::int64_t bufferStart_ = 0;  // where in the file the buffer's first byte stands
-    std::unique_ptr<NewFile> made_; // that is written; else
-    File emptied_;                  // the one that was there
+    std::string buffer_;           // reading: a piece of the file; writing: the whole content
+    std::int64_t bufferStart_ = 0; // where in the file the buffer's first byte stands
 };
-
-// How many writes of the process have failed, a failed close or flush counted as one.
-int failedWrites();

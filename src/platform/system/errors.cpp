@@ -1,6 +1,9 @@
 #include "platform/system/errors.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <initializer_list>
+#include <iterator>
 
 #include "platform/system/posix.h"
 
@@ -9,81 +12,41 @@ namespace {
 struct ErrorText {
     std::uint32_t number;
     const char* text;
+    std::initializer_list<int> systemErrors = {}; // that mean the same
 };
 
 const ErrorText errorTexts[] = {
     {ERROR_SUCCESS, "The operation completed successfully."},
-    {ERROR_FILE_NOT_FOUND, "The system cannot find the file specified."},
-    {ERROR_PATH_NOT_FOUND, "The system cannot find the path specified."},
-    {ERROR_TOO_MANY_OPEN_FILES, "The system cannot open the file."},
-    {ERROR_ACCESS_DENIED, "Access is denied."},
-    {ERROR_NOT_ENOUGH_MEMORY, "Not enough memory resources are available to process this command."},
+    {ERROR_FILE_NOT_FOUND, "The system cannot find the file specified.", {ENOENT}},
+    {ERROR_PATH_NOT_FOUND, "The system cannot find the path specified.", {ENOTDIR}},
+    {4, "The system cannot open the file.", {EMFILE, ENFILE}},
+    {ERROR_ACCESS_DENIED, "Access is denied.", {EACCES, EPERM, EISDIR}},
+    {8, "Not enough memory resources are available to process this command.", {ENOMEM}},
     {ERROR_INVALID_DATA, "The data is invalid."},
-    {ERROR_WRITE_PROTECT, "The media is write protected."},
+    {ERROR_WRITE_PROTECT, "The media is write protected.", {EROFS}},
     {ERROR_GEN_FAILURE, "A device attached to the system is not functioning."},
+    // EAGAIN: the file is under another program's lease.
     {ERROR_SHARING_VIOLATION,
-     "The process cannot access the file because it is being used by another process."},
-    {ERROR_NOT_SUPPORTED, "The request is not supported."},
-    {ERROR_UNEXP_NET_ERR, "An unexpected network error occurred."},
-    {ERROR_SEM_TIMEOUT, "The semaphore timeout period has expired."},
-    {ERROR_DISK_FULL, "There is not enough space on the disk."},
-    {ERROR_INVALID_NAME, "The filename, directory name, or volume label syntax is incorrect."},
-    {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists."},
-    {ERROR_FILENAME_EXCED_RANGE, "The filename or extension is too long."},
+     "The process cannot access the file because it is being used by another process.",
+     {EAGAIN, EBUSY, ETXTBSY}},
+    {ERROR_NOT_SUPPORTED, "The request is not supported.", {EOPNOTSUPP, ENOSYS, ENOLCK}},
+    // ESTALE is what a file server says of a file that it has lost.
+    {59,
+     "An unexpected network error occurred.",
+     {ESTALE, ENETDOWN, ENETUNREACH, EHOSTDOWN, EHOSTUNREACH, ECONNRESET, ENOTCONN}},
+    {ERROR_DISK_FULL, "There is not enough space on the disk.", {ENOSPC, EDQUOT, EFBIG}},
+    {121, "The semaphore timeout period has expired.", {ETIMEDOUT}},
+    // EINVAL comes from file systems that forbid some characters.
+    {123, "The filename, directory name, or volume label syntax is incorrect.", {EINVAL, EILSEQ}},
+    {ERROR_ALREADY_EXISTS, "Cannot create a file when that file already exists.", {EEXIST}},
+    {206, "The filename or extension is too long.", {ENAMETOOLONG}},
     {ERROR_FILE_INVALID,
      "The volume for a file has been externally altered so that the opened file is no longer valid."},
-    {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error."},
-    {ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system."},
-};
-
-struct SystemError {
-    int systemError;
-    std::uint32_t number;
-};
-
-const SystemError systemErrors[] = {
-    {ENOENT, ERROR_FILE_NOT_FOUND},
-    {ELOOP, ERROR_CANT_RESOLVE_FILENAME},
-    {ENOTDIR, ERROR_PATH_NOT_FOUND},
-    {EMFILE, ERROR_TOO_MANY_OPEN_FILES},
-    {ENFILE, ERROR_TOO_MANY_OPEN_FILES},
-    {EACCES, ERROR_ACCESS_DENIED},
-    {EPERM, ERROR_ACCESS_DENIED},
-    {EISDIR, ERROR_ACCESS_DENIED},
-    {ENOMEM, ERROR_NOT_ENOUGH_MEMORY},
-    {EROFS, ERROR_WRITE_PROTECT},
-    {EAGAIN, ERROR_SHARING_VIOLATION}, // the file is under another program's lease
-    {EBUSY, ERROR_SHARING_VIOLATION},
-    {ETXTBSY, ERROR_SHARING_VIOLATION},
-    {EOPNOTSUPP, ERROR_NOT_SUPPORTED},
-    {ENOSYS, ERROR_NOT_SUPPORTED},
-    {ENOLCK, ERROR_NOT_SUPPORTED},
-    {ENOSPC, ERROR_DISK_FULL},
-    {EDQUOT, ERROR_DISK_FULL},
-    {EFBIG, ERROR_DISK_FULL},
-    {EINVAL, ERROR_INVALID_NAME}, // file systems that forbid some characters
-    {EILSEQ, ERROR_INVALID_NAME},
-    {EEXIST, ERROR_ALREADY_EXISTS},
-    {ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
-    {EIO, ERROR_IO_DEVICE},
-    {ESTALE, ERROR_UNEXP_NET_ERR}, // what a file server says of a file that it has lost
-    {ENETDOWN, ERROR_UNEXP_NET_ERR},
-    {ENETUNREACH, ERROR_UNEXP_NET_ERR},
-    {EHOSTDOWN, ERROR_UNEXP_NET_ERR},
-    {EHOSTUNREACH, ERROR_UNEXP_NET_ERR},
-    {ECONNRESET, ERROR_UNEXP_NET_ERR},
-    {ENOTCONN, ERROR_UNEXP_NET_ERR},
-    {ETIMEDOUT, ERROR_SEM_TIMEOUT},
+    {ERROR_IO_DEVICE, "The request could not be performed because of an I/O device error.", {EIO}},
+    {ERROR_CANT_RESOLVE_FILENAME, "The name of the file cannot be resolved by the system.", {ELOOP}},
 };
 
 std::uint32_t lastError = ERROR_SUCCESS;
-
-std::uint32_t numberOf(int systemError) {
-    for (const SystemError& row : systemErrors)
-        if (row.systemError == systemError)
-            return row.number;
-    return ERROR_GEN_FAILURE;
-}
 
 } // namespace
 
@@ -96,14 +59,16 @@ void SetLastError(std::uint32_t number) {
 }
 
 Failure failureFrom(int systemError) {
-    return {numberOf(systemError)};
+    const auto means = [systemError](const ErrorText& row) {
+        return std::ranges::find(row.systemErrors, systemError) != row.systemErrors.end();
+    };
+    const auto* const row = std::ranges::find_if(errorTexts, means);
+    return {row == std::end(errorTexts) ? ERROR_GEN_FAILURE : row->number};
 }
 
 std::string FormatMessageA(std::uint32_t number) {
-    for (const ErrorText& row : errorTexts)
-        if (row.number == number)
-            return std::string(row.text) + "\r\n";
-    return {};
+    const auto* const row = std::ranges::find(errorTexts, number, &ErrorText::number);
+    return row == std::end(errorTexts) ? "" : std::string(row->text) + "\r\n";
 }
 
 std::string errorText(std::uint32_t number) {

@@ -7,7 +7,7 @@ enum class DiskOperation { open, read, write, seek, sync, close, link, remove, m
 // Answers whether this operation is to fail. It may also not return at all.
 using DiskFaultHook = bool (*)(DiskOperation);
 
-extern DiskFaultHook diskFaultHook; // none outside of tests
+inline DiskFaultHook diskFaultHook = nullptr; // none outside of tests
 
 inline bool diskFault(DiskOperation operation) {
     return diskFaultHook != nullptr && diskFaultHook(operation);

@@ -5,12 +5,16 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include "platform/system/posix.h"
 #include "platform/system/ways.h"
 
 namespace {
+
+constexpr mode_t setIds = S_ISUID | S_ISGID;
+constexpr const char* accessList = "system.posix_acl_access";
 
 // A write beyond the size that the process is allowed is then an error and not its death.
 void refuseOversizedWrites() {
@@ -37,7 +41,82 @@ Failure lockAnswer(int result) {
     return {errno == EAGAIN || errno == EACCES ? ERROR_SHARING_VIOLATION : ERROR_NOT_SUPPORTED};
 }
 
+Failure firstOf(Failure first, Failure next) {
+    return first ? first : next;
+}
+
+// A list of names, or a value, whose size is asked first. Where it changes in between, that is a failure.
+template <class Call> Failure readSized(Call call, std::string& bytes) {
+    const ssize_t size = call(nullptr, 0);
+    bytes.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
+    return size == 0 || (size > 0 && call(bytes.data(), bytes.size()) == size) ? Failure()
+                                                                               : failureFrom(errno);
+}
+
+// A file system may have none.
+Failure attributesOf(int file, std::vector<Attribute>& attributes) {
+    attributes.clear();
+    std::string names;
+    const auto list = [&](char* to, std::size_t size) { return flistxattr(file, to, size); };
+    if (const Failure failure = readSized(list, names))
+        return failure.number == ERROR_NOT_SUPPORTED ? Failure() : failure;
+    for (std::size_t at = 0; at < names.size(); at += attributes.back().name.size() + 1) {
+        Attribute& attribute = attributes.emplace_back(Attribute{names.c_str() + at, ""});
+        const auto get = [&](char* to, std::size_t size) {
+            return fgetxattr(file, attribute.name.c_str(), to, size);
+        };
+        if (const Failure unread = readSized(get, attribute.value))
+            return unread;
+    }
+    return {};
+}
+
+const Attribute* findAttribute(const std::vector<Attribute>& attributes, std::string_view name) {
+    const auto found = std::find_if(attributes.begin(), attributes.end(),
+                                    [&](const Attribute& attribute) { return attribute.name == name; });
+    return found == attributes.end() ? nullptr : &*found;
+}
+
+// Lists of rights that came from the directory are taken away again.
+Failure giveAttributes(int file, const std::vector<Attribute>& wanted) {
+    std::vector<Attribute> present;
+    Failure failure = attributesOf(file, present);
+    for (const auto& [name, value] : wanted) {
+        const Attribute* old = findAttribute(present, name);
+        if (!name.starts_with("security.") && (old == nullptr || old->value != value))
+            failure = firstOf(failure, answer(fsetxattr(file, name.c_str(), value.data(), value.size(), 0)));
+    }
+    for (const char* list : {accessList, defaultList})
+        if (findAttribute(present, list) != nullptr && findAttribute(wanted, list) == nullptr)
+            failure = firstOf(failure, answer(fremovexattr(file, list)));
+    return failure;
+}
+
+Failure giveOwner(int entry, const struct stat& found, const FileState& state) {
+    if (found.st_uid == state.owner && found.st_gid == state.group)
+        return {};
+    return answer(fchownat(entry, "", state.owner, state.group, AT_EMPTY_PATH));
+}
+
+FileState::Kind kindOf(mode_t mode) {
+    if (S_ISREG(mode))
+        return FileState::plain;
+    if (S_ISDIR(mode))
+        return FileState::directory;
+    return S_ISLNK(mode) ? FileState::symbolic : FileState::other;
+}
+
+Moment momentOf(const timespec& time) {
+    return {time.tv_sec, static_cast<std::uint32_t>(time.tv_nsec)};
+}
+
 } // namespace
+
+FileState stateFrom(const struct stat& found) {
+    return {kindOf(found.st_mode), found.st_mode & 07777,        found.st_uid,
+            found.st_gid,          {found.st_dev, found.st_ino}, found.st_nlink,
+            found.st_size,         momentOf(found.st_atim),      momentOf(found.st_mtim)};
+}
 
 File::~File() {
     if (descriptor_ >= 0)
@@ -56,13 +135,6 @@ Failure File::state(FileState& state) const {
     struct stat found = {};
     const Failure failure = made(DiskOperation::read, [&] { return fstat(descriptor_, &found); });
     state = failure ? FileState() : stateFrom(found);
-    return failure;
-}
-
-Failure File::entry(EntryState& state) const {
-    struct stat found = {};
-    const Failure failure = made(DiskOperation::read, [&] { return fstat(descriptor_, &found); });
-    state = failure ? EntryState() : entryFrom(found);
     return failure;
 }
 
@@ -152,11 +224,34 @@ Failure File::lockedForWriting(bool& locked) const {
     return failure;
 }
 
-Failure File::isPrivate(bool& is) const {
+// A link has none that could be given back.
+Failure File::attributes(std::vector<Attribute>& attributes) const {
+    const Failure fault = faultOf(DiskOperation::read);
+    attributes.clear();
+    return fault || opened_.kind == FileState::symbolic ? fault : attributesOf(descriptor_, attributes);
+}
+
+// A second name of somebody else's file is none that was made here.
+Failure File::give(const FileState& state, const std::vector<Attribute>& attributes) const {
     struct stat found = {};
-    const Failure failure = made(DiskOperation::read, [&] { return fstat(descriptor_, &found); });
-    is = !failure && found.st_uid == geteuid() && (found.st_mode & (S_IRWXG | S_IRWXO)) == 0;
-    return failure;
+    if (const Failure failure = made(DiskOperation::write, [&] { return fstat(descriptor_, &found); }))
+        return failure;
+    if (S_ISREG(found.st_mode) && found.st_nlink > 1 && found.st_uid != state.owner)
+        return {ERROR_ACCESS_DENIED};
+    const bool isLink = S_ISLNK(found.st_mode);
+    Failure failure = isLink ? Failure() : giveAttributes(descriptor_, attributes);
+    failure = firstOf(failure, giveOwner(descriptor_, found, state));
+    // A directory's set-group bit gives nobody rights.
+    const mode_t permissions = state.permissions & ~(S_ISDIR(found.st_mode) ? mode_t{S_ISUID} : setIds);
+    if (!isLink && (found.st_mode & 07777) != permissions)
+        failure = firstOf(failure, answer(fchmod(descriptor_, permissions)));
+    return firstOf(failure, giveTimes(state.read, state.changed));
+}
+
+Failure File::giveTimes(const Moment& read, const Moment& changed) const {
+    const timespec times[] = {{read.seconds, static_cast<long>(read.nanoseconds)},
+                              {changed.seconds, static_cast<long>(changed.nanoseconds)}};
+    return made(DiskOperation::write, [&] { return utimensat(descriptor_, "", times, AT_EMPTY_PATH); });
 }
 
 NewFile::~NewFile() {

@@ -1,4 +1,4 @@
-// An open plain file, and one that is being made. Reads and writes go by positions; a call that a signal
+// An open file, and one that is being made. Reads and writes go by positions; a call that a signal
 // interrupts, or that does a part of its work, is made again for the rest.
 #pragma once
 
@@ -8,9 +8,9 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
-#include "platform/system/entry.h"
-#include "platform/system/failure.h"
+#include "platform/system/errors.h"
 #include "platform/system/filestate.h"
 
 struct OpenDirectory;
@@ -31,7 +31,6 @@ public:
     int release() { return std::exchange(descriptor_, -1); } // the descriptor, which is the caller's then
     const FileState& opened() const { return opened_; }      // which file it is, and how it stood at the open
     Failure state(FileState& state) const;
-    Failure entry(EntryState& state) const;
     // At most count bytes from a position; fewer only where the file ends.
     Failure read(std::int64_t position, std::size_t count, std::string& bytes) const;
     Failure write(std::int64_t position, std::string_view bytes) const; // all, or a part and a failure
@@ -45,8 +44,11 @@ public:
     // OFD locks on the whole file. 32 where another holds it; 50 where the file system can't lock.
     Failure lock() const;
     Failure lockedForWriting(bool& locked) const;
-    // Whether it belongs to the user of the process, and nobody else may read or write it.
-    Failure isPrivate(bool& is) const;
+    Failure attributes(std::vector<Attribute>& attributes) const; // extended ones; of a link none
+    // Gives owner, permissions, extended attributes and times. What can't be given is left, and a failure;
+    // set-id bits and attributes of the system's security are never given.
+    Failure give(const FileState& state, const std::vector<Attribute>& attributes) const;
+    Failure giveTimes(const Moment& read, const Moment& changed) const;
 
 private:
     int descriptor_ = -1;

@@ -1,9 +1,10 @@
-// Which file it is and how it stands, to see whether two names lead to one file and whether another program
-// has written it meanwhile.
+// What belongs to a file, directory or link beside its content: which one it is, how it stood at a moment,
+// and whether another program has written it meanwhile.
 #pragma once
 
 #include <compare>
 #include <cstdint>
+#include <string>
 
 // Which file it is, whatever its name.
 struct FileIdentity {
@@ -13,16 +14,38 @@ struct FileIdentity {
     auto operator<=>(const FileIdentity& other) const = default;
 };
 
-// A file as it stood at a moment; another state of the same file shows that it was written meanwhile.
-struct FileState {
-    FileIdentity identity;
-    std::int64_t size = 0;
-    std::int64_t modified = 0; // nanoseconds
+struct Moment {
+    std::int64_t seconds = 0; // since 1970
+    std::uint32_t nanoseconds = 0;
+    bool operator==(const Moment&) const = default;
+};
 
-    bool operator==(const FileState& other) const = default;
+struct FileState {
+    enum Kind : std::uint8_t { missing, plain, directory, symbolic, other };
+
+    Kind kind = missing;
+    std::uint32_t permissions = 0; // the twelve bits
+    std::uint32_t owner = 0;
+    std::uint32_t group = 0;
+    FileIdentity identity;
+    std::uint64_t names = 0; // hard links
+    std::int64_t size = 0;
+    Moment read;
+    Moment changed;
+
     // Whether nothing shows that it was written meanwhile. The number of a file is not asked: some file
     // systems of other machines give it another one while a program runs.
-    bool isUnchanged(const FileState& other) const {
-        return size == other.size && modified == other.modified;
+    bool isUnchanged(const FileState& before) const {
+        return size == before.size && changed == before.changed;
     }
+    // Whether it is the same file too.
+    bool operator==(const FileState& before) const {
+        return identity == before.identity && isUnchanged(before);
+    }
+};
+
+// An extended attribute.
+struct Attribute {
+    std::string name;
+    std::string value;
 };

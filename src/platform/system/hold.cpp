@@ -8,64 +8,41 @@
 
 namespace {
 
-constexpr int tries = 5;
-
-// Nobody sees it before it is held, where the file system allows that.
-Failure makeHeld(Tree& tree, const std::string& name, File& file) {
-    constexpr std::uint32_t anyWrite = 0222;
-    NewFile made;
-    EntryState state;
-    Failure failure = tree.make(name, made, Rights::asDirectory, Appears::atOnce);
-    if (!failure)
-        failure = made.file.entry(state);
-    const std::uint32_t writers = state.permissions & anyWrite;
-    if (!failure) // a file system without rights has them from its mount
-        [[maybe_unused]]
-        const Failure left = made.file.permit(writers | writers << 1);
-    if (!failure)
-        failure = made.file.lock();
-    if (!failure)
-        failure = made.keep();
-    if (!failure)
-        file = std::move(made.file);
-    return failure;
-}
-
-Failure openHeld(Tree& tree, const std::string& name, File& file) {
-    const Failure failure = tree.openToWrite(name, file, Links::refused);
-    return failure ? failure : file.lock();
-}
-
 // The file that has the name at this moment; of no file where there is none.
 Failure identityAt(Tree& tree, const std::string& name, FileIdentity& identity) {
     Entry entry;
     const Failure failure = tree.look(name, Links::refused, entry);
-    identity = entry.file.identity;
+    identity = entry.state.identity;
     return failure;
 }
 
-Failure takeHold(Tree& tree, const std::string& name, File& file) {
+Failure leadsTo(Tree& tree, const std::string& name, const File& file) {
     FileIdentity there;
     FileState own;
-    Failure failure = identityAt(tree, name, there);
-    if (failure)
-        return failure;
-    failure = there == FileIdentity() ? makeHeld(tree, name, file) : openHeld(tree, name, file);
-    if (!failure)
-        failure = file.state(own);
+    Failure failure = file.state(own);
     if (!failure)
         failure = identityAt(tree, name, there);
     return failure || there == own.identity ? failure : Failure{ERROR_FILE_INVALID};
 }
 
+// Who may write in the directory may hold it, and nobody else may read it: whoever reads could hold it too.
+std::uint32_t rightsOfWriters(std::uint32_t permissions) {
+    const std::uint32_t writers = permissions & 0222;
+    return writers | writers << 1;
+}
+
 // Another program may make, replace or take it away meanwhile.
-Failure takeHoldInTheEnd(Tree& tree, const std::string& name, File& file) {
+Failure takeHold(Tree& tree, const std::string& name, File& file) {
+    constexpr int tries = 5;
     Failure failure;
     for (int i = 0; i < tries; ++i) {
-        failure = takeHold(tree, name, file);
-        const bool moved = failure.number == ERROR_FILE_INVALID || failure.number == ERROR_FILE_NOT_FOUND ||
-                           failure.number == ERROR_ALREADY_EXISTS;
-        if (!moved)
+        FileIdentity there;
+        failure = identityAt(tree, name, there);
+        if (!failure)
+            failure = there == FileIdentity() ? makeHeld(tree, name, "", rightsOfWriters, file)
+                                              : openHeld(tree, name, file);
+        if (failure.number != ERROR_FILE_INVALID && failure.number != ERROR_FILE_NOT_FOUND &&
+            failure.number != ERROR_ALREADY_EXISTS)
             break;
     }
     return failure;
@@ -73,25 +50,49 @@ Failure takeHoldInTheEnd(Tree& tree, const std::string& name, File& file) {
 
 } // namespace
 
+Failure makeHeld(Tree& tree, const std::string& name, std::string_view content,
+                 std::uint32_t (*rights)(std::uint32_t), File& file) {
+    NewFile made;
+    FileState state;
+    Failure failure = tree.make(name, made, Rights::asDirectory, Appears::atOnce);
+    if (!failure)
+        failure = made.file.lock();
+    if (!failure)
+        failure = made.file.write(0, content);
+    if (!failure)
+        failure = made.file.state(state);
+    if (!failure) // a file system without rights has them from its mount
+        [[maybe_unused]]
+        const Failure left = made.file.permit(rights(state.permissions));
+    if (!failure)
+        failure = made.keep();
+    if (!failure)
+        failure = leadsTo(tree, name, file = std::move(made.file));
+    return failure;
+}
+
+Failure openHeld(Tree& tree, const std::string& name, File& file) {
+    Failure failure = tree.openToWrite(name, file, Links::refused);
+    if (!failure)
+        failure = file.lock();
+    return failure ? failure : leadsTo(tree, name, file);
+}
+
 HANDLE CreateFileA(Tree& tree, const std::string& name) {
     File file;
-    return succeeded(takeHoldInTheEnd(tree, name, file)) ? file.release() : INVALID_HANDLE_VALUE;
+    return succeeded(takeHold(tree, name, file)) ? file.release() : INVALID_HANDLE_VALUE;
 }
 
 Failure holdStands(HANDLE handle, Tree& tree, const std::string& name) {
-    FileState own;
     FileIdentity there;
     File held(handle);
-    Failure failure = held.state(own);
+    const Failure stands = leadsTo(tree, name, held);
     held.release();
-    if (!failure)
-        failure = identityAt(tree, name, there);
-    if (failure || there == own.identity)
-        return failure;
-    if (there != FileIdentity())
-        return {ERROR_FILE_INVALID};
+    const Failure unknown = identityAt(tree, name, there);
+    if (stands.number != ERROR_FILE_INVALID || unknown || there != FileIdentity())
+        return stands;
     File file;
-    failure = takeHoldInTheEnd(tree, name, file);
+    const Failure failure = takeHold(tree, name, file);
     return failure || dup3(file.descriptor(), handle, O_CLOEXEC) >= 0 ? failure : failureFrom(errno);
 }
 

@@ -2,11 +2,22 @@
 // a program it starts and crosses to other workstations where the file system carries locks.
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 
-#include "platform/system/failure.h"
+#include "platform/system/errors.h"
+#include "platform/system/file.h"
 
 class Tree;
+
+// Makes a file that is held before anybody sees it, where the file system allows that. Rights gives the
+// twelve bits for those that its directory would have it get. 183 where an entry has that name.
+Failure makeHeld(Tree& tree, const std::string& name, std::string_view content,
+                 std::uint32_t (*rights)(std::uint32_t), File& file);
+// Holds one that is there; 32 where it is held elsewhere, 50 when the file system can't lock. Of both it is a
+// failure, ERROR_FILE_INVALID, where the name leads to another file by then.
+Failure openHeld(Tree& tree, const std::string& name, File& file);
 
 using HANDLE = int;
 constexpr HANDLE INVALID_HANDLE_VALUE = -1;

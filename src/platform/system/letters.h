@@ -1,5 +1,5 @@
 // Comparing that ignores the case of the ASCII letters and takes every other byte as it stands, unsigned: the
-// one order of keys, type names and file names.
+// order of keys and type names, and that of file names, in which small letters count as capitals.
 #pragma once
 
 #include <algorithm>
@@ -7,16 +7,22 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <string>
 #include <string_view>
+#include <vector>
 
-// The byte with an ASCII capital turned into its small letter.
+// The byte with an ASCII capital turned into its small letter, and the other way round.
 constexpr unsigned char smallLetter(char byte) {
     const auto value = static_cast<unsigned char>(byte);
     return value >= 'A' && value <= 'Z' ? static_cast<unsigned char>(value + ('a' - 'A')) : value;
 }
+constexpr unsigned char capitalLetter(char byte) {
+    const auto value = static_cast<unsigned char>(byte);
+    return value >= 'a' && value <= 'z' ? static_cast<unsigned char>(value - ('a' - 'A')) : value;
+}
 
 // Below 0, 0 or above 0 as a stands before, with or behind b. A text that begins another is the smaller.
-inline int compareIgnoringCase(std::string_view a, std::string_view b) {
+template <unsigned char (*letter)(char)> int compareLetters(std::string_view a, std::string_view b) {
     constexpr std::size_t step = sizeof(std::uint64_t);
     const std::size_t common = std::min(a.size(), b.size());
     const auto difference = [&](std::size_t at) {
@@ -33,9 +39,13 @@ inline int compareIgnoringCase(std::string_view a, std::string_view b) {
         i += static_cast<std::size_t>(std::countr_zero(difference(i))) / 8;
     }
     for (; i < common; ++i)
-        if (smallLetter(a[i]) != smallLetter(b[i]))
-            return smallLetter(a[i]) - smallLetter(b[i]);
+        if (letter(a[i]) != letter(b[i]))
+            return letter(a[i]) - letter(b[i]);
     return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
+}
+
+inline int compareIgnoringCase(std::string_view a, std::string_view b) {
+    return compareLetters<smallLetter>(a, b);
 }
 
 inline bool equalIgnoringCase(std::string_view a, std::string_view b) {
@@ -46,3 +56,23 @@ inline bool equalIgnoringCase(std::string_view a, std::string_view b) {
 struct BeforeIgnoringCase {
     bool operator()(std::string_view a, std::string_view b) const { return compareIgnoringCase(a, b) < 0; }
 };
+
+// The order of file names; those that are equal ignoring case by their plain bytes, or not told apart.
+inline bool beforeInCapitals(std::string_view a, std::string_view b) {
+    return compareLetters<capitalLetter>(a, b) < 0;
+}
+
+inline bool beforeInOrder(std::string_view a, std::string_view b) {
+    const int order = compareLetters<capitalLetter>(a, b);
+    return order < 0 || (order == 0 && a < b);
+}
+
+// The entry of that very name, else the first that equals it ignoring case, else none. The names are in
+// order.
+inline const std::string* findName(const std::vector<std::string>& names, std::string_view name) {
+    const auto same = std::lower_bound(names.begin(), names.end(), name, beforeInOrder);
+    if (same != names.end() && *same == name)
+        return &*same;
+    const auto like = std::lower_bound(names.begin(), names.end(), name, beforeInCapitals);
+    return like != names.end() && equalIgnoringCase(*like, name) ? &*like : nullptr;
+}

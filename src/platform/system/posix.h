@@ -4,9 +4,7 @@
 
 #include <cerrno>
 
-#include "platform/system/entry.h"
 #include "platform/system/errors.h"
-#include "platform/system/failure.h"
 #include "platform/system/faults.h"
 #include "platform/system/filestate.h"
 
@@ -20,17 +18,9 @@ template <class Call> auto retryInterrupted(Call call) {
     return result;
 }
 
-// Whether a test lets this operation fail, which then is a failure of the device.
-inline bool injectedFault(DiskOperation operation) {
-    if (!diskFault(operation))
-        return false;
-    SetLastError(ERROR_IO_DEVICE);
-    return true;
-}
-
-// The same, as a value.
+// A failure of the device where a test lets this operation fail.
 inline Failure faultOf(DiskOperation operation) {
-    return {injectedFault(operation) ? ERROR_IO_DEVICE : ERROR_SUCCESS};
+    return {diskFault(operation) ? ERROR_IO_DEVICE : ERROR_SUCCESS};
 }
 
 // The platform's number for a value of errno.
@@ -41,8 +31,6 @@ inline Failure answer(int result) {
     return result == 0 ? Failure() : failureFrom(errno);
 }
 
-FileState stateFrom(const struct stat& state);
-EntryState entryFrom(const struct stat& state);
+constexpr const char* defaultList = "system.posix_acl_default"; // of rights, for what is made in a directory
 
-// Counts one more failed write of the process.
-void countFailedWrite();
+FileState stateFrom(const struct stat& found);

@@ -6,17 +6,17 @@
 #include <vector>
 
 #include <fcntl.h>
+#include <spawn.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/system/posix.h"
 
 namespace {
 
-constexpr int started = 33;                                        // any number above 31
-constexpr std::string_view starterVariable = "TXINSPECT_STARTER="; // names the socket to who has started it
+constexpr int started = 33;                                  // any number above 31
+constexpr const char* starterVariable = "TXINSPECT_STARTER"; // names the socket to who has started it
 
 std::string directoryOfRunningProgram() {
     std::string path(4096, '\0');
@@ -42,66 +42,23 @@ bool isProgram(const std::string& path) {
     return stat(path.c_str(), &state) == 0 && S_ISREG(state.st_mode) && access(path.c_str(), X_OK) == 0;
 }
 
-struct Command {
-    std::string path, name;
-    std::vector<std::string> surroundings; // the environment
-    int socket;                            // that it keeps; -1 for none
-};
-
-std::vector<char*> pointersTo(std::vector<std::string>& texts) {
-    std::vector<char*> pointers;
-    for (std::string& text : texts)
-        pointers.push_back(text.data());
-    pointers.push_back(nullptr);
-    return pointers;
-}
-
-Command commandOf(const std::string& path, const char* name, int socket) {
-    Command command{path, name, {}, socket};
-    for (char** variable = environ; *variable != nullptr; ++variable)
-        command.surroundings.emplace_back(*variable);
-    if (socket >= 0)
-        command.surroundings.push_back(std::string(starterVariable) + std::to_string(socket));
-    return command;
-}
-
-// In the child, where only plain system calls are safe: hands the work to a child of its own and ends, so
-// that nobody has to wait for the program. Should that not become the program, it writes the error number.
-[[noreturn]] void becomeProgram(const Command& command, char* const* arguments, char* const* surroundings,
-                                int failurePipe) {
-    setsid();
-    const pid_t program = fork();
-    if (program == 0) {
-        const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
-        dup2(nothing, STDIN_FILENO);
-        if (command.socket >= 0)
-            fcntl(command.socket, F_SETFD, 0);
-        execve(command.path.c_str(), arguments, surroundings);
+// 0, or the errno value of what went wrong. The program keeps the socket, if there is one.
+int start(const std::string& path, std::string name, int socket) {
+    posix_spawnattr_t attributes;
+    posix_spawn_file_actions_t actions;
+    char* const arguments[] = {name.data(), nullptr};
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID);
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    if (socket >= 0) {
+        posix_spawn_file_actions_adddup2(&actions, socket, socket); // which keeps it open
+        setenv(starterVariable, std::to_string(socket).c_str(), 1);
     }
-    const int failure = errno;
-    if (program <= 0 && write(failurePipe, &failure, sizeof failure) < 0)
-        _exit(1);
-    _exit(0);
-}
-
-// 0, or the errno value of what went wrong.
-int start(Command command) {
-    int ends[2];
-    if (pipe2(ends, O_CLOEXEC) != 0)
-        return errno;
-    char* const arguments[] = {command.name.data(), nullptr};
-    const std::vector<char*> surroundings = pointersTo(command.surroundings);
-    const pid_t child = fork();
-    if (child == 0)
-        becomeProgram(command, arguments, surroundings.data(), ends[1]);
-    int failure = child < 0 ? errno : 0;
-    close(ends[1]);
-    if (child > 0) {
-        retryInterrupted([&] { return waitpid(child, nullptr, 0); });
-        // The program's own start closes the pipe, which then ends without a byte.
-        retryInterrupted([&] { return read(ends[0], &failure, sizeof failure); });
-    }
-    close(ends[0]);
+    const int failure = posix_spawn(nullptr, path.c_str(), &actions, &attributes, arguments, environ);
+    unsetenv(starterVariable);
+    posix_spawn_file_actions_destroy(&actions);
+    posix_spawnattr_destroy(&attributes);
     return failure;
 }
 
@@ -110,7 +67,7 @@ int startWith(const char* program, int socket) {
         const std::string path = directory + "/" + program;
         if (!isProgram(path))
             continue;
-        const int failure = start(commandOf(path, program, socket));
+        const int failure = start(path, program, socket);
         if (failure == 0)
             return started;
         SetLastError(failureFrom(failure).number);
@@ -122,10 +79,9 @@ int startWith(const char* program, int socket) {
 
 // Not handed on to what this program starts. Below 0 where it was not started so.
 int findStarter() {
-    const std::string variable(starterVariable.substr(0, starterVariable.size() - 1));
-    const char* number = std::getenv(variable.c_str());
+    const char* number = std::getenv(starterVariable);
     const int socket = number == nullptr ? -1 : std::atoi(number);
-    unsetenv(variable.c_str());
+    unsetenv(starterVariable);
     if (socket >= 0)
         fcntl(socket, F_SETFD, FD_CLOEXEC);
     return socket;

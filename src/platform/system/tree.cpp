@@ -1,7 +1,6 @@
 #include "platform/system/tree.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdlib>
 
 #include <fcntl.h>
@@ -10,7 +9,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
-#include "platform/system/listing.h"
+#include "platform/system/letters.h"
 #include "platform/system/posix.h"
 #include "platform/system/ways.h"
 
@@ -27,116 +26,14 @@ struct Tree::Inside {
 
 namespace {
 
-constexpr mode_t setIds = S_ISUID | S_ISGID;
-constexpr const char* accessList = "system.posix_acl_access";
-constexpr const char* defaultList = "system.posix_acl_default";
-
 std::string lastComponent(std::string_view name) {
     const std::string given = withSlashes(name);
     return given.substr(given.rfind('/') + 1);
 }
 
-Failure firstOf(Failure first, Failure next) {
-    return first ? first : next;
-}
-
-// Closed at the end; without a descriptor errno tells why.
-struct Opened {
-    explicit Opened(int opened) : descriptor(opened) {}
-    Opened(const Opened&) = delete;
-    Opened& operator=(const Opened&) = delete;
-    ~Opened() {
-        if (descriptor >= 0)
-            close(descriptor);
-    }
-    int descriptor;
-};
-
-// Opens what stands at a spot, if it is still of that kind. What can't be opened without an effect, or at
-// all, is opened to be named alone.
-int openEntry(const Spot& spot) {
-    const bool readable = S_ISREG(spot.found.st_mode) || S_ISDIR(spot.found.st_mode);
-    const int flags = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (readable ? O_RDONLY : O_PATH);
-    const char* name = spot.name.empty() ? "." : spot.name.c_str();
-    return retryInterrupted([&] { return openat(spot.directory().descriptor, name, flags); });
-}
-
-// A list of names, or a value, whose size is asked first. Where it changes in between, that is a failure.
-template <class Call> Failure readSized(Call call, std::string& bytes) {
-    const ssize_t size = call(nullptr, 0);
-    bytes.resize(size > 0 ? static_cast<std::size_t>(size) : 0);
-    return size == 0 || (size > 0 && call(bytes.data(), bytes.size()) == size) ? Failure()
-                                                                               : failureFrom(errno);
-}
-
-// A link has none that could be given back, and a file system may have none.
-Failure attributesOf(int file, bool isLink, std::vector<Attribute>& attributes) {
-    attributes.clear();
-    std::string names;
-    const Failure failure =
-        isLink ? Failure()
-               : readSized([&](char* to, std::size_t size) { return flistxattr(file, to, size); }, names);
-    if (failure)
-        return failure.number == ERROR_NOT_SUPPORTED ? Failure() : failure;
-    for (std::size_t at = 0; at < names.size(); at += attributes.back().name.size() + 1) {
-        Attribute& attribute = attributes.emplace_back(Attribute{names.c_str() + at, ""});
-        const auto get = [&](char* to, std::size_t size) {
-            return fgetxattr(file, attribute.name.c_str(), to, size);
-        };
-        if (const Failure unread = readSized(get, attribute.value))
-            return unread;
-    }
-    return {};
-}
-
-const Attribute* findAttribute(const std::vector<Attribute>& attributes, std::string_view name) {
-    const auto found = std::find_if(attributes.begin(), attributes.end(),
-                                    [&](const Attribute& attribute) { return attribute.name == name; });
-    return found == attributes.end() ? nullptr : &*found;
-}
-
-// Lists of rights that came from the directory are taken away again.
-Failure giveAttributes(int file, const std::vector<Attribute>& wanted) {
-    std::vector<Attribute> present;
-    Failure failure = attributesOf(file, false, present);
-    for (const auto& [name, value] : wanted) {
-        const Attribute* old = findAttribute(present, name);
-        if (!name.starts_with("security.") && (old == nullptr || old->value != value))
-            failure = firstOf(failure, answer(fsetxattr(file, name.c_str(), value.data(), value.size(), 0)));
-    }
-    for (const char* list : {accessList, defaultList})
-        if (findAttribute(present, list) != nullptr && findAttribute(wanted, list) == nullptr)
-            failure = firstOf(failure, answer(fremovexattr(file, list)));
-    return failure;
-}
-
-Failure giveOwner(int entry, const struct stat& found, const EntryState& state) {
-    if (found.st_uid == state.owner && found.st_gid == state.group)
-        return {};
-    return answer(fchownat(entry, "", state.owner, state.group, AT_EMPTY_PATH));
-}
-
-Failure setTimes(int entry, const EntryState& state) {
-    const timespec times[] = {{state.read.seconds, static_cast<long>(state.read.nanoseconds)},
-                              {state.changed.seconds, static_cast<long>(state.changed.nanoseconds)}};
-    return answer(utimensat(entry, "", times, AT_EMPTY_PATH));
-}
-
-// To an open entry. A second name of somebody else's file is none that was made here.
-Failure giveTo(int entry, const EntryState& state, const std::vector<Attribute>& attributes) {
-    struct stat found = {};
-    if (fstat(entry, &found) != 0)
-        return failureFrom(errno);
-    if (S_ISREG(found.st_mode) && found.st_nlink > 1 && found.st_uid != state.owner)
-        return {ERROR_ACCESS_DENIED};
-    const bool isLink = S_ISLNK(found.st_mode);
-    Failure failure = isLink ? Failure() : giveAttributes(entry, attributes);
-    failure = firstOf(failure, giveOwner(entry, found, state));
-    // A directory's set-group bit gives nobody rights.
-    const mode_t permissions = state.permissions & ~(S_ISDIR(found.st_mode) ? mode_t{S_ISUID} : setIds);
-    if (!isLink && (found.st_mode & 07777) != permissions)
-        failure = firstOf(failure, answer(fchmod(entry, permissions)));
-    return firstOf(failure, setTimes(entry, state));
+int openIn(const OpenDirectory& directory, const char* name, int flags, mode_t mode = 0) {
+    constexpr int always = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    return retryInterrupted([&] { return openat(directory.descriptor, name, flags | always, mode); });
 }
 
 // How what is made in a directory comes to its owner, its group and its rights. Where the directory has a
@@ -145,8 +42,8 @@ struct Share {
     explicit Share(const OpenDirectory& directory) {
         if (fstat(directory.descriptor, &place) != 0)
             place = {};
-        const Opened readable(openDirectoryAgain(directory.descriptor));
-        byList = fgetxattr(readable.descriptor, defaultList, nullptr, 0) > 0;
+        const File readable(openDirectoryAgain(directory.descriptor));
+        byList = fgetxattr(readable.descriptor(), defaultList, nullptr, 0) > 0;
     }
     // What the system does not allow stays as it is. Another group than the directory's writes nothing.
     void give(int made, mode_t bits) const {
@@ -175,16 +72,12 @@ std::string temporaryName(std::uint64_t number) {
 }
 
 int makeNamed(const OpenDirectory& directory, const std::string& name, mode_t mode) {
-    return retryInterrupted([&] {
-        return openat(directory.descriptor, name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC | O_NOCTTY,
-                      mode);
-    });
+    return openIn(directory, name.c_str(), O_CREAT | O_EXCL | O_RDWR, mode);
 }
 
 // A file that has no name yet; -1 where it could not be given one later.
 int makeUnnamed(const OpenDirectory& directory, mode_t mode) {
-    const int file = retryInterrupted(
-        [&] { return openat(directory.descriptor, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, mode); });
+    const int file = openIn(directory, ".", O_TMPFILE | O_RDWR, mode);
     if (file < 0 || access(("/proc/self/fd/" + std::to_string(file)).c_str(), F_OK) == 0)
         return file;
     close(file);
@@ -196,6 +89,15 @@ bool knowsLinks(const OpenDirectory& directory, const std::string& name) {
     const std::string second = name + "l";
     return linkat(directory.descriptor, name.c_str(), directory.descriptor, second.c_str(), 0) == 0 &&
            unlinkat(directory.descriptor, second.c_str(), 0) == 0;
+}
+
+Failure openAt(const Spot& spot, const char* name, int flags, File& file) {
+    struct stat found = {};
+    File opened(openIn(spot.directory(), name, flags));
+    if (!opened.isOpen() || fstat(opened.descriptor(), &found) != 0)
+        return failureFrom(errno);
+    file = File(opened.release(), stateFrom(found));
+    return {};
 }
 
 // A file that stands under a temporary name, or under its own where no other leads to it. -1 with errno set.
@@ -219,12 +121,6 @@ Failure appendTo(File& file, std::string_view bytes) {
     const int systemError = size < 0 ? errno : ENOSPC;
     const Failure closed = file.close();
     return size == static_cast<ssize_t>(bytes.size()) ? closed : failureFrom(systemError);
-}
-
-bool isEmpty(int directory) {
-    OpenDirectory looked;
-    looked.descriptor = dup(directory);
-    return !Ways().list(looked) && looked.names.empty();
 }
 
 } // namespace
@@ -329,8 +225,7 @@ Failure Tree::look(std::string_view name, Links links, Entry& entry) {
     entry.outside = spot.outside;
     if (failure || !spot.isThere())
         return failure.isAbsence() ? Failure() : failure;
-    entry.state = entryFrom(spot.found);
-    entry.file = stateFrom(spot.found);
+    entry.state = stateFrom(spot.found);
     return {};
 }
 
@@ -345,6 +240,20 @@ Failure Tree::names(std::string_view directory, std::vector<std::string>& names)
     return failure;
 }
 
+void Tree::lookThrough(const std::function<void(const Entry&)>& visit, const std::string& directory) {
+    std::vector<std::string> entries;
+    if (names(directory, entries))
+        return;
+    for (const std::string& name : entries) {
+        Entry entry;
+        if (look(directory == "." ? name : directory + "/" + name, Links::refused, entry))
+            continue;
+        visit(entry);
+        if (entry.state.kind == FileState::directory)
+            lookThrough(visit, entry.name);
+    }
+}
+
 Failure Tree::standsAlone(std::string_view name) {
     Spot spot;
     Failure failure = inside_->find(DiskOperation::open, name, spot);
@@ -353,7 +262,7 @@ Failure Tree::standsAlone(std::string_view name) {
     if (failure)
         return failure;
     const auto& names = spot.directory().names;
-    const auto [first, end] = std::equal_range(names.begin(), names.end(), spot.name, beforeIgnoringCase);
+    const auto [first, end] = std::equal_range(names.begin(), names.end(), spot.name, beforeInCapitals);
     return {end - first < 2 ? ERROR_SUCCESS : ERROR_ALREADY_EXISTS};
 }
 
@@ -366,7 +275,8 @@ Failure Tree::enter(std::string_view directory) {
     return answer(fstatat(spot.directory().descriptor, ".", &spot.found, 0));
 }
 
-Failure Tree::openFile(std::string_view name, File& file, Links links, bool writing) {
+// Looked at before the open, which alone can have effects on a pipe or a device.
+Failure Tree::openFile(std::string_view name, File& file, Links links, int flags) {
     Spot spot;
     Failure failure = faultOf(DiskOperation::open);
     if (!failure)
@@ -377,25 +287,37 @@ Failure Tree::openFile(std::string_view name, File& file, Links links, bool writ
         return {ERROR_FILE_NOT_FOUND};
     if (S_ISLNK(spot.found.st_mode))
         return {ERROR_CANT_RESOLVE_FILENAME};
-    // Looked at before the open, which alone can have effects on a pipe or a device.
-    if (!S_ISREG(spot.found.st_mode) || (writing && !spot.outside.empty()))
+    if (!S_ISREG(spot.found.st_mode) || (flags != O_RDONLY && !spot.outside.empty()))
         return {ERROR_ACCESS_DENIED};
-    const int flags = O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | (writing ? O_RDWR : O_RDONLY);
-    file =
-        File(retryInterrupted([&] { return openat(spot.directory().descriptor, spot.name.c_str(), flags); }));
-    if (!file.isOpen() || fstat(file.descriptor(), &spot.found) != 0)
-        return failureFrom(errno);
-    const bool plain = S_ISREG(spot.found.st_mode);
-    file = plain ? File(file.release(), stateFrom(spot.found)) : File();
-    return {plain ? ERROR_SUCCESS : ERROR_ACCESS_DENIED};
+    failure = openAt(spot, spot.name.c_str(), flags, file);
+    if (!failure && file.opened().kind != FileState::plain)
+        failure = {ERROR_ACCESS_DENIED};
+    if (failure)
+        file = File();
+    return failure;
 }
 
 Failure Tree::openToRead(std::string_view name, File& file, Links links) {
-    return openFile(name, file, links, false);
+    return openFile(name, file, links, O_RDONLY);
 }
 
 Failure Tree::openToWrite(std::string_view name, File& file, Links links) {
-    return openFile(name, file, links, true);
+    return openFile(name, file, links, O_RDWR);
+}
+
+// What can't be opened without an effect, or at all, is opened to be named alone.
+Failure Tree::openEntry(std::string_view name, File& file, Links links) {
+    Spot spot;
+    const Failure fault = faultOf(DiskOperation::open);
+    if (const Failure failure = fault ? fault : inside_->ways.find(name, links, spot))
+        return failure;
+    if (!spot.outside.empty())
+        return {ERROR_ACCESS_DENIED};
+    if (spot.name.empty())
+        return openAt(spot, ".", O_RDONLY, file);
+    const bool readable = S_ISREG(spot.found.st_mode) || S_ISDIR(spot.found.st_mode);
+    return spot.isThere() ? openAt(spot, spot.name.c_str(), readable ? O_RDONLY : O_PATH, file)
+                          : Failure{ERROR_FILE_NOT_FOUND};
 }
 
 Failure Tree::append(std::string_view name, std::string_view bytes) {
@@ -406,16 +328,10 @@ Failure Tree::append(std::string_view name, std::string_view bytes) {
         failure = inside_->ways.findDirectory(place.substr(0, place.rfind('/') + 1), spot);
     if (failure || !spot.outside.empty())
         return failure ? failure : Failure{ERROR_ACCESS_DENIED};
-    constexpr int flags = O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
-    const std::string last = lastComponent(name);
-    File file(
-        retryInterrupted([&] { return openat(spot.directory().descriptor, last.c_str(), flags, 0666); }));
+    File file(openIn(spot.directory(), lastComponent(name).c_str(), O_WRONLY | O_APPEND | O_CREAT, 0666));
     if (!file.isOpen())
         return failureFrom(errno);
-    failure = appendTo(file, bytes);
-    if (failure)
-        countFailedWrite();
-    return failure;
+    return appendTo(file, bytes);
 }
 
 Failure Tree::readLink(std::string_view name, std::string& target) {
@@ -423,21 +339,7 @@ Failure Tree::readLink(std::string_view name, std::string& target) {
     const Failure failure = inside_->find(DiskOperation::read, name, spot);
     if (failure || !spot.isThere())
         return failure ? failure : Failure{ERROR_FILE_NOT_FOUND};
-    target.resize(PATH_MAX);
-    const ssize_t size =
-        readlinkat(spot.directory().descriptor, spot.name.c_str(), target.data(), target.size());
-    target.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-    return size < 0 ? failureFrom(errno) : Failure();
-}
-
-Failure Tree::readAttributes(std::string_view name, std::vector<Attribute>& attributes) {
-    Spot spot;
-    const Failure failure = inside_->find(DiskOperation::read, name, spot);
-    if (failure || !spot.isThere())
-        return failure ? failure : Failure{ERROR_FILE_NOT_FOUND};
-    const Opened entry(openEntry(spot));
-    return entry.descriptor < 0 ? failureFrom(errno)
-                                : attributesOf(entry.descriptor, S_ISLNK(spot.found.st_mode), attributes);
+    return readTarget(spot, target);
 }
 
 Failure Tree::make(std::string_view name, NewFile& file, Rights rights, Appears appears) {
@@ -466,27 +368,18 @@ Failure Tree::make(std::string_view name, NewFile& file, Rights rights, Appears 
     return {};
 }
 
-// What another has put in its place meanwhile is given to nobody.
 void Tree::numberTemporaries(std::uint64_t number) {
     inside_->temporaries = number;
 }
 
-void Tree::removeTemporaries(std::uint64_t number, const std::string& directory) {
-    std::vector<std::string> entries;
-    if (names(directory, entries))
-        return;
-    for (const std::string& entry : entries) {
-        const std::string below = directory == "." ? entry : directory + "/" + entry;
-        Entry found;
-        if (look(below, Links::refused, found))
-            continue;
-        if (found.state.kind == EntryState::directory)
-            removeTemporaries(number, below);
-        else if (entry.starts_with(temporaryName(number))) [[maybe_unused]]
-            const Failure left = remove(below, found.file);
-    }
+void Tree::removeTemporaries(std::uint64_t number) {
+    lookThrough([&](const Entry& entry) {
+        if (lastComponent(entry.name).starts_with(temporaryName(number))) [[maybe_unused]]
+            const Failure left = remove(entry.name, entry.state);
+    });
 }
 
+// What another has put in its place meanwhile is given to nobody.
 Failure Tree::makeDirectory(std::string_view name) {
     Spot spot;
     const Failure failure = inside_->findToChange(DiskOperation::makeDirectory, name, spot);
@@ -496,10 +389,10 @@ Failure Tree::makeDirectory(std::string_view name) {
     if (mkdirat(spot.directory().descriptor, spot.name.c_str(), share.byList ? 0777 : 0700) != 0)
         return failureFrom(errno);
     spot.directory().added(spot.name);
-    spot.found.st_mode = S_IFDIR;
-    const Opened made(openEntry(spot));
-    if (isEmpty(made.descriptor))
-        share.give(made.descriptor, 0777);
+    const File made(openIn(spot.directory(), spot.name.c_str(), O_RDONLY | O_DIRECTORY));
+    std::vector<std::string> names;
+    if (!readNames(made.descriptor(), names) && names.empty())
+        share.give(made.descriptor(), 0777);
     return {};
 }
 
@@ -525,40 +418,6 @@ Failure Tree::addName(std::string_view name, std::string_view existing) {
     if (!failure)
         spot.directory().added(spot.name);
     return failure;
-}
-
-Failure Tree::give(std::string_view name, const EntryState& state, const std::vector<Attribute>& attributes) {
-    Spot spot;
-    if (const Failure failure = inside_->findToChange(DiskOperation::write, name, spot))
-        return failure;
-    const Opened entry(openEntry(spot));
-    return entry.descriptor < 0 ? failureFrom(errno) : giveTo(entry.descriptor, state, attributes);
-}
-
-Failure Tree::give(const File& file, const EntryState& state, const std::vector<Attribute>& attributes) {
-    const Failure fault = faultOf(DiskOperation::write);
-    return fault ? fault : giveTo(file.descriptor(), state, attributes);
-}
-
-Failure Tree::giveTimes(const File& file, const EntryState& state) {
-    const Failure fault = faultOf(DiskOperation::write);
-    return fault ? fault : setTimes(file.descriptor(), state);
-}
-
-Failure Tree::giveTimes(std::string_view name, const EntryState& state) {
-    Spot spot;
-    Failure failure = faultOf(DiskOperation::write);
-    if (!failure)
-        failure = inside_->ways.find(name, Links::followed, spot);
-    if (!failure && !spot.outside.empty())
-        failure = {ERROR_ACCESS_DENIED};
-    if (!failure && !spot.isThere() && !spot.name.empty())
-        failure = {ERROR_FILE_NOT_FOUND};
-    if (failure)
-        return failure;
-    const char* entryName = spot.name.empty() ? "." : spot.name.c_str();
-    const Opened entry(openat(spot.directory().descriptor, entryName, O_PATH | O_NOFOLLOW | O_CLOEXEC));
-    return entry.descriptor < 0 ? failureFrom(errno) : setTimes(entry.descriptor, state);
 }
 
 Failure Tree::remove(std::string_view name, const FileState& judged) {
@@ -588,10 +447,10 @@ Failure Tree::syncDirectoryOf(std::string_view name) {
     const Failure failure = inside_->find(DiskOperation::sync, name, spot);
     if (failure)
         return failure;
-    const Opened directory(openDirectoryAgain(spot.directory().descriptor));
-    if (directory.descriptor < 0)
+    const File directory(openDirectoryAgain(spot.directory().descriptor));
+    if (!directory.isOpen())
         return failureFrom(errno);
-    return fsync(directory.descriptor) == 0 || errno == EINVAL ? Failure() : failureFrom(errno);
+    return fsync(directory.descriptor()) == 0 || errno == EINVAL ? Failure() : failureFrom(errno);
 }
 
 Failure Tree::mayChangeDirectoryOf(std::string_view name) {
@@ -611,7 +470,7 @@ Failure Tree::planRemoval(std::string_view name, const FileState& judged) {
         return failure;
     failure = mayChangeDirectoryOf(name);
     if (!failure)
-        inside_->ways.planRemoval(spot);
+        inside_->ways.plan(spot, false);
     return failure;
 }
 
@@ -622,6 +481,6 @@ Failure Tree::planDirectory(std::string_view name) {
         return failure ? failure : Failure{ERROR_ALREADY_EXISTS};
     failure = mayChangeDirectoryOf(name);
     if (!failure)
-        inside_->ways.planDirectory(spot);
+        inside_->ways.plan(spot, true);
     return failure;
 }

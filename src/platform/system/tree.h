@@ -4,13 +4,13 @@
 // on.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "platform/system/entry.h"
-#include "platform/system/failure.h"
+#include "platform/system/errors.h"
 #include "platform/system/file.h"
 #include "platform/system/filestate.h"
 
@@ -23,8 +23,7 @@ enum class Appears { whole, atOnce };
 
 // What stands under a name.
 struct Entry {
-    EntryState state;    // missing where nothing stands there, or it counts as gone
-    FileState file;      // which file it is and how it stands; of no file where it is missing
+    FileState state;     // missing where nothing stands there, or it counts as gone
     std::string name;    // below the directory, spelled as on the disk
     std::string outside; // the link, below the directory, that leads out of it; empty: it is inside
 };
@@ -60,6 +59,8 @@ public:
     // The names in a directory, in the order of searches: ascending, ASCII small letters counted as capitals,
     // then by their plain bytes.
     Failure names(std::string_view directory, std::vector<std::string>& names);
+    // Calls visit with each entry of the directory and of all below, as far as they can be read.
+    void lookThrough(const std::function<void(const Entry&)>& visit, const std::string& directory = ".");
     // Whether no other entry of its directory equals the last component ignoring case, by the names that were
     // read since the begin. 183 where there is one.
     Failure standsAlone(std::string_view name);
@@ -74,8 +75,8 @@ public:
     // and nothing else, since a log does this for each of its lines. A link is refused.
     Failure append(std::string_view name, std::string_view bytes);
     Failure readLink(std::string_view name, std::string& target);
-    // Extended attributes of a plain file, a directory or a link itself.
-    Failure readAttributes(std::string_view name, std::vector<Attribute>& attributes);
+    // Opens whatever stands there, to ask or to give what belongs to it beside its content.
+    Failure openEntry(std::string_view name, File& file, Links links = Links::refused);
 
     // Makes a plain file that does not show before keep. 183 where any entry has that very name.
     Failure make(std::string_view name, NewFile& file, Rights rights = Rights::asDirectory,
@@ -83,17 +84,10 @@ public:
     // Where no file can be without a name, it stands under a temporary one with that number until it is kept;
     // with 0, with one drawn at random.
     void numberTemporaries(std::uint64_t number);
-    // Removes those that an interrupted run has left in a directory or below.
-    void removeTemporaries(std::uint64_t number, const std::string& directory = ".");
+    void removeTemporaries(std::uint64_t number); // which an interrupted run has left
     Failure makeDirectory(std::string_view name); // 183 where any entry has that name ignoring case
     Failure makeLink(std::string_view name, const std::string& target);
     Failure addName(std::string_view name, std::string_view existing); // a second name of one file
-    // Gives owner, permissions, extended attributes and times. What can't be given is left, and a failure;
-    // set-id bits and attributes of the system's security are never given.
-    Failure give(std::string_view name, const EntryState& state, const std::vector<Attribute>& attributes);
-    Failure give(const File& file, const EntryState& state, const std::vector<Attribute>& attributes);
-    Failure giveTimes(const File& file, const EntryState& state);
-    Failure giveTimes(std::string_view name, const EntryState& state); // to what a link leads to
     // Takes a plain file or a link away, if it is still the one that was judged: ERROR_FILE_INVALID where it
     // is another, 2 where there is none. No file of it may be open here.
     Failure remove(std::string_view name, const FileState& judged);
@@ -108,7 +102,7 @@ public:
     Failure planDirectory(std::string_view name);
 
 private:
-    Failure openFile(std::string_view name, File& file, Links links, bool writing);
+    Failure openFile(std::string_view name, File& file, Links links, int flags);
 
     struct Inside;
     std::unique_ptr<Inside> inside_;

@@ -44,22 +44,13 @@ bool isUtf8(std::string_view bytes) {
 }
 
 void appendUtf8(std::string& text, std::uint32_t number) {
-    const auto tail = [&](unsigned shift) {
+    const Form* form = forms;
+    while (form->length < 4 && number >= form[1].least)
+        ++form;
+    unsigned shift = 6 * (form->length - 1);
+    text.push_back(static_cast<char>(form->lead | number >> shift));
+    while (shift > 0) {
+        shift -= 6;
         text.push_back(static_cast<char>(0x80 | (number >> shift & 0x3F)));
-    };
-    const auto lead = [&](unsigned mark, unsigned shift) {
-        text.push_back(static_cast<char>(mark | number >> shift));
-    };
-    if (number < 0x80) {
-        lead(0, 0);
-    } else if (number < 0x800) {
-        lead(0xC0, 6);
-        tail(0);
-    } else if (number < 0x10000) {
-        lead(0xE0, 12);
-        tail(6), tail(0);
-    } else {
-        lead(0xF0, 18);
-        tail(12), tail(6), tail(0);
     }
 }

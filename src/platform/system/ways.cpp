@@ -7,7 +7,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "platform/system/listing.h"
+#include "platform/system/letters.h"
 #include "platform/system/posix.h"
 
 namespace {
@@ -17,30 +17,6 @@ constexpr int mostLinks = 40; // as the system has it
 struct CloseDirectory {
     void operator()(DIR* directory) const { closedir(directory); }
 };
-
-// Half of the names must not pass for all of them.
-Failure readNames(int descriptor, std::vector<std::string>& names) {
-    names.clear();
-    const int readable = openDirectoryAgain(descriptor);
-    const std::unique_ptr<DIR, CloseDirectory> stream(readable < 0 ? nullptr : fdopendir(readable));
-    if (stream == nullptr)
-        return failureFrom(errno);
-    errno = 0;
-    while (const dirent* entry = readdir(stream.get())) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..")
-            names.emplace_back(name);
-    }
-    return answer(errno);
-}
-
-Failure readTarget(const Spot& spot, std::string& target) {
-    target.resize(PATH_MAX);
-    const ssize_t size =
-        readlinkat(spot.directory().descriptor, spot.name.c_str(), target.data(), target.size());
-    target.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-    return size < 0 ? failureFrom(errno) : Failure();
-}
 
 // Takes the first component off a path, without the separators about it.
 std::string_view takeComponent(std::string_view& path) {
@@ -67,6 +43,30 @@ std::string withSlashes(std::string_view name) {
 
 int openDirectoryAgain(int descriptor) {
     return retryInterrupted([&] { return openat(descriptor, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+}
+
+// Half of the names must not pass for all of them.
+Failure readNames(int descriptor, std::vector<std::string>& names) {
+    names.clear();
+    const int readable = openDirectoryAgain(descriptor);
+    const std::unique_ptr<DIR, CloseDirectory> stream(readable < 0 ? nullptr : fdopendir(readable));
+    if (stream == nullptr)
+        return failureFrom(errno);
+    errno = 0;
+    while (const dirent* entry = readdir(stream.get())) {
+        const std::string_view name = entry->d_name;
+        if (name != "." && name != "..")
+            names.emplace_back(name);
+    }
+    return answer(errno);
+}
+
+Failure readTarget(const Spot& spot, std::string& target) {
+    target.resize(PATH_MAX);
+    const ssize_t size =
+        readlinkat(spot.directory().descriptor, spot.name.c_str(), target.data(), target.size());
+    target.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    return size < 0 ? failureFrom(errno) : Failure();
 }
 
 OpenDirectory::~OpenDirectory() {
@@ -207,7 +207,7 @@ Failure Ways::enter(Spot& spot) {
     if (!S_ISDIR(spot.found.st_mode))
         return {ERROR_PATH_NOT_FOUND};
     DirectoryHandle next;
-    if (const auto planned = made_.find(spot.place()); planned != made_.end())
+    if (const auto planned = planned_.find(spot.place()); planned != planned_.end())
         next = planned->second;
     else if (const Failure failure = open(spot.directory().descriptor, spot.name.c_str(), O_NOFOLLOW, next))
         return failure;
@@ -226,10 +226,10 @@ Failure Ways::goUp(Spot& spot) {
 Failure Ways::lookUp(Spot& spot, const std::string& name) const {
     spot.name = name;
     spot.found = {};
-    if (made_.count(spot.place()) != 0)
-        spot.found.st_mode = S_IFDIR;
-    else if (spot.directory().descriptor >= 0 && gone_.count(spot.place()) == 0 &&
-             fstatat(spot.directory().descriptor, name.c_str(), &spot.found, AT_SYMLINK_NOFOLLOW) != 0) {
+    const int directory = spot.directory().descriptor;
+    if (const auto planned = planned_.find(spot.place()); planned != planned_.end())
+        spot.found.st_mode = planned->second != nullptr ? S_IFDIR : 0;
+    else if (directory >= 0 && fstatat(directory, name.c_str(), &spot.found, AT_SYMLINK_NOFOLLOW) != 0) {
         spot.found = {};
         return answer(errno == ENOENT ? 0 : -1);
     }
@@ -280,26 +280,26 @@ Failure Ways::list(OpenDirectory& directory) const {
         directory.descriptor < 0 ? Failure() : readNames(directory.descriptor, directory.names);
     if (failure)
         return failure;
-    for (const auto& [place, made] : made_)
-        if (place.first == directory.identity)
+    for (const auto& [place, made] : planned_)
+        if (place.first == directory.identity && made != nullptr)
             directory.names.push_back(place.second);
-    const auto isGone = [&](const std::string& name) { return gone_.count({directory.identity, name}) != 0; };
-    if (!gone_.empty())
+    const auto isGone = [&](const std::string& name) {
+        const auto planned = planned_.find({directory.identity, name});
+        return planned != planned_.end() && planned->second == nullptr;
+    };
+    if (!planned_.empty())
         std::erase_if(directory.names, isGone);
     std::sort(directory.names.begin(), directory.names.end(), beforeInOrder);
     directory.listed = true;
     return {};
 }
 
-void Ways::planRemoval(const Spot& spot) {
-    gone_.insert(spot.place());
-    spot.directory().removed(spot.name);
-}
-
 // It has a number of its own, as the directories of the disk have, but on no device.
-void Ways::planDirectory(const Spot& spot) {
-    auto planned = std::make_shared<OpenDirectory>();
-    planned->identity = {~std::uint64_t{0}, made_.size() + 1};
-    made_.emplace(spot.place(), planned);
+void Ways::plan(const Spot& spot, bool directory) {
+    DirectoryHandle& planned = planned_[spot.place()];
+    if (!directory)
+        return spot.directory().removed(spot.name);
+    planned = std::make_shared<OpenDirectory>();
+    planned->identity = {~std::uint64_t{0}, planned_.size()};
     spot.directory().added(spot.name);
 }

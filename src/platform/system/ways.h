@@ -4,7 +4,6 @@
 
 #include <map>
 #include <memory>
-#include <set>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -12,7 +11,7 @@
 
 #include <sys/stat.h>
 
-#include "platform/system/failure.h"
+#include "platform/system/errors.h"
 #include "platform/system/file.h"
 #include "platform/system/filestate.h"
 
@@ -66,8 +65,7 @@ public:
     // Reads the names of a directory where that was not done yet.
     Failure list(OpenDirectory& directory) const;
     // Counts what stands at a spot as gone, or a directory as there.
-    void planRemoval(const Spot& spot);
-    void planDirectory(const Spot& spot);
+    void plan(const Spot& spot, bool directory);
 
 private:
     Failure reach(const std::string& path, Spot& spot);
@@ -85,9 +83,9 @@ private:
     Failure lost_; // since the last begin
     std::map<FileIdentity, DirectoryHandle> opened_;
     std::map<std::string, Spot, std::less<>> reached_; // directories by their names as given
-    // By the directory in which they stand.
-    std::set<std::pair<FileIdentity, std::string>> gone_;
-    std::map<std::pair<FileIdentity, std::string>, DirectoryHandle> made_;
+    // By the directory in which they stand: directories that count as there, and none for what counts as
+    // gone.
+    std::map<std::pair<FileIdentity, std::string>, DirectoryHandle> planned_;
 };
 
 // A name with / as its only separator.
@@ -95,3 +93,7 @@ std::string withSlashes(std::string_view name);
 
 // Opens a directory that is held, to read its names or to sync them; -1 with errno set.
 int openDirectoryAgain(int descriptor);
+// All names in it but "." and "..".
+Failure readNames(int descriptor, std::vector<std::string>& names);
+
+Failure readTarget(const Spot& spot, std::string& target); // of a link

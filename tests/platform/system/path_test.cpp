@@ -1,10 +1,9 @@
-#include "platform/system/path.h"
+#include "platform/system/person.h"
 
 #include <filesystem>
 
 #include <gtest/gtest.h>
 
-#include "platform/system/directory.h"
 #include "tempdir.h"
 
 namespace fs = std::filesystem;

@@ -91,7 +91,7 @@ TEST_F(TreeTest, WalksEveryNameAndKnowsWhatIsInside) {
         EXPECT_EQ(entry.name, c.spelled) << c.name;
         EXPECT_EQ(entry.outside, c.outside) << c.name;
     }
-    EXPECT_EQ(look("round", Links::followed).file, look("DBase").file);
+    EXPECT_EQ(look("round", Links::followed).state, look("DBase").state);
     EXPECT_EQ(look("farther", Links::followed).outside, "farther");
     EXPECT_EQ(names("back"), (std::vector<std::string>{"File", "fiLE", "leak"}));
 }
@@ -107,8 +107,8 @@ TEST_F(TreeTest, ChangesNothingOutside) {
         EXPECT_EQ(tree.makeLink(place + "new", "x"), denied) << place;
         EXPECT_EQ(tree.addName(place + "new", "DBase/File"), denied) << place;
         EXPECT_EQ(tree.addName("DBase/new", place + "File"), denied) << place;
-        EXPECT_EQ(tree.give(place + "File", {}, {}), denied) << place;
-        EXPECT_EQ(tree.remove(place + "File", look((place + "File").c_str()).file), denied) << place;
+        EXPECT_EQ(tree.openEntry(place + "File", file), denied) << place;
+        EXPECT_EQ(tree.remove(place + "File", look((place + "File").c_str()).state), denied) << place;
         EXPECT_EQ(tree.removeDirectory(place + "."), denied) << place;
     }
     EXPECT_EQ(listTree(directory.path()), before);
@@ -116,7 +116,7 @@ TEST_F(TreeTest, ChangesNothingOutside) {
 
 // Whoever moves names meanwhile leads nothing elsewhere.
 TEST_F(TreeTest, ActsOnWhatWasJudged) {
-    const FileState judged = look("DBase/File").file;
+    const FileState judged = look("DBase/File").state;
     fs::rename(top + "/DBase", top + "/moved");
     fs::create_symlink("../out", top + "/DBase");
     EXPECT_EQ(read("DBase/File"), "db/DBase/File");
@@ -139,9 +139,9 @@ TEST_F(TreeTest, ActsOnWhatWasJudged) {
 }
 
 TEST_F(TreeTest, GoesByWhatIsPlanned) {
-    EXPECT_EQ(tree.planRemoval("dbase/File", look("DBase/File").file), none);
-    EXPECT_EQ(tree.planRemoval("DBase/leak", look("DBase/File").file), another);
-    EXPECT_EQ(tree.planRemoval("in/File", look("back/File").file), none) << "the other one, by its letters";
+    EXPECT_EQ(tree.planRemoval("dbase/File", look("DBase/File").state), none);
+    EXPECT_EQ(tree.planRemoval("DBase/leak", look("DBase/File").state), another);
+    EXPECT_EQ(tree.planRemoval("in/File", look("back/File").state), none) << "the other one, by its letters";
     EXPECT_EQ(tree.planDirectory("NEW"), none);
     EXPECT_EQ(tree.planDirectory("new"), exists);
     EXPECT_EQ(tree.planDirectory("New/sub"), none);
@@ -187,18 +187,20 @@ TEST_F(TreeTest, MakesWhatShowsWholeWithTheRightsOfItsDirectory) {
     EXPECT_EQ(make("listed"), none);
     EXPECT_EQ(mode("listed"), 0640u) << "as the default list says";
 
-    EntryState given = look("DBase/listed").state;
+    FileState given = look("DBase/listed").state;
     given.permissions = 06440;
     given.owner = getuid();
     given.changed = {1000, 5};
     ASSERT_EQ(setxattr((place + "/listed").c_str(), "user.odd", "", 0, 0), 0);
-    EXPECT_EQ(tree.give("DBase/listed", given, {{"user.note", "x"}, {"security.capability", "x"}}), none);
-    const EntryState now = look("DBase/listed").state;
+    File listed;
+    EXPECT_EQ(tree.openEntry("DBase/listed", listed), none);
+    EXPECT_EQ(listed.give(given, {{"user.note", "x"}, {"security.capability", "x"}}), none);
+    const FileState now = look("DBase/listed").state;
     EXPECT_EQ(now.permissions, 0440u);
     EXPECT_EQ(now.owner, getuid());
     EXPECT_EQ(now.changed, given.changed);
     std::vector<Attribute> attributes;
-    EXPECT_EQ(tree.readAttributes("DBase/listed", attributes), none);
+    EXPECT_EQ(listed.attributes(attributes), none);
     EXPECT_EQ(attributes.size(), 2u);
     EXPECT_EQ(names("DBase"), (std::vector<std::string>{"FILE", "File", "fiLE", "leak", "listed", "sub"}));
 }

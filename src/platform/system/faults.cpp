@@ -1,3 +1,0 @@
-#include "platform/system/faults.h"
-
-DiskFaultHook diskFaultHook = nullptr;
