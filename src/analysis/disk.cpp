@@ -82,7 +82,6 @@ private:
 
     // Why a directory is not to be made; nothing if it may be.
     std::string whynotmade(Change& change) {
-        change.parts = {Standing::before};
         Entry entry;
         if (const Failure failure = tree.look(change.file, Links::refused, entry))
             return failure.text() + "\n" + repeat;
