@@ -1,39 +1,17 @@
 #include "platform/system/hold.h"
 
 #include <csignal>
-#include <cstddef>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
 #include <spawn.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 
 #include "child.h"
 #include "platform/system/bytestream.h"
-#include "platform/system/signalhold.h"
 #include "platform/system/tree.h"
 #include "tempdir.h"
 
 namespace {
-
-// From now on the system answers each request for a lock as a file system without locks does.
-bool takeLocksAway() {
-    sock_filter program[] = {
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_fcntl, 0, 3),
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[1])),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, F_OFD_SETLK, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | ENOLCK),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    };
-    const sock_fprog whole = {std::size(program), program};
-    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 &&
-           prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &whole) == 0;
-}
 
 struct Hold : testing::Test {
     std::uint32_t take() {
@@ -115,29 +93,4 @@ TEST_F(Hold, IsNotInheritedByAProgram) {
     EXPECT_EQ(waitpid(program, nullptr, WNOHANG), 0) << "the program was running all the time";
     kill(program, SIGKILL);
     waitpid(program, nullptr, 0);
-}
-
-TEST_F(Hold, IsRefusedByAFileSystemWithoutLocks) {
-    const int status = inChild([&] { return takeLocksAway() ? static_cast<int>(take()) : notPossibleHere; });
-    if (status == notPossibleHere)
-        GTEST_SKIP() << "the answers of the system can't be changed here";
-    EXPECT_EQ(status, ERROR_NOT_SUPPORTED);
-}
-
-TEST(SignalHold, EachSignalWaitsForTheEndOfTheOuterHold) {
-    static int arrived;
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-        arrived = 0;
-        const auto before = std::signal(signal, [](int) { ++arrived; });
-        {
-            const SignalHold outer;
-            { const SignalHold inner; }
-            std::raise(signal);
-            EXPECT_EQ(arrived, 0);
-        }
-        EXPECT_EQ(arrived, 1);
-        std::raise(signal);
-        EXPECT_EQ(arrived, 2);
-        std::signal(signal, before);
-    }
 }
