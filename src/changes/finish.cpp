@@ -69,12 +69,9 @@ private:
 
     // What is still to be written must reach no name elsewhere.
     std::string whyclosed(const Change& change) {
-        Entry entry;
         const bool towrite =
             change.kind == Change::keys && (any(change, Standing::before) || any(change, Standing::torn));
-        return towrite && !tree_.look(change.file, Links::followed, entry)
-                   ? linked_.whyreachesothers(entry.state)
-                   : "";
+        return towrite ? linked_.whyreachesothers(change.judged) : "";
     }
 
     void lookatall() {

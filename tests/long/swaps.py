@@ -43,11 +43,11 @@ def prepare(work, words):
 
 
 def attempt(fresh, number, words, calls, swap):
-    place = fresh.copy(f"{fresh.root}-{number}")
+    place, call = fresh.copy(f"{fresh.root}-{number}"), 1 + number * 7919 % calls  # some from everywhere, or all
     outside = place.look(place.root + "/outside")
     words = [str(place.undo_files()[0]) if word == "@UNDO" else word for word in words]
-    place.check(*words, calls={"PAUSE": 1 + number % calls, "DO": swap.replace("@ROOT", place.root)})
-    judge(place.look(place.root + "/outside") == outside, "changed outside at call", 1 + number % calls)
+    place.check(*words, calls={"PAUSE": call, "DO": swap.replace("@ROOT", place.root)})
+    judge(place.look(place.root + "/outside") == outside, "changed outside at call", call)
     shutil.rmtree(place.root)
 
 
