@@ -238,7 +238,8 @@ def give_away(place):
 
 def try_cases():
     given = arguments(("--case", ""))
-    signal.signal(signal.SIGINT, signal.default_int_handler)  # which a shell lets its background jobs ignore
+    signal.signal(signal.SIGINT, signal.default_int_handler)  # which a shell lets its background jobs ignore,
+    signal.signal(signal.SIGHUP, signal.SIG_DFL)  # and nohup
     wrong = 0
     for name in [name for name in CASES if given.case in name]:
         function, row, needs_root = CASES[name]
