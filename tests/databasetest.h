@@ -54,6 +54,7 @@ protected:
         for (const char* name :
              {"DBASE", "fprint", "images", "char", "seq", "matrix", "gel2d", "Library", "bundles"})
             std::filesystem::create_directory(root / name);
+        setenv("XDG_STATE_HOME", home.path().c_str(), 1);
         setReport([this](const char* text, const char* title, std::uint32_t flags) {
             reports.push_back(std::string(title) + " " + std::to_string(flags) + ": " + text);
             return answer;

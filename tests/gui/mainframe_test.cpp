@@ -68,8 +68,11 @@ TEST_F(DesktopTest, WhatWasNotReadOrNotSavedIsToldAndKeepsTheWindowOpen) {
     EXPECT_EQ(status(), "2 keys not saved; 8 problems; 1 file not saved");
     EXPECT_GE(reports.size(), 2U) << "the failure is told beside the question";
     diskFaultHook = nullptr;
+    const auto shown = [this] { return outerWidget(*main->statusBar)->grab().toImage(); };
+    const QImage before = shown();
     command(101);
     EXPECT_EQ(status(), "Saved; 8 problems");
+    EXPECT_NE(shown(), before) << "the line is not painted anew";
     logEnabled = 1; // of a log that was not begun
     ::database->addunread({"seq/X.DEF", "no reason", Unread::whole});
     ::database->addunread({"seq/Y.DEF", "the same as X", Unread::told});
