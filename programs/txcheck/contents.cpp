@@ -10,6 +10,7 @@
 #include "model/keyentry.h"
 #include "model/problem.h"
 #include "outcome.h"
+#include "textform.h"
 #include "told.h"
 
 namespace {
@@ -18,30 +19,13 @@ std::string_view shownKey(std::string_view key) {
     return key.empty() ? "(no key)" : key;
 }
 
-// Rows for things from 0 on.
-template <class Fill> std::function<bool(Row&)> rowsTo(std::size_t count, Fill fill) {
-    return [n = std::size_t{0}, count, fill](Row& row) mutable {
-        if (n == count)
-            return false;
-        row.clear();
-        fill(row, n++);
-        return true;
-    };
-}
-
 template <class Fill> std::function<bool(Row&)> oneRow(Fill fill) {
     return rowsTo(1, [fill](Row& row, std::size_t) { fill(row); });
 }
 
-Section section(const char* member, const char* name, std::string title, Section::Shape shape,
-                std::function<bool(Row&)> next) {
-    Section made;
-    made.member = member;
-    made.name = name;
-    made.title = std::move(title);
-    made.shape = shape;
-    made.next = std::move(next);
-    return made;
+// Members of the document itself.
+template <class Fill> Section members(Fill fill) {
+    return {"", "", "", Section::members, oneRow(fill)};
 }
 
 std::string typeName(const TSXdatabase& database, int type) {
@@ -110,19 +94,17 @@ void fillProblem(Row& row, const Session& session, int place, Form form) {
     fillSolutions(row, problem, place);
 }
 
-Section problems(const Session& session, bool known, Form form) {
+Section problems(const Session& session, bool isKnown, Form form) {
     std::vector<int> rows;
     for (int row = 1; row <= session.database.problemcount; ++row)
-        if (session.known.has(session.database, row) == known)
+        if (form == Form::document || session.known.has(session.database, row) == isKnown)
             rows.push_back(row);
-    const std::size_t count = rows.size();
-    return section("", known ? "known" : "problems",
-                   known ? "Known problems, which are accepted as they are"
-                         : "Problems, each with its id and its solutions for --solve WHAT:N",
-                   Section::list,
-                   rowsTo(count, [&session, rows = std::move(rows), form](Row& row, std::size_t n) {
-                       fillProblem(row, session, rows[n], form);
-                   }));
+    return {form == Form::document ? "problems" : "", isKnown ? "known" : "problems",
+            isKnown ? "Known problems, which are accepted as they are"
+                    : "Problems, each with its id and its solutions for --solve WHAT:N",
+            Section::list, rowsTo(rows.size(), [&session, rows, form](Row& row, std::size_t n) {
+                fillProblem(row, session, rows[n], form);
+            })};
 }
 
 void fillType(Row& row, const TSXdatabase& database, std::size_t n) {
@@ -211,17 +193,16 @@ std::vector<Row> recordsOf(const TSXkeyentry* entry) {
 // For programs one object, for a person a table.
 void addEntry(std::vector<Section>& sections, const TSXdatabase& database, const std::string& wanted) {
     const TSXkeyentry* entry = database.keytree.find(wanted);
-    std::vector<Row> rows = recordsOf(entry);
-    const std::size_t count = rows.size();
-    const std::string key(count > 0 ? entry->key : wanted);
-    sections.push_back(section("entry", "", "", Section::object, oneRow([key, rows](Row& row) {
-                                   row.text("key", "", key).rows("occurrences") = rows;
-                               })));
-    sections.push_back(section(
-        "", "entry",
-        "Entry " + std::string(shownKey(key)) + ", used by " + std::to_string(count) +
-            (count == 1 ? " record" : " records"),
-        Section::table, rowsTo(count, [rows = std::move(rows)](Row& row, std::size_t n) { row = rows[n]; })));
+    const std::vector<Row> rows = recordsOf(entry);
+    const std::string key(rows.empty() ? wanted : entry->key);
+    sections.push_back({"entry", "", "", Section::object, oneRow([key, rows](Row& row) {
+                            row.text("key", "", key).rows("occurrences") = rows;
+                        })});
+    sections.push_back({"", "entry",
+                        "Entry " + std::string(shownKey(key)) + ", used by " +
+                            counted(static_cast<long>(rows.size()), "record", "records"),
+                        Section::table,
+                        rowsTo(rows.size(), [rows](Row& row, std::size_t n) { row = rows[n]; })});
 }
 
 void fillSolved(Row& row, const SolvedStep& step, bool planned) {
@@ -261,10 +242,6 @@ void fillUnread(Row& row, const Unread& thing, const Known& known) {
     row.text("", "Id", id);
 }
 
-template <class Things, class Fill> std::function<bool(Row&)> eachOf(const Things& things, Fill fill) {
-    return rowsTo(things.size(), [&things, fill](Row& row, std::size_t n) { fill(row, things[n]); });
-}
-
 std::function<bool(Row&)> linesOf(const std::vector<Change>& changes) {
     return [lines = ChangeLines(changes), line = ChangeLine()](Row& row) mutable {
         const bool more = lines.next(line);
@@ -284,48 +261,41 @@ std::function<bool(Row&)> sentences(const Session& session, const Options& optio
 }
 
 void addDone(std::vector<Section>& sections, const Session& session) {
-    const TSXdatabase& database = session.database;
-    const bool planned = database.planning;
+    const bool planned = session.database.planning;
     sections.push_back(
         {"solved", "solved", planned ? "Solutions that would be applied" : "Solutions applied", Section::list,
          eachOf(session.steps.solved,
                 [planned](Row& row, const SolvedStep& step) { fillSolved(row, step, planned); })});
-    sections.push_back(section("", "", "", Section::members, oneRow([&session](Row& row) {
-                                   row.number("modified", "", session.database.ismodified());
-                                   row.number("saved", "", session.saved ? 1 : 0);
-                               })));
-    sections.push_back(section("changes", "changes",
-                               planned ? "What would be changed on the disk" : "Changed on the disk",
-                               Section::list, linesOf(database.changes)));
+    sections.push_back(members([&session](Row& row) {
+        row.number("modified", "", session.database.ismodified());
+        row.number("saved", "", session.saved ? 1 : 0);
+    }));
+    sections.push_back({"changes", "changes",
+                        planned ? "What would be changed on the disk" : "Changed on the disk", Section::list,
+                        linesOf(session.database.changes)});
 }
 
 Section directoryOf(const TSXdatabase& database) {
-    return section("", "", "", Section::members,
-                   oneRow([&database](Row& row) { row.text("directory", "", database.directory.view()); }));
+    return members([&database](Row& row) { row.text("directory", "", database.directory.view()); });
 }
 
-Section statusOf(const Session& session) {
-    return section("", "", "", Section::members,
-                   oneRow([&session](Row& row) { row.number("status", "", session.status()); }));
+// What stands at the end of each report.
+void addEnd(std::vector<Section>& sections, const Session& session) {
+    sections.push_back(
+        {"", "messages", "Messages", Section::list,
+         eachOf(told(), [](Row& row, const std::string& text) { row.text("", "Message", text); })});
+    sections.push_back(members([&session](Row& row) { row.number("status", "", session.status()); }));
 }
 
 void addFound(std::vector<Section>& sections, const Session& session, const Options& options, Form form) {
     const TSXdatabase& database = session.database;
-    if (form == Form::document)
-        sections.push_back(
-            {"problems", "", "", Section::list,
-             rowsTo(static_cast<std::size_t>(database.problemcount), [&session](Row& row, std::size_t n) {
-                 fillProblem(row, session, static_cast<int>(n) + 1, Form::document);
-             })});
-    else
-        for (const bool known : {false, true})
-            sections.push_back(problems(session, known, form));
-    sections.push_back(section(
-        "types", "types", "Data types", Section::table,
-        rowsTo(database.types.size(), [&database](Row& row, std::size_t n) { fillType(row, database, n); })));
-    sections.push_back(section("", "", "", Section::members, oneRow([&database](Row& row) {
-                                   row.number("keytotal", "", database.keytotal);
-                               })));
+    sections.push_back(problems(session, false, form));
+    if (form != Form::document)
+        sections.push_back(problems(session, true, form));
+    sections.push_back(
+        {"types", "types", "Data types", Section::table,
+         rowsTo(database.types.size(), [&](Row& row, std::size_t n) { fillType(row, database, n); })});
+    sections.push_back(members([&](Row& row) { row.number("keytotal", "", database.keytotal); }));
     sections.push_back(
         {"keys", "keys",
          std::string(options.all ? "Keys" : "Keys with something wrong") + " (" +
@@ -344,16 +314,12 @@ std::vector<Section> contentsOf(const Session& session, const Options& options, 
     if (options.entry)
         addEntry(sections, database, *options.entry);
     addDone(sections, session);
-    sections.push_back(section("unread", "unread", "What could not be read, or was passed over",
-                               Section::list,
-                               eachOf(database.unread, [&session](Row& row, const Unread& thing) {
-                                   fillUnread(row, thing, session.known);
-                               })));
-    sections.push_back(
-        {"", "messages", "Messages", Section::list,
-         eachOf(told(), [](Row& row, const std::string& text) { row.text("", "Message", text); })});
-    sections.push_back(section("", "result", "Result", Section::list, sentences(session, options)));
-    sections.push_back(statusOf(session));
+    sections.push_back({"unread", "unread", "What could not be read, or was passed over", Section::list,
+                        eachOf(database.unread, [&session](Row& row, const Unread& thing) {
+                            fillUnread(row, thing, session.known);
+                        })});
+    addEnd(sections, session);
+    sections.push_back({"", "result", "Result", Section::list, sentences(session, options)});
     return sections;
 }
 
@@ -409,13 +375,12 @@ std::vector<Section> explanationOf(const Session& session) {
     const TSXdatabase& database = session.database;
     std::vector<Section> sections = {directoryOf(database)};
     if (const TSXproblem* problem = database.getproblem(session.explained)) {
-        sections.push_back(section(
-            "problem", "problem", "Problem", Section::object,
-            oneRow([&session](Row& row) { fillProblem(row, session, session.explained, Form::page); })));
-        sections.push_back(section("files", "files", "Files", Section::list, filesOf(*problem)));
-        sections.push_back(
-            section("keys", "keys", "Keys and their records", Section::list, usesOf(*problem)));
-        sections.push_back(section("effects", "effects", "Solutions", Section::list, effectsOf(*problem)));
+        sections.push_back({"problem", "problem", "Problem", Section::object, oneRow([&session](Row& row) {
+                                fillProblem(row, session, session.explained, Form::page);
+                            })});
+        sections.push_back({"files", "files", "Files", Section::list, filesOf(*problem)});
+        sections.push_back({"keys", "keys", "Keys and their records", Section::list, usesOf(*problem)});
+        sections.push_back({"effects", "effects", "Solutions", Section::list, effectsOf(*problem)});
     } else if (session.explainedUnread != nullptr) {
         sections.push_back(
             {"unread", "unread", "Could not be read", Section::object, oneRow([&session](Row& row) {
@@ -423,9 +388,6 @@ std::vector<Section> explanationOf(const Session& session) {
                  row.text("meaning", "Meaning", meaningOf(*session.explainedUnread));
              })});
     }
-    sections.push_back(
-        {"", "messages", "Messages", Section::list,
-         eachOf(told(), [](Row& row, const std::string& text) { row.text("", "Message", text); })});
-    sections.push_back(statusOf(session));
+    addEnd(sections, session);
     return sections;
 }

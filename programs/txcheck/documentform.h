@@ -3,7 +3,7 @@
 
 #include <ostream>
 
-#include "contents.h"
+#include "row.h"
 
 // In one line, or with a line for each thing: a document of a large database can be read in an editor then.
 void writeDocument(std::ostream& out, const std::vector<Section>& sections, bool inOneLine);

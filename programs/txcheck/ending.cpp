@@ -4,8 +4,6 @@
 #include <initializer_list>
 #include <unistd.h>
 
-#include "status.h"
-
 namespace {
 
 volatile std::sig_atomic_t asked = 0;

@@ -5,7 +5,6 @@
 #include "model/database.h"
 #include "model/marker.h"
 #include "platform/system/errors.h"
-#include "told.h"
 
 namespace {
 
@@ -16,12 +15,6 @@ std::string inOneLine(std::string text) {
         text.replace(at, end - at, end - at == 1 ? ". " : " ");
     }
     return text;
-}
-
-std::string unreadable(const std::string& directory, Failure failure) {
-    return directory + ": Unable to read the database directory (Error code " +
-           std::to_string(failure.number) + ": " + failure.text() +
-           "). Give one that is there and that you may read";
 }
 
 // Why no database can be checked under that path; empty where one can. What lies below a directory that can't
@@ -38,38 +31,25 @@ std::string obstacle(Tree& tree, const std::string& directory) {
     if (!failure)
         failure = tree.names(".", names);
     if (failure)
-        return unreadable(directory, failure);
+        return directory + ": Unable to read the database directory (Error code " +
+               std::to_string(failure.number) + ": " + failure.text() +
+               "). Give one that is there and that you may read";
     return isDatabase(tree) ? std::string() : noDatabaseText(directory.c_str());
 }
 
 } // namespace
 
-Hold::~Hold() {
-    if (marker != INVALID_HANDLE_VALUE)
-        CloseHandle(marker);
-}
-
-bool Hold::take(Tree& opened, const std::string& directory, Marker wish) {
-    if (const std::string text = obstacle(opened, directory); !text.empty()) {
-        tell(text);
-        return false;
-    }
+std::string takeHold(Tree& tree, const std::string& directory, Marker wish, HANDLE& marker) {
+    if (std::string text = obstacle(tree, directory); !text.empty())
+        return text;
     Entry there;
-    const bool missing = wish == Marker::present && !opened.look(markerName, Links::refused, there) &&
+    const bool missing = wish == Marker::present && !tree.look(markerName, Links::refused, there) &&
                          there.state.kind == FileState::missing;
-    return wish == Marker::left || missing || lock(opened, directory);
-}
-
-bool Hold::lock(Tree& opened, const std::string& directory) {
-    tree = &opened;
-    marker = openMarker(opened);
+    if (wish == Marker::left || missing)
+        return {};
+    marker = openMarker(tree);
     if (marker != INVALID_HANDLE_VALUE)
-        return true;
+        return {};
     const std::string advice = lockAdvice(directory.c_str());
-    tell(directory + "/" + markerName + ": " + inOneLine(lockFailureText() + advice));
-    return false;
-}
-
-Failure Hold::stands() const {
-    return marker == INVALID_HANDLE_VALUE ? Failure() : holdStands(marker, *tree, markerName);
+    return directory + "/" + markerName + ": " + inOneLine(lockFailureText() + advice);
 }

@@ -12,18 +12,11 @@
 #include "platform/system/standardstreams.h"
 #include "reporting/printable.h"
 #include "session.h"
-#include "status.h"
 #include "textform.h"
 #include "told.h"
 #include "undoreport.h"
 
 namespace {
-
-// A database as it is told in a line where there are several.
-struct Line {
-    std::string label, text;
-    int status;
-};
 
 void write(const Session& session, const Options& options) {
     const bool explained = session.explained != 0 || session.explainedUnread != nullptr;
@@ -38,7 +31,8 @@ void write(const Session& session, const Options& options) {
                   explained ? explanationOf(session) : contentsOf(session, options, Form::text));
 }
 
-int runOne(const Options& options, const Chosen& chosen, Together& together, std::vector<Line>& lines) {
+// Adds its line to those of all.
+void runOne(const Options& options, const Chosen& chosen, Together& together) {
     Session session(options, together, chosen.label);
     if (session.open(chosen.directory)) {
         if (options.restore)
@@ -48,24 +42,11 @@ int runOne(const Options& options, const Chosen& chosen, Together& together, std
         if (options.json || !together.several)
             write(session, options);
     }
-    lines.push_back({chosen.label, inShort(session), session.loaded ? session.status() : statusFailed});
-    const Line& line = lines.back();
+    const Line line{chosen.label, inShort(session), session.loaded ? session.status() : statusFailed,
+                    session.loaded};
+    together.lines.push_back(line);
     if (together.several && !options.json && !(options.quiet && line.status == statusClean))
         std::cout << printable(line.label) << ": " << line.text << std::endl;
-    return line.status;
-}
-
-void writeTable(const std::vector<Line>& lines) {
-    Section all{"", "all", "All databases", Section::table, {}};
-    all.next = [&lines, n = std::size_t{0}](Row& row) mutable {
-        if (n == lines.size())
-            return false;
-        row.clear();
-        row.number("", "Status", lines[n].status, 6).text("", "Database", lines[n].label, 30);
-        row.text("", "Result", lines[n].text);
-        return ++n != 0;
-    };
-    writeText(std::cout, "", {all});
 }
 
 // The statuses of all databases together.
@@ -73,23 +54,25 @@ int runAll(const Options& options, const std::vector<Chosen>& all) {
     std::vector<std::string> directories(all.size());
     std::ranges::transform(all, directories.begin(), &Chosen::directory);
     PageForm page(options.report.value_or(""), directories);
-    Together together{options.several(), "", page};
-    std::vector<Line> lines;
+    Together together{options.several(), page, {}, {}};
     int status = statusClean;
     for (const Chosen& chosen : all) {
         if (isAskedToEnd())
             break;
         endAtOnce(status);
-        status |= runOne(options, chosen, together, lines);
+        runOne(options, chosen, together);
+        status |= together.lines.back().status;
     }
     tellOf("");
-    if (const std::string failure = together.several ? page.end() : ""; !failure.empty()) {
+    if (!together.several)
+        return together.lines.empty() ? status | statusEnded : status;
+    if (const std::string failure = page.end(together.lines); !failure.empty()) {
         tell(failure);
         status |= statusFailed;
     }
-    if (together.several && !options.json && !(options.quiet && status == statusClean))
-        writeTable(lines);
-    return lines.size() < all.size() ? status | statusEnded : status;
+    if (!options.json && !(options.quiet && status == statusClean))
+        writeText(std::cout, "", {tableOf(together.lines)});
+    return together.lines.size() < all.size() ? status | statusEnded : status;
 }
 
 } // namespace
@@ -101,8 +84,7 @@ int main(int argc, char** argv) {
     if (!options)
         return status;
     if (options->undoList)
-        return writeUndoList(std::cout, options->directories.empty() ? "" : options->directories[0],
-                             options->json);
+        return writeUndoList(options->directories.empty() ? "" : options->directories[0], options->json);
     const std::optional<std::vector<Chosen>> all = chooseDatabases(*options);
     if (!all)
         return statusFailed;

@@ -7,10 +7,10 @@
 #include <iostream>
 #include <string_view>
 
+#include "ending.h"
 #include "model/datafile.h"
 #include "model/problem.h"
-#include "status.h"
-#include "terminal.h"
+#include "textform.h"
 #include "told.h"
 
 namespace {
@@ -172,20 +172,6 @@ class NarrowHelp : public CLI::Formatter {
     }
 };
 
-// What speaks of one database, and so does not go with several.
-void refuseForSeveral(const Options& options) {
-    const std::pair<bool, const char*> ofOne[] = {{!options.solve.empty(), "--solve and --solve-all"},
-                                                  {options.changeKey.has_value(), changeKeyOption},
-                                                  {options.rename.has_value(), renameOption},
-                                                  {options.log.has_value(), "--log"},
-                                                  {options.undo.has_value(), "--undo"},
-                                                  {options.restore.has_value(), "--restore"},
-                                                  {options.explain.has_value(), "--explain"}};
-    for (const auto& [given, names] : ofOne)
-        if (given)
-            refuse(names, "goes with one database alone");
-}
-
 void describe(CLI::App& app, Options& options, Words& words) {
     app.formatter(std::make_shared<NarrowHelp>());
     app.set_version_flag("--version", "txcheck " TX_VERSION);
@@ -244,15 +230,47 @@ void refuseEmptyPaths(const Options& options) {
     }
 }
 
+// What does not go together, and what is said of it.
+void refuseWrong(const Options& options, const Words& words) {
+    constexpr const char* alone = "goes with one database alone";
+    const bool changes =
+        !options.solve.empty() || options.preen || options.changeKey || options.rename || options.save;
+    const bool several = options.several();
+    const struct {
+        bool wrong;
+        const char* option;
+        const char* text;
+    } refusals[] = {
+        {words.progress && words.noProgress, "--progress", "does not go with --no-progress"},
+        {!options.directories.empty() && (options.database || options.home || options.every), "DIRECTORY",
+         "does not go with --database, --every and --home"},
+        {options.database && options.every, "--database", "does not go with --every"},
+        {options.explain == "", "--explain", "says nothing that is to be explained"},
+        {options.undoList && (changes || options.restore), "--undo-list",
+         "goes with no repair, and with neither --save nor --restore"},
+        {several && !options.solve.empty(), "--solve and --solve-all", alone},
+        {several && options.changeKey, changeKeyOption, alone},
+        {several && options.rename, renameOption, alone},
+        {several && options.log, "--log", alone},
+        {several && options.undo, "--undo", alone},
+        {several && options.restore, "--restore", alone},
+        {several && options.explain, "--explain", alone},
+        {options.undo && options.noUndo, "--undo", "does not go with --no-undo"},
+        {options.restore && (changes || options.noLock), "--restore",
+         "goes with no repair, and with neither --save nor --no-lock"},
+        {options.forgetInterrupted && (options.noLock || options.plan), "--forget-interrupted",
+         "goes with neither --no-lock nor --plan, which change nothing"},
+        {options.noLock && changes, "--no-lock",
+         "goes with no repair and no --save: without the hold the database may be in use elsewhere"},
+    };
+    for (const auto& [wrong, option, text] : refusals)
+        if (wrong)
+            refuse(option, text);
+}
+
 void interpret(const CLI::App& app, const Words& words, Options& options) {
     refuseEmptyPaths(options);
-    if (words.progress && words.noProgress)
-        refuse("--progress", "does not go with --no-progress");
     options.progress = words.progress || (!words.noProgress && isatty(STDERR_FILENO) == 1);
-    if (!options.directories.empty() && (options.database || options.home || options.every))
-        refuse("DIRECTORY", "does not go with --database, --every and --home");
-    if (options.database && options.every)
-        refuse("--database", "does not go with --every");
     readSolveSteps(app, words, options);
     if (options.entry)
         options.entry = readKey("--entry", *options.entry);
@@ -260,25 +278,7 @@ void interpret(const CLI::App& app, const Words& words, Options& options) {
         options.changeKey = readChangeKey(words.changeKey);
     if (!words.rename.empty())
         options.rename = readRename(words.rename);
-    const bool changes =
-        !options.solve.empty() || options.preen || options.changeKey || options.rename || options.save;
-    if (options.explain == "")
-        refuse("--explain", "says nothing that is to be explained");
-    if (options.undoList && (changes || options.restore))
-        refuse("--undo-list", "goes with no repair, no --save and no --restore");
-    if (options.several())
-        refuseForSeveral(options);
-    if (options.undo && options.noUndo)
-        refuse("--undo", "does not go with --no-undo");
-    if (options.restore && (changes || options.noLock))
-        refuse("--restore", "goes with no repair, and with neither --save nor --no-lock");
-    if (options.undoList && (changes || options.restore))
-        refuse("--undo-list", "goes with no repair, and with neither --save nor --restore");
-    if (options.forgetInterrupted && (options.noLock || options.plan))
-        refuse("--forget-interrupted", "goes with neither --no-lock nor --plan, which change nothing");
-    if (options.noLock && changes)
-        refuse("--no-lock", "goes with no repair and no --save: without the hold the database may be in use "
-                            "elsewhere");
+    refuseWrong(options, words);
 }
 
 } // namespace

@@ -5,10 +5,10 @@
 #include <set>
 
 #include "concern.h"
+#include "ending.h"
 #include "model/problem.h"
 #include "shown.h"
-#include "status.h"
-#include "terminal.h"
+#include "textform.h"
 
 namespace {
 
@@ -94,4 +94,14 @@ std::string inShort(const Session& session) {
     if (const std::string file = session.undoFile(); changes > 0 && !file.empty())
         text += ", taken back by: txcheck --restore " + shellWord(file);
     return text;
+}
+
+Section tableOf(const std::vector<Line>& lines) {
+    return {"", "all", "All databases", Section::table,
+            rowsTo(lines.size(), [&lines](Row& row, std::size_t n) {
+                row.number("", "Status", lines[n].status, 6).text("", "Database", lines[n].label, 30);
+                row.text("", "Result", lines[n].text);
+                if (lines[n].loaded)
+                    row.link = "#d" + std::to_string(n + 1) + "-";
+            })};
 }

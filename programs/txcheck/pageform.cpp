@@ -26,7 +26,7 @@ constexpr const char* style = R"(
 }
 body { font: 15px/1.45 sans-serif; margin: 1.5em auto; max-width: 75em; padding: 0 1em; }
 main, article { display: flex; flex-direction: column; } .result { order: -1; }
-.facts { order: -2; } article > h1, #all { order: -3; }
+.facts { order: -2; } article > h1, .all { order: -3; }
 h1 { font-size: 1.4em; } h2 { font-size: 1.15em; margin: 1.4em 0 .4em; } h1, h2, p { overflow-wrap: anywhere; }
 p, ul { margin: .3em 0; } .facts { font-size: .92em; }
 article + article { border-top: 3px double var(--line); margin-top: 2em; }
@@ -99,11 +99,8 @@ std::string markup(const Field& field) {
     if (field.sort != Field::lines || field.text.find('\n') == std::string::npos)
         return name(field.text);
     std::string items = "<ul>";
-    for (std::string_view rest = field.text; !rest.empty();) {
-        const std::size_t end = std::min(rest.find('\n'), rest.size());
-        items += "<li>" + name(rest.substr(0, end)) + "</li>";
-        rest.remove_prefix(std::min(end + 1, rest.size()));
-    }
+    for (const std::string_view line : linesIn(field))
+        items += "<li>" + name(line) + "</li>";
     return items + "</ul>";
 }
 
@@ -113,6 +110,10 @@ std::string opened(const char* tag, std::string_view classes) {
 
 bool isShown(const Field& field) {
     return *field.title != '\0';
+}
+
+std::string linked(const Row& row, const std::string& name) {
+    return row.link.empty() ? name : "<a href=\"" + row.link + "\">" + name + "</a>";
 }
 
 // The first that is no number names the row.
@@ -127,7 +128,7 @@ void writeCells(std::ostream& out, const Row& row) {
         else if (std::exchange(named, true))
             out << "<td>" << markup(field) << "</td>";
         else
-            out << "<th scope=\"row\">" << markup(field) << "</th>";
+            out << "<th scope=\"row\">" << linked(row, markup(field)) << "</th>";
     }
     out << "</tr>\n";
 }
@@ -172,7 +173,7 @@ void writeFilter(std::ostream& out, const TSXdatabase& database) {
 }
 
 void writeSection(std::ostream& out, const Section& section, const std::string& article,
-                  const TSXdatabase& database) {
+                  const TSXdatabase* database) {
     Row row;
     if (section.title.empty() || !section.next(row))
         return;
@@ -180,7 +181,7 @@ void writeSection(std::ostream& out, const Section& section, const std::string& 
     out << "<section class=\"" << section.name << "\" aria-labelledby=\"" << id << "\"><h2 id=\"" << id
         << "\">" << text(section.title) << "</h2>\n";
     if (std::string_view(section.name) == "problems")
-        writeFilter(out, database);
+        writeFilter(out, *database);
     writeRows(out, section, row);
     out << "</section>\n";
 }
@@ -212,6 +213,7 @@ std::string rules() {
 } // namespace
 
 void PageForm::begin() {
+    begun = true;
     const std::string title =
         "Database Check- " +
         (directories.size() == 1 ? text(directories[0]) : std::to_string(directories.size()) + " databases");
@@ -222,39 +224,29 @@ void PageForm::begin() {
                << title << "</h1></header>\n<main>\n";
 }
 
-std::string PageForm::add(const Session& session, const Options& options) {
-    if (lines.empty()) {
+std::string PageForm::add(const Session& session, const Options& options, std::size_t number) {
+    if (!begun) {
         if (std::string failure = file.open(path, directories); !failure.empty())
             return failure;
         begin();
     }
-    lines.push_back({session.label, inShort(session), session.status()});
-    const std::string article = "d" + std::to_string(lines.size()) + "-";
+    const std::string article = "d" + std::to_string(number) + "-";
     std::ostream& out = file.out();
     out << "<article id=\"" << article << "\">";
     if (directories.size() > 1)
         out << "<h1>" << text(session.label) << "</h1>\n";
     out << facts(session.database);
     for (const Section& section : contentsOf(session, options, Form::page))
-        writeSection(out, section, article, session.database);
+        writeSection(out, section, article, &session.database);
     out << "</article>\n";
     return {};
 }
 
-std::string PageForm::end() {
-    if (lines.empty())
+std::string PageForm::end(const std::vector<Line>& lines) {
+    if (!begun)
         return {};
-    std::ostream& out = file.out();
-    if (directories.size() > 1) {
-        out << "<section id=\"all\"><table><thead><tr><th scope=\"col\">Database</th><th "
-               "scope=\"col\">Result</th>"
-               "<th scope=\"col\">Status</th></tr></thead>\n<tbody>\n";
-        for (std::size_t i = 0; i < lines.size(); ++i)
-            out << "<tr><th scope=\"row\"><a href=\"#d" << i + 1 << "-\">" << text(lines[i].label)
-                << "</a></th><td>" << text(lines[i].text) << "</td><td class=\"number\">" << lines[i].status
-                << "</td></tr>\n";
-        out << "</tbody></table></section>\n";
-    }
-    out << "</main></body></html>\n";
+    if (directories.size() > 1)
+        writeSection(file.out(), tableOf(lines), "", nullptr);
+    file.out() << "</main></body></html>\n";
     return file.close();
 }

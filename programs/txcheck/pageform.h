@@ -14,21 +14,17 @@ public:
     PageForm(std::string name, std::vector<std::string> databases)
         : path(std::move(name)), directories(std::move(databases)) {}
 
-    // Adds the report of a database; the first makes the file. Empty on success, else why it can't be
-    // written.
-    std::string add(const Session& session, const Options& options);
+    // Adds the report of the database of that number; the first makes the file. Empty on success, else why it
+    // can't be written.
+    std::string add(const Session& session, const Options& options, std::size_t number);
     // The table of all, where there are several, and the end of the file.
-    std::string end();
+    std::string end(const std::vector<Line>& lines);
 
 private:
-    struct Line {
-        std::string label, text;
-        int status;
-    };
     void begin();
 
     std::string path;
     std::vector<std::string> directories;
-    std::vector<Line> lines; // of the databases so far
+    bool begun = false;
     TextFile file;
 };

@@ -6,6 +6,7 @@ void Row::clear() {
     used = 0;
     mood = Mood::plain;
     mark = "";
+    link.clear();
 }
 
 Field& Row::add(const char* member, const char* title, Field::Sort sort, std::size_t width) {
@@ -33,6 +34,11 @@ Row& Row::text(const char* member, const char* title, std::string_view bytes, st
     return *this;
 }
 
+Row& Row::truth(const char* member, bool value) {
+    add(member, "", Field::number).text = value ? "true" : "false";
+    return *this;
+}
+
 std::string& Row::lines(const char* title) {
     return add("", title, Field::lines).text;
 }
@@ -43,6 +49,17 @@ std::string& Row::numbers(const char* member) {
 
 std::vector<Row>& Row::rows(const char* member) {
     return add(member, "", Field::rows).rowsInIt;
+}
+
+std::vector<std::string_view> linesIn(const Field& field) {
+    std::vector<std::string_view> lines;
+    std::string_view rest = field.text;
+    for (std::size_t end = 0; end != std::string_view::npos;) {
+        end = field.sort == Field::lines ? rest.find('\n') : std::string_view::npos;
+        lines.push_back(rest.substr(0, end));
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    }
+    return lines;
 }
 
 void addLine(std::string& lines, std::string_view text) {

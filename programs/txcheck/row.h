@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -32,6 +33,7 @@ public:
     void clear();
     Row& number(const char* member, const char* title, long value, std::size_t width = 0);
     Row& text(const char* member, const char* title, std::string_view bytes, std::size_t width = 0);
+    Row& truth(const char* member, bool value); // of the document alone
     // These are filled by the caller.
     std::string& lines(const char* title);
     std::string& numbers(const char* member);
@@ -40,6 +42,7 @@ public:
 
     Mood mood = Mood::plain;
     const char* mark = ""; // a word by which a page can hide the row
+    std::string link;      // where in a page its name leads to
 
 private:
     Field& add(const char* member, const char* title, Field::Sort sort, std::size_t width = 0);
@@ -48,5 +51,38 @@ private:
     std::size_t used = 0;
 };
 
+std::vector<std::string_view> linesIn(const Field& field);
+
 // Adds a text to those of a field of lines.
 void addLine(std::string& lines, std::string_view text);
+
+// A part of a report.
+struct Section {
+    enum Shape : std::uint8_t {
+        list,    // of rows
+        table,   // the same, with the titles of the fields over it in a text too
+        object,  // one row
+        members, // one row, whose fields are members of the document itself
+    };
+    const char* member = ""; // in the document; empty: for a person alone
+    const char* name = "";   // in a page
+    std::string title;       // for a person; empty: for programs alone
+    Shape shape = list;
+    std::function<bool(Row&)> next; // fills the next row; false where there is none
+};
+
+// Rows for things from 0 on.
+template <class Fill> std::function<bool(Row&)> rowsTo(std::size_t count, Fill fill) {
+    return [n = std::size_t{0}, count, fill](Row& row) mutable {
+        if (n == count)
+            return false;
+        row.clear();
+        fill(row, n++);
+        return true;
+    };
+}
+
+// Rows for things that last as long as the section.
+template <class Things, class Fill> std::function<bool(Row&)> eachOf(const Things& things, Fill fill) {
+    return rowsTo(things.size(), [&things, fill](Row& row, std::size_t n) { fill(row, things[n]); });
+}

@@ -15,7 +15,6 @@
 #include "platform/system/messagebox.h"
 #include "reporting/log.h"
 #include "reporting/report.h"
-#include "status.h"
 #include "textfile.h"
 #include "told.h"
 
@@ -31,6 +30,8 @@ Session::Session(const Options& given, Together& with, std::string name)
 Session::~Session() {
     endLog();
     setReport({});
+    if (marker != INVALID_HANDLE_VALUE)
+        CloseHandle(marker);
 }
 
 bool Session::refuse(const std::string& text) {
@@ -56,11 +57,9 @@ bool Session::open(const std::string& directory) {
     if (const std::string failure = options.known ? known.read(*options.known, directory) : "";
         !failure.empty())
         return refuse(failure);
-    if (!hold.take(*database.tree, directory,
-                   options.noLock ? Hold::Marker::left
-                   : options.plan ? Hold::Marker::present
-                                  : Hold::Marker::made))
-        return false;
+    const Marker wish = options.noLock ? Marker::left : options.plan ? Marker::present : Marker::made;
+    if (const std::string failure = takeHold(*database.tree, directory, wish, marker); !failure.empty())
+        return refuse(failure);
     if (!finishEarlier())
         return false;
     if (hasConnectedDatabase(*database.tree))
@@ -88,9 +87,10 @@ bool Session::finishEarlier() {
 }
 
 CommitOptions Session::commitOptions() {
-    return {.keepundo = !options.noUndo, .undofile = options.undo.value_or(""), .holds = [this] {
-                return hold.stands();
-            }};
+    const auto holds = [this] {
+        return marker == INVALID_HANDLE_VALUE ? Failure() : holdStands(marker, *database.tree, markerName);
+    };
+    return {.keepundo = !options.noUndo, .undofile = options.undo.value_or(""), .holds = holds};
 }
 
 // The last undo file of a change of the same database that was made behind that one and not taken back.
@@ -198,9 +198,9 @@ void Session::writeKnown() {
 }
 
 void Session::writePage() {
-    std::string failure = together.page.add(*this, options);
+    std::string failure = together.page.add(*this, options, together.lines.size() + 1);
     if (failure.empty() && !together.several)
-        failure = together.page.end();
+        failure = together.page.end({});
     if (!failure.empty())
         refuse(failure);
 }

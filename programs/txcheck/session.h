@@ -16,11 +16,19 @@
 
 class PageForm;
 
+// A database as it is told in a line where there are several.
+struct Line {
+    std::string label, text;
+    int status;
+    bool loaded;
+};
+
 // What the runs of one command line share.
 struct Together {
     bool several = false;
-    std::string known; // of what --write-known writes, so far
     PageForm& page;
+    std::string known;       // of what --write-known writes, so far
+    std::vector<Line> lines; // of the databases so far
 };
 
 class Session {
@@ -66,7 +74,7 @@ private:
 
     const Options& options;
     Together& together;
-    Hold hold;
+    HANDLE marker = INVALID_HANDLE_VALUE;
     std::set<std::string> toldUnread;
     std::string ownUndoFile; // of a restore
     Finished earlier;        // what an earlier run had left

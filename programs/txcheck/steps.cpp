@@ -10,18 +10,14 @@
 #include "model/keyentry.h"
 #include "model/problem.h"
 #include "platform/system/letters.h"
-#include "terminal.h"
+#include "textform.h"
 #include "told.h"
 
 namespace {
 
-SolvedStep record(const TSXproblem& problem, int row, std::string id, int number, int result) {
-    return {row,
-            std::move(id),
-            problem.solutioncommand(number),
-            problem.solutionlabel(number),
-            problem.message.c_str(),
-            result};
+SolvedStep record(const TSXproblem& problem, int row, int number) {
+    const KindOfProblem::Solution& solution = problem.solution(number);
+    return {row, problem.id(), solution.command, solution.label, problem.message.c_str(), 0};
 }
 
 // The class in whose directory something stands; below 0 for none.
@@ -48,10 +44,6 @@ const Unread* shifting(const TSXdatabase& database, int type) {
 
 } // namespace
 
-Steps::Identity Steps::identityOf(const TSXproblem& problem) {
-    return {problem.kind, problem.subkind, problem.name.c_str()};
-}
-
 bool Steps::refuse(const std::string& text) {
     tell(text);
     failed = true;
@@ -71,7 +63,8 @@ bool Steps::goesOn() {
 void Steps::noteLoaded() {
     found = known.unknownIn(database) > 0;
     for (int row = 1; row <= database.problemcount && !options.solve.empty(); ++row)
-        loaded.push_back({identityOf(*database.getproblem(row)), database.getproblem(row)->id()});
+        loaded.push_back({database.getproblem(row)->id(), database.getproblem(row)->message.c_str(),
+                          database.getproblem(row)->kind});
 }
 
 std::vector<Steps::Step> Steps::listSteps(const std::function<bool()>& save) {
@@ -107,13 +100,6 @@ void Steps::run(const std::function<bool()>& save) {
         analyse(); // what was done in part of it counts in types and keys
 }
 
-int Steps::rowOf(const Identity& wanted) const {
-    for (int row = 1; row <= database.problemcount; ++row)
-        if (identityOf(*database.getproblem(row)) == wanted)
-            return row;
-    return 0;
-}
-
 int Steps::rowOf(const std::string& id) const {
     for (int row = 1; row <= database.problemcount; ++row)
         if (database.getproblem(row)->id() == id)
@@ -121,35 +107,27 @@ int Steps::rowOf(const std::string& id) const {
     return 0;
 }
 
-// The row that the step speaks of in the list after the load; 0 for none.
-int Steps::rowAtLoad(const SolveStep& step) const {
-    const int count = static_cast<int>(loaded.size());
+// What the step speaks of in the list after the load; none if that has no such row or id.
+const Steps::Loaded* Steps::atLoad(const SolveStep& step) const {
     if (step.id.empty())
-        return step.row >= 1 && step.row <= count ? step.row : 0;
-    for (int row = 1; row <= count; ++row)
-        if (loaded[static_cast<std::size_t>(row) - 1].id == step.id)
-            return row;
-    return 0;
+        return step.row >= 1 && step.row <= static_cast<int>(loaded.size())
+                   ? &loaded[static_cast<std::size_t>(step.row) - 1]
+                   : nullptr;
+    const auto same = std::ranges::find(loaded, step.id, &Loaded::id);
+    return same == loaded.end() ? nullptr : &*same;
 }
 
 bool Steps::solve(const SolveStep& step) {
-    if (const int atLoad = rowAtLoad(step); atLoad != 0) {
-        const Loaded& meant = loaded[static_cast<std::size_t>(atLoad) - 1];
-        const int row = rowOf(meant.problem);
-        return row != 0 ? solveRow(row, step.number, step.given) : passGone(meant, step);
-    }
-    if (step.id.empty())
+    const Loaded* meant = atLoad(step);
+    if (meant == nullptr && step.id.empty())
         return refuse(step.given + ": the list has " +
                       counted(static_cast<long>(loaded.size()), "row", "rows"));
-    const int row = rowOf(step.id);
-    return row != 0 ? solveRow(row, step.number, step.given)
-                    : refuse(step.given + ": there is no such problem");
-}
-
-bool Steps::passGone(const Loaded& gone, const SolveStep& step) {
-    const Identity& was = gone.problem;
-    const TSXproblem problem(database, was.kind, was.subkind, was.name.c_str());
-    solved.push_back(record(problem, step.row, gone.id, step.number, resultGone));
+    if (const int row = rowOf(meant != nullptr ? meant->id : step.id); row != 0)
+        return solveRow(row, step.number, step.given);
+    if (meant == nullptr)
+        return refuse(step.given + ": there is no such problem");
+    const KindOfProblem::Solution& solution = TSXproblem(database, meant->kind, 0).solution(step.number);
+    solved.push_back({step.row, meant->id, solution.command, solution.label, meant->message, resultGone});
     return true;
 }
 
@@ -158,25 +136,23 @@ bool Steps::solveRow(int row, int number, const std::string& given) {
     if (problem.solutioncommand(number) == 0)
         return refuse(given + ": this problem has " +
                       counted(problem.solutioncount(), "solution", "solutions"));
-    solved.push_back(record(problem, row, problem.id(), number, 0));
+    solved.push_back(record(problem, row, number));
     const int result = problem.solve(number);
     solved.back().result = result;
-    if (result == 0) {
-        failed = true;
-        return false;
-    }
-    analyse();
-    return true;
+    failed = failed || result == 0;
+    if (result != 0)
+        analyse();
+    return result != 0;
 }
 
 // Solves the first row for which a solution is chosen, and then looks at the new list from the top. A problem
 // is taken once, so that this ends whatever the database holds.
 bool Steps::solveEach(const Choice& choose, const std::string& given, bool goOn) {
-    std::set<Identity> taken;
+    std::set<std::string> taken;
     for (int row = 1; row <= database.problemcount && goesOn();) {
         const TSXproblem& problem = *database.getproblem(row);
         const int number = choose(problem, row);
-        if (number == 0 || !taken.insert(identityOf(problem)).second)
+        if (number == 0 || !taken.insert(problem.id()).second)
             ++row;
         else if (solveRow(row, number, given))
             row = 1;
@@ -204,16 +180,16 @@ bool Steps::solveTogether(const SolveStep& step) {
     for (int row = 1; row <= database.problemcount; ++row)
         if (const TSXproblem& problem = *database.getproblem(row); problem.kind == step.kind) {
             chosen.push_back(&problem);
-            solved.push_back(record(problem, row, problem.id(), step.number, 0));
+            solved.push_back(record(problem, row, step.number));
         }
     const std::vector<int> results = database.solvetogether(chosen);
     for (std::size_t i = 0; i < results.size(); ++i)
         solved[before + i].result = results[i];
-    const bool complete = std::ranges::count(results, 0) == 0;
-    failed = failed || !complete;
-    if (!std::ranges::all_of(results, [](int result) { return result == 0; }))
+    const auto failures = static_cast<std::size_t>(std::ranges::count(results, 0));
+    failed = failed || failures > 0;
+    if (failures < results.size())
         analyse();
-    return complete;
+    return failures == 0;
 }
 
 // Where the entries or experiments are not there, as under a share that isn't mounted, what else looks wrong

@@ -36,15 +36,10 @@ public:
     bool ended = false;  // the person has ended the work before its end
 
 private:
-    // What makes a problem the same in another analysis; pointers to problems don't outlive one.
-    struct Identity {
-        std::int32_t kind, subkind;
-        std::string name;
-        auto operator<=>(const Identity& other) const = default;
-    };
+    // A problem as it was at the load; pointers to problems don't outlive an analysis, and ids do.
     struct Loaded {
-        Identity problem;
-        std::string id;
+        std::string id, message;
+        std::int32_t kind;
     };
     // The number of the solution for a problem in a row; 0: none.
     using Choice = std::function<int(const TSXproblem&, int)>;
@@ -53,17 +48,14 @@ private:
         std::function<bool()> take;
     };
 
-    static Identity identityOf(const TSXproblem& problem);
     void noteLoaded();
     std::vector<Step> listSteps(const std::function<bool()>& save);
-    int rowOf(const Identity& wanted) const;
     int rowOf(const std::string& id) const;
-    int rowAtLoad(const SolveStep& step) const;
+    const Loaded* atLoad(const SolveStep& step) const;
     bool solve(const SolveStep& step);
     bool solveAll(const SolveStep& step);
     bool solveTogether(const SolveStep& step);
     bool solveRow(int row, int number, const std::string& given);
-    bool passGone(const Loaded& gone, const SolveStep& step);
     bool solveEach(const Choice& choose, const std::string& given, bool goOn);
     bool preen();
     bool changeKey(const ChangeKeyStep& step);

@@ -1,9 +1,8 @@
 // The list of the undo files of this user.
 #pragma once
 
-#include <iosfwd>
 #include <string>
 
-// Writes what each can take back, the oldest first, or one JSON document; with a directory, of the database
-// there alone. The exit status.
-int writeUndoList(std::ostream& out, const std::string& directory, bool json);
+// Writes to standard output what each can take back, the oldest first, as a text or a JSON document; with a
+// directory, of the database there alone. The exit status.
+int writeUndoList(const std::string& directory, bool asDocument);

@@ -91,11 +91,3 @@ std::size_t bytesOf(std::string_view text, std::size_t columnCount) {
     }
     return bytes;
 }
-
-std::string shortened(std::string text, std::size_t columnCount) {
-    if (columns(text) > columnCount) {
-        text.resize(bytesOf(text, columnCount - 3));
-        text += "...";
-    }
-    return text;
-}

@@ -14,6 +14,3 @@ std::size_t columns(std::string_view text);
 
 // How many bytes of a printable text fit into so many columns.
 std::size_t bytesOf(std::string_view text, std::size_t columnCount);
-
-// The text, or as much of it as leaves room for a mark that it goes on.
-std::string shortened(std::string text, std::size_t columnCount);

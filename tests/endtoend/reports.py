@@ -13,8 +13,8 @@ import tempfile
 
 programs, golden = pathlib.Path(sys.argv[1]).resolve(), pathlib.Path(__file__).with_name("golden")
 # What differs from run to run: names, times and sizes of undo files, which hold paths and times.
-VARYING = [(r'"maygo": \d+', '"maygo": 0'), (r"until \d{4}-\d\d-\d\d or longer, \d+", "until DAY or longer, 0"),
-           (r"\d{8}-\d{6}-\d{3}", "MOMENT"), (r'"(time|size)": \d+', r'"\1": 0'), (r"\d{4}(-\d\d){2} (\d\d:){2}\d\d", "MOMENT"),
+VARYING = [(r'"maygo": ?\d+', '"maygo": 0'), (r"until \d{4}-\d\d-\d\d or longer, \d+", "until DAY or longer, 0"),
+           (r"\d{8}-\d{6}-\d{3}", "MOMENT"), (r'"(time|size)": ?\d+', r'"\1": 0'), (r"\d{4}(-\d\d){2} (\d\d:){2}\d\d", "MOMENT"),
            (r" +\d+ bytes  ", lambda found: "#" * len(found[0]))]
 failed = False
 for transcript in sorted(golden.glob("*.txt")):
