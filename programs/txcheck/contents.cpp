@@ -84,7 +84,7 @@ void fillProblem(Row& row, const Session& session, int place, Form form) {
     row.number("fileindex", "", problem.fileindex).text("message", "", problem.message);
     if (form != Form::document) {
         std::string& words = row.lines("Problem");
-        addLine(words, problem.message.c_str() + knownMark(session.known.standing(session.database, place)));
+        addLine(words, problem.message + knownMark(session.known.standing(session.database, place)));
         if (form == Form::page || isUnread(problem))
             addLine(words, meaningOf(problem));
         if (const std::string about = firstConcerned(problem); !about.empty())

@@ -28,7 +28,7 @@ body { font: 15px/1.45 sans-serif; margin: 1.5em auto; max-width: 75em; padding:
 main, article { display: flex; flex-direction: column; } .result { order: -1; }
 .facts { order: -2; } article > h1, .all { order: -3; }
 h1 { font-size: 1.4em; } h2 { font-size: 1.15em; margin: 1.4em 0 .4em; } h1, h2, p { overflow-wrap: anywhere; }
-p, ul { margin: .3em 0; } .facts { font-size: .92em; }
+.all .number { text-align: left; } p, ul { margin: .3em 0; } .facts { font-size: .92em; }
 article + article { border-top: 3px double var(--line); margin-top: 2em; }
 table { border-collapse: collapse; width: 100%; } table.problems, table.known, table.keys { table-layout: fixed; }
 th, td { border-bottom: 1px solid var(--line); padding: .3em .6em; text-align: left; vertical-align: top;
@@ -99,8 +99,7 @@ std::string markup(const Field& field) {
     if (field.sort != Field::lines || field.text.find('\n') == std::string::npos)
         return name(field.text);
     std::string items = "<ul>";
-    for (const std::string_view line : linesIn(field))
-        items += "<li>" + name(line) + "</li>";
+    eachLine(field, [&](std::string_view line) { items += "<li>" + name(line) + "</li>"; });
     return items + "</ul>";
 }
 

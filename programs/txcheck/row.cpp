@@ -51,17 +51,6 @@ std::vector<Row>& Row::rows(const char* member) {
     return add(member, "", Field::rows).rowsInIt;
 }
 
-std::vector<std::string_view> linesIn(const Field& field) {
-    std::vector<std::string_view> lines;
-    std::string_view rest = field.text;
-    for (std::size_t end = 0; end != std::string_view::npos;) {
-        end = field.sort == Field::lines ? rest.find('\n') : std::string_view::npos;
-        lines.push_back(rest.substr(0, end));
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-    }
-    return lines;
-}
-
 void addLine(std::string& lines, std::string_view text) {
     if (!lines.empty())
         lines += '\n';

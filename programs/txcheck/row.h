@@ -51,7 +51,16 @@ private:
     std::size_t used = 0;
 };
 
-std::vector<std::string_view> linesIn(const Field& field);
+// Gives each text of a field of lines, the one of any other.
+template <class Take> void eachLine(const Field& field, Take take) {
+    std::string_view rest = field.text;
+    for (std::size_t end = field.sort == Field::lines ? rest.find('\n') : rest.npos; end != rest.npos;
+         end = rest.find('\n')) {
+        take(rest.substr(0, end));
+        rest.remove_prefix(end + 1);
+    }
+    take(rest);
+}
 
 // Adds a text to those of a field of lines.
 void addLine(std::string& lines, std::string_view text);
