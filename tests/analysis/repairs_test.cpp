@@ -133,20 +133,3 @@ TEST_F(Repairs, AKeyIsChangedWhereNothingIsInTheWay) {
     experiments.keyreading[3] = Reading::ended;
     EXPECT_EQ(database->changekey(b, 1, 1, "d"), -1) << "a record that could not be read";
 }
-
-TEST_F(Repairs, WhatIsOutsideOfTheListsIsNeitherChangedNorDeleted) {
-    load();
-    TSXdatafile& file = newFile({"twice", "twice"});
-    database->analyse();
-    for (const int outside : {-1, 2, 6}) {
-        EXPECT_EQ(database->getproblem(1)->solve(outside + 1), 0);
-        database->renameduplicates(outside > 0 ? 6 : outside);
-        file.setkey(outside > 0 ? outside + 1 : outside, "new");
-    }
-    EXPECT_EQ(TSXproblem(*database, corruptsidefile + 1, 0, "").message, "Unknown error");
-    file.unread = true;
-    file.setkey(1, "new");
-    file.addentry("new");
-    EXPECT_EQ(keysOf(file), (Texts{"twice", "twice"}));
-    EXPECT_EQ(newFile(Texts(1001, "many")).keycount, 1000);
-}

@@ -134,6 +134,10 @@ TEST_F(DesktopTest, EverythingIsReachedByKeysAndReadAloud) {
     EXPECT_TRUE(grid->child(1)->state().selected && grid->child(1)->state().focused);
     EXPECT_FALSE(grid->child(0)->state().selected || grid->child(0)->state().focused);
     EXPECT_EQ(grid->indexOfChild(grid->child(1)), 1);
+    QAccessibleInterface* const names =
+        QAccessible::queryAccessibleInterface(clientWidget(*entry->typeNamesPane));
+    EXPECT_EQ(names->childCount(), 3);
+    EXPECT_EQ(names->child(2)->text(QAccessible::Name), "Traits");
     EXPECT_TRUE(grid->child(2)->isValid() && grid->child(3) == nullptr);
     int prompts = 0;
     answers.dialog = [&](CDialog&) { return ++prompts, IDCANCEL; };

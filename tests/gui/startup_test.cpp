@@ -67,12 +67,6 @@ TEST_F(StartTest, SettingsComeBackAsTheyWereWritten) {
     diskFaultHook = [](DiskOperation operation) { return operation == DiskOperation::read; };
     EXPECT_FALSE(readDatabaseFile(read)) << "half of it could name another directory";
     diskFaultHook = nullptr;
-    settings.homeDirectory = "";
-    settings.currentDatabase = "Other";
-    EXPECT_EQ(writeSettingsStore(settings), 1);
-    EXPECT_EQ(readSettingsStore(read), 1);
-    EXPECT_EQ(read.homeDirectory.view(), home.path());
-    EXPECT_EQ(read.currentDatabase.view(), "Other");
 }
 
 TEST_F(StartTest, WhatKeepsTheToolFromStartingIsTold) {

@@ -163,22 +163,4 @@ TEST_F(Drawing, TextHasItsPlaceItsBackgroundAndItsFont) {
                 letters[3] == 17);
 }
 
-TEST_F(Drawing, TheScreenComesBackAsItWas) {
-    const auto visible = [] {
-        const auto all = QApplication::topLevelWidgets();
-        return std::count_if(all.begin(), all.end(), [](const QWidget* each) { return each->isVisible(); });
-    };
-    CClientDC screen(nullptr);
-    CBitmap saved;
-    CDC memory;
-    memory.CreateCompatibleDC(screen);
-    saved.CreateCompatibleBitmap(screen, 50, 20);
-    memory.SelectObject(&saved);
-    memory.BitBlt(0, 0, 50, 20, screen, 100, 100);
-    screen.FillSolidRect(100, 100, 50, 20, red);
-    EXPECT_EQ(visible(), 2);
-    screen.BitBlt(100, 100, 50, 20, memory, 0, 0);
-    EXPECT_EQ(visible(), 1);
-}
-
 } // namespace

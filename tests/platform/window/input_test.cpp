@@ -84,17 +84,10 @@ TEST_F(Input, MouseArrivesWithPlaceAndModifiersAndIsHeldUntilItIsLetGo) {
 }
 
 TEST_F(Input, KeysReachTheFrameWithThePlatformsCodes) {
-    for (const Qt::Key key : {Qt::Key_A, Qt::Key_F5, Qt::Key_Left, Qt::Key_Return})
+    for (const Qt::Key key : {Qt::Key_A, Qt::Key_F5, Qt::Key_Left, Qt::Key_PageUp, Qt::Key_Return})
         QTest::keyClick(outerWidget(*frame), key);
-    EXPECT_EQ(taken(), Events({"key 65 0", "char 97", "key 116 0", "key 37 0", "key 13 0", "char 13"}));
-    const std::pair<Qt::Key, int> codes[] = {
-        {Qt::Key_Shift, 16},    {Qt::Key_Control, 17}, {Qt::Key_CapsLock, 20}, {Qt::Key_PageUp, 33},
-        {Qt::Key_PageDown, 34}, {Qt::Key_End, 35},     {Qt::Key_Home, 36},     {Qt::Key_Up, 38},
-        {Qt::Key_Right, 39},    {Qt::Key_Down, 40},    {Qt::Key_Insert, 45},   {Qt::Key_Delete, 46}};
-    for (const auto& [key, code] : codes) {
-        QTest::keyClick(outerWidget(*frame), key);
-        EXPECT_EQ(taken().at(0), "key " + std::to_string(code) + " 0");
-    }
+    EXPECT_EQ(taken(),
+              Events({"key 65 0", "char 97", "key 116 0", "key 37 0", "key 33 0", "key 13 0", "char 13"}));
 }
 
 TEST_F(Input, WheelAndBarsScrollByLinesAndPages) {

@@ -1,5 +1,7 @@
 // What is painted when, and what only moves: the update region, erasing, scrolling and drawing outside of a
 // paint; and who goes with whom.
+#include <QMenuBar>
+
 #include "windowtest.h"
 
 namespace {
@@ -93,7 +95,9 @@ TEST_F(Painting, NewSizeIsToldOnceAtOnceAndInvalidatesAll) {
     outerWidget(*frame)->show();
     const RECT client = frame->GetClientRect();
     EXPECT_EQ(client.right, 500);
-    EXPECT_LT(client.bottom, 400); // the menu takes its part
+    const QRect menu = outerWidget(*frame)->findChild<QMenuBar*>()->geometry();
+    EXPECT_EQ(menu, QRect(0, 0, 500, 400 - client.bottom));
+    EXPECT_GT(menu.height(), 9);
     EXPECT_EQ(taken().front(), "size 500 " + std::to_string(client.bottom));
 }
 
