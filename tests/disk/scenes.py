@@ -192,7 +192,7 @@ def members_of_one_group(place):
     judge(status & CHANGED and made and all(os.stat(path).st_mode & 0o20 for path in made), status, said)
 
 
-@case(("a note", "user.note", b"mine", 0o444), needs_root=True)
+@case(("a note", "user.note", b"m", 0o444), needs_root=True)
 def rights_come_back(place, _, name, value, mode):
     """As an ordinary user: a file that nobody may write keeps its attributes through deletion and restore."""
     path = put(place, "fprint/BAD.DEF", b"no experiment")
