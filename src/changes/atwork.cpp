@@ -67,8 +67,7 @@ std::string ChangeAtWork::who() const {
 
 Failure AtWork::begin(Tree& tree, const ChangeAtWork& change) {
     Failure failure = makeHeld(tree, name, encode(change), readableForAll, file_);
-    if (!failure)
-        failure = tree.syncDirectoryOf(name);
+    failure = failure ? failure : tree.syncDirectoryOf(name);
     if (failure && stands()) [[maybe_unused]]
         const Failure left = end(tree);
     return failure;
@@ -86,12 +85,10 @@ Failure AtWork::end(Tree& tree) {
     FileState own;
     Entry entry;
     Failure failure = file_.state(own);
-    if (!failure)
-        failure = tree.look(name, Links::refused, entry);
+    failure = failure ? failure : tree.look(name, Links::refused, entry);
     if (!failure && entry.state.identity == own.identity)
         failure = tree.remove(name, entry.state);
-    if (!failure)
-        failure = tree.syncDirectoryOf(name);
+    failure = failure ? failure : tree.syncDirectoryOf(name);
     if (!failure)
         file_ = File();
     return failure;
@@ -106,8 +103,7 @@ Failure readtrace(Tree& tree, Trace& trace, ChangeAtWork& change) {
     if (failure)
         return failure.isAbsence() ? Failure() : failure;
     failure = file.lockedForWriting(locked);
-    if (!failure)
-        failure = file.read(0, largest, text);
+    failure = failure ? failure : file.read(0, largest, text);
     if (failure)
         return failure;
     const bool whole = decode(text, change);

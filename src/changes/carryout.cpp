@@ -53,8 +53,7 @@ Failure readparts(const File& file, Change& change) {
     change.parts.reserve(change.fieldcount);
     foreachfield(change, [&](const KeyField& field) {
         std::string_view found;
-        if (!failure)
-            failure = reader.at(field.offset, widthOf(field), found);
+        failure = failure ? failure : reader.at(field.offset, widthOf(field), found);
         change.parts.push_back(standingof(found, field));
     });
     return failure;
@@ -73,8 +72,7 @@ Failure lookatkeys(Tree& tree, Change& change) {
     Failure failure = lookexactly(tree, change.file, change.judged);
     if (!failure && change.judged.kind == FileState::missing)
         failure = {ERROR_FILE_NOT_FOUND};
-    if (!failure)
-        failure = tree.openToWrite(change.file, file);
+    failure = failure ? failure : tree.openToWrite(change.file, file);
     change.judged = file.opened();
     return failure ? failure : readparts(file, change);
 }
@@ -95,8 +93,7 @@ Failure comparewhole(Tree& tree, Change& change, Standing& standing) {
     Failure failure;
     if (change.state.kind == FileState::symbolic)
         failure = tree.readLink(change.file, target);
-    if (!failure)
-        failure = wholeOf(change.content, wanted);
+    failure = failure ? failure : wholeOf(change.content, wanted);
     if (target == wanted)
         standing = Standing::after;
     return failure;
@@ -139,14 +136,11 @@ Failure applykeys(Tree& tree, Change& change) {
     failure = writefields(file, change);
     if (!failure && change.sizeafter < change.state.size && file.opened().size > change.sizeafter)
         failure = file.cut(change.sizeafter);
-    if (!failure)
-        failure = file.sync();
-    if (!failure)
-        failure = readparts(file, change);
+    failure = failure ? failure : file.sync();
+    failure = failure ? failure : readparts(file, change);
     if (!failure && change.given && isdone(change))
         failure = file.giveTimes(change.read, change.changed);
-    if (!failure)
-        failure = file.state(change.judged);
+    failure = failure ? failure : file.state(change.judged);
     const Failure closed = file.close();
     return failure ? failure : closed;
 }
@@ -161,8 +155,7 @@ Failure makeplain(Tree& tree, Change& change) {
         fresh ? tree.make(change.file, made, rights) : openjudged(tree, change, Links::refused, begun);
     const File& file = fresh ? made.file : begun;
     change.begun = !failure && !fresh;
-    if (!failure)
-        failure = writeContent(change.content, file);
+    failure = failure ? failure : writeContent(change.content, file);
     if (!failure && change.given)
         failure = file.give(change.state, change.attributes);
     return failure ? failure : fresh ? made.keep() : begun.sync();
@@ -188,11 +181,9 @@ Failure applymaking(Tree& tree, Change& change) {
     if (!failure && change.given && change.state.kind != FileState::plain) { // which got it while it was open
         File made;
         failure = tree.openEntry(change.file, made);
-        if (!failure)
-            failure = made.give(change.state, change.attributes);
+        failure = failure ? failure : made.give(change.state, change.attributes);
     }
-    if (!failure)
-        failure = lookatwhole(tree, change);
+    failure = failure ? failure : lookatwhole(tree, change);
     return failure || change.parts[0] != Standing::other ? failure : Failure{ERROR_FILE_INVALID};
 }
 

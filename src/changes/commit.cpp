@@ -56,8 +56,7 @@ bool Committer::announce() {
     if (change.number == 0) // there is no undo file
         change.number = randomnumber();
     Failure failure = tree_->fullPath(change.place);
-    if (!failure)
-        failure = atwork_.begin(*tree_, change);
+    failure = failure ? failure : atwork_.begin(*tree_, change);
     tree_->numberTemporaries(failure ? 0 : change.number);
     return !failure || goOnWithout(std::string("The file '") + AtWork::name +
                                    "' can't be made in the directory of the database (" + failure.text() +

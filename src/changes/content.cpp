@@ -113,8 +113,7 @@ Failure compare(const File& file, const FileContent& content, Standing& standing
         reached = offset + static_cast<std::int64_t>(bytes.size());
         return failed;
     });
-    if (!failure)
-        failure = lookForZeros(file, reached, size, equal);
+    failure = failure ? failure : lookForZeros(file, reached, size, equal);
     standing = !equal ? Standing::other : size == content.size ? Standing::after : Standing::torn;
     return failure;
 }

@@ -179,8 +179,7 @@ Finished forget(Tree& tree, const ChangeAtWork& change, const std::string& text)
     Failure failure = atwork.adopt(tree);
     if (!failure && change.number != 0)
         tree.removeTemporaries(change.number);
-    if (!failure)
-        failure = atwork.end(tree);
+    failure = failure ? failure : atwork.end(tree);
     return failure ? answer(Finished::left, text + " can't be forgotten: the file '" + AtWork::name +
                                                 "' can't be taken away (" + failure.text() + ")")
                    : answer(Finished::done, text + " is forgotten; the database is taken as it stands");

@@ -333,8 +333,7 @@ Failure takecontent(Tree& database, Change& change) {
     Failure failure = database.openEntry(change.file, *entry);
     if (!failure && plain && !entry->opened().isUnchanged(change.judged))
         failure = {ERROR_FILE_INVALID};
-    if (!failure)
-        failure = entry->attributes(change.attributes);
+    failure = failure ? failure : entry->attributes(change.attributes);
     std::string target;
     if (!failure && change.state.kind == FileState::symbolic)
         failure = database.readLink(change.file, target);

@@ -97,15 +97,11 @@ std::string UndoWriter::makeHere(const std::string& name, const std::string& dir
         return "the undo file " + path +
                " would not belong to this user alone, since its file system has no owners; give another "
                "place";
-    if (!failure)
-        failure = writehead(made.file, position, directory);
+    failure = failure ? failure : writehead(made.file, position, directory);
     header_.length = header_.finished = static_cast<std::uint64_t>(position);
-    if (!failure)
-        failure = made.file.write(0, header_.encode());
-    if (!failure)
-        failure = made.keep();
-    if (!failure)
-        failure = place_->syncDirectoryOf(name);
+    failure = failure ? failure : made.file.write(0, header_.encode());
+    failure = failure ? failure : made.keep();
+    failure = failure ? failure : place_->syncDirectoryOf(name);
     if (failure) {
         if (!made.file.state(own)) [[maybe_unused]] // which may have its name by now
             const Failure left = place_->remove(name, own);
@@ -121,8 +117,7 @@ std::string UndoWriter::makeElsewhere(const std::string& directory) {
     place_ = std::make_unique<Tree>();
     std::string name, full;
     Failure failure = place_->openDirectoryOf(wanted_, name);
-    if (!failure)
-        failure = place_->fullPath(full);
+    failure = failure ? failure : place_->fullPath(full);
     if (failure)
         return told("the directory of " + wanted_ + " can't be entered", failure);
     if ((full + "/").starts_with(directory + "/"))
@@ -143,8 +138,7 @@ std::string UndoWriter::linkToIt() {
     if (!failure)
         failure = underFreeName(place,
                                 [&](const std::string& name) { return place.makeLink(name_ = name, path_); });
-    if (!failure)
-        failure = place.syncDirectoryOf(name_);
+    failure = failure ? failure : place.syncDirectoryOf(name_);
     if (!failure)
         return "";
     name_.clear();
@@ -195,8 +189,7 @@ std::string UndoWriter::append(Tree& database, std::vector<Change>& group) {
 
 std::string UndoWriter::putHeader() {
     Failure failure = file_.write(0, header_.encode());
-    if (!failure)
-        failure = file_.sync();
+    failure = failure ? failure : file_.sync();
     return failure ? told("it can't be written", failure) : "";
 }
 

@@ -34,8 +34,11 @@ int TSXfinder::findfirst(const char* pattern) {
     for (const std::string& name : names)
         if (matchesPattern(name, std::string_view(whole).substr(last, star - last), suffix))
             (opensItself(names, name, suffix) ? matches : passedover).push_back(name);
-    missing = unread.number == ERROR_PATH_NOT_FOUND;
-    failure = unread.isAbsence() ? ERROR_SUCCESS : unread.number;
+    Entry entry; // a directory that is there was away for a moment
+    const bool away = unread.isAbsence() &&
+                      (tree.look(place, Links::followed, entry) || entry.state.kind != FileState::directory);
+    missing = away && unread.number == ERROR_PATH_NOT_FOUND;
+    failure = away ? ERROR_SUCCESS : unread.number;
     return take(true);
 }
 

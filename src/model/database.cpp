@@ -46,6 +46,11 @@ int TSXdatabase::addexptype(int fileclass, std::string_view name) {
     return lasttype;
 }
 
+void TSXdatabase::forgettypes(std::int32_t last) {
+    for (; lasttype > last; --lasttype, types.pop_back())
+        typenumbers.erase({types.back()->classid, types.back()->name.view()});
+}
+
 TSXexptype* TSXdatabase::gettype(int index) const {
     return index >= 0 && index <= lasttype ? types[static_cast<std::size_t>(index)].get() : nullptr;
 }

@@ -132,7 +132,7 @@ void TSXdatafile::read() {
     unread = false;
     closed.reset();
     const WholeReading reading = readwhole(
-        *database.tree, path, format.header, [this] { forget(); },
+        *database.tree, path, format.header, [this, known = database.lasttype] { forget(known); },
         [this](TSXbinfile& file, const char* tag) { return readchunk(file, tag); });
     onread = reading.file;
     if (reading.outcome == WholeReading::wrongheader && *format.wrongheaderline != '\0')
@@ -166,7 +166,8 @@ void TSXdatafile::noteunreadrecords() {
     }
 }
 
-void TSXdatafile::forget() {
+void TSXdatafile::forget(std::int32_t knowntypes) {
+    database.forgettypes(knowntypes); // which only that reading has named
     maketable(0);
     typeid_ = 0;
     fieldcount = 0;

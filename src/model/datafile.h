@@ -89,7 +89,7 @@ public:
     bool outside = false;  // a link out of the database leads to it: it is never changed
 
 private:
-    void forget(); // what an earlier reading has found
+    void forget(std::int32_t knowntypes); // what an earlier reading has found
     void maketable(std::int32_t count);
     Chunk readchunk(TSXbinfile& file, const char* tag);
     Chunk readrecords(TSXbinfile& file);

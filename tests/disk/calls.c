@@ -316,13 +316,9 @@ CALL(int, -1, rename, (O, P), (o, p), HERE, p, MOVED(HERE, HERE))
 CALL(int, -1, renameat, (int c, O, int d, P), (c, o, d, p), d, p, MOVED(c, d))
 CALL(int, -1, renameat2, (int c, O, int d, P, unsigned g), (c, o, d, p, g), d, p, MOVED(c, d))
 
-AT(truncate, (P, off_t n), (p, n), note_file('T', HERE, p, n, "", 0))
 ON(ftruncate, (int f, off_t n), (f, n), note_file('T', f, "", n, "", 0))
-ON(fallocate, (int f, int m, off_t o, off_t n), (f, m, o, n), )
-CALL(int, (int)error, posix_fallocate, (int f, off_t o, off_t n), (f, o, n), f, NULL, )
 ON(fsync, (int f), (f), note_file('S', f, "", 0, "", 0))
 ON(fdatasync, (int f), (f), note_file('D', f, "", 0, "", 0))
-ON(syncfs, (int f), (f), )
 CALL(off_t, -1, lseek, (int f, off_t n, int w), (f, n, w), f, NULL, )
 
 AT(chmod, (P, mode_t m), (p, m), note_state(HERE, p, 0))
@@ -341,8 +337,6 @@ IN(utimensat, (int d, P, TIMES, int g), (d, p, t, g), d, note_state(d, p, g))
     CALL(int, -1, begin##setxattr, (type place, const char* a, const void* b, size_t n, int g), (place, a, b, n, g), \
          directory, path, ) \
     CALL(int, -1, begin##removexattr, (type place, const char* a), (place, a), directory, path, )
-ATTRIBUTES(, const char*, p, HERE, p)
-ATTRIBUTES(l, const char*, p, HERE, p)
 ATTRIBUTES(f, int, f, f, NULL)
 
 // A read or write at a position, its own or the file's.
@@ -416,6 +410,5 @@ SAME(open64, open) SAME(__open_2, open) SAME(__open64_2, open)
 SAME(openat64, openat) SAME(__openat_2, openat) SAME(__openat64_2, openat)
 SAME(stat64, stat) SAME(lstat64, lstat) SAME(fstat64, fstat) SAME(fstatat64, fstatat)
 SAME(__readlink_chk, readlink) SAME(__readlinkat_chk, readlinkat) SAME(__realpath_chk, realpath)
-SAME(readdir64, readdir) SAME(truncate64, truncate) SAME(ftruncate64, ftruncate) SAME(fallocate64, fallocate)
-SAME(posix_fallocate64, posix_fallocate) SAME(lseek64, lseek) SAME(fcntl64, fcntl)
+SAME(readdir64, readdir) SAME(ftruncate64, ftruncate) SAME(lseek64, lseek) SAME(fcntl64, fcntl)
 SAME(pread64, pread) SAME(__pread_chk, pread) SAME(__pread64_chk, pread) SAME(pwrite64, pwrite) SAME(__read_chk, read)

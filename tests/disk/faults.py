@@ -5,12 +5,6 @@ Usage: faults.py [--build DIR] [--step N] [--scenario WORD] [--kind WORD] [--sec
   --step N         only each N-th point, for a quick look
   --scenario WORD  only the scenarios that begin so           --kind WORD    only the kinds of failure that begin so
   --sectors        instead of calls each sector of each file, unreadable in turn
-
-For each scenario the run without a fault gives the tree before and after, the document and the status. Then the same run is
-made once for each call and kind of failure. It may have done all, some or none of the changes, but no other: each file is
-as before or as after, a changed one in each of its key fields; nothing else appeared or went. Statuses without 8 stand only
-where tree and document are those of the run without a fault. Where a run did a part, the next one without a fault ends well
-and leaves no problem that the run without a fault does not leave; or, at every second point, the undo files bring all back.
 """
 import errno
 import itertools

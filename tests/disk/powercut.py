@@ -7,18 +7,7 @@ Usage: powercut.py [--build DIR] [--states N] [--seed N] [--scenario WORD] [--fo
   --scenario WORD  only the runs of that name
   --forget WHAT    a disk that does not heed the syncs of "files" or of "directories": what the program is spared by them
 
-Each scenario is run once under a library (calls.c) that records every write, name, length, state and sync below the database
-and the state directory, in order. A model of a disk then has the power cut after each of the records, or a sample of them:
-what was synced stays. Of the writes to a file after its last sync any combination is kept, each in whole, or in sectors of
-512 or pages of 4096 bytes, or in the order in which they came; so are names that were made or removed without a sync of
-their directory, and states of files. What is left is laid down as real files and directories, and the next run, a plain
-check, looks at it. Then
-- nothing of the database has changed without an undo file;
-- each key field is old or new as a whole, and all of them the same; every other byte is as before; no file is lost that
-  was not chosen; nothing is left over; a new file is complete or not there;
-- the check says of the database what a check with an empty state directory says;
-- a restore brings contents, permissions, owners and times back.
-Where nothing but the moment matters and all that was written is kept, it is a kill.
+docs/reliability.md tells what a disk keeps and what is judged.
 """
 import copy
 import threading

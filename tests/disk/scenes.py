@@ -73,6 +73,16 @@ def half_seen(place, _, calls, how):
 
 
 @case()
+def written_while_it_is_read(place):
+    """A type that only the reading named that was not stable leaves nothing behind."""
+    path = pathlib.Path(place.db, "seq/EXP001.DEF")
+    name = next(kind["name"] for kind in place.check().document["types"] if kind["class"] == 3).encode()
+    put(place, "../other", path.read_bytes().replace(name, name[::-1]))
+    seen = place.check(calls={"ONLY": "^fstat .*/seq/EXP001.DEF$", "PAUSE": 2, "DO": f"cat @ROOT/other > {path}"}).document
+    judge(path.read_bytes() == pathlib.Path(place.root, "other").read_bytes() and seen == place.check().document, seen["types"])
+
+
+@case()
 def sync_that_failed(place):
     """The next run has the disk keep what the first one wrote before it calls anything good."""
     status, _, said = place.check(*RENAME, calls={"ONLY": "^f(data)?sync .*/db/DBASE/", "FROM": 1})

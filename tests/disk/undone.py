@@ -5,12 +5,6 @@ Usage: undone.py [--build DIR] [--trees N] [--desktop N] [--seed N]
   --trees N      databases for txcheck, default: 60; a full run has 400
   --desktop N    databases for the desktop tool without a screen, default: 12; a full run has 60
   --seed N       of the first database; default: by chance
-
-The databases are those of endtoend/trees.py and of txsample with every damage, with permissions, owners, times, extended
-attributes and second names of their own. Of each run of txcheck: its plan leaves every byte, permission, time and the
-state directory as they were; the plan's list is that of what is then done, and the bytes on the disk are those which
-the list tells. Then the undo files bring back what stood there before each run, the last first: contents, owners, groups,
-permissions, times, links, extended attributes, directories. The last one's restore is itself taken back, and that again.
 """
 from place import *
 

@@ -44,8 +44,7 @@ Failure ByteStream::openToFill(Tree& tree, std::string_view name, Links links) {
         return tree.make(name, *(made_ = std::make_unique<NewFile>()), Rights::usual);
     if (!failure && file_.opened().names > 1)
         failure = {ERROR_ALREADY_EXISTS};
-    if (!failure)
-        failure = file_.cut(0);
+    failure = failure ? failure : file_.cut(0);
     if (failure)
         file_ = File();
     return failure;
@@ -75,8 +74,7 @@ Failure ByteStream::store() {
     if (made_ == nullptr)
         return file_.write(0, buffer_);
     Failure failure = made_->file.write(0, buffer_);
-    if (!failure)
-        failure = made_->keep(mode_ == OpenMode::create);
+    failure = failure ? failure : made_->keep(mode_ == OpenMode::create);
     const Failure closed = made_->file.close();
     return failure ? failure : closed;
 }

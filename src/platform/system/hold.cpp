@@ -20,8 +20,7 @@ Failure leadsTo(Tree& tree, const std::string& name, const File& file) {
     FileIdentity there;
     FileState own;
     Failure failure = file.state(own);
-    if (!failure)
-        failure = identityAt(tree, name, there);
+    failure = failure ? failure : identityAt(tree, name, there);
     return failure || there == own.identity ? failure : Failure{ERROR_FILE_INVALID};
 }
 
@@ -55,26 +54,20 @@ Failure makeHeld(Tree& tree, const std::string& name, std::string_view content,
     NewFile made;
     FileState state;
     Failure failure = tree.make(name, made, Rights::asDirectory, Appears::atOnce);
-    if (!failure)
-        failure = made.file.lock();
-    if (!failure)
-        failure = made.file.write(0, content);
-    if (!failure)
-        failure = made.file.state(state);
+    failure = failure ? failure : made.file.lock();
+    failure = failure ? failure : made.file.write(0, content);
+    failure = failure ? failure : made.file.state(state);
     if (!failure) // a file system without rights has them from its mount
         [[maybe_unused]]
         const Failure left = made.file.permit(rights(state.permissions));
-    if (!failure)
-        failure = made.keep();
-    if (!failure)
-        failure = leadsTo(tree, name, file = std::move(made.file));
+    failure = failure ? failure : made.keep();
+    failure = failure ? failure : leadsTo(tree, name, file = std::move(made.file));
     return failure;
 }
 
 Failure openHeld(Tree& tree, const std::string& name, File& file) {
     Failure failure = tree.openToWrite(name, file, Links::refused);
-    if (!failure)
-        failure = file.lock();
+    failure = failure ? failure : file.lock();
     return failure ? failure : leadsTo(tree, name, file);
 }
 

@@ -123,6 +123,14 @@ Failure appendTo(File& file, std::string_view bytes) {
     return size == static_cast<ssize_t>(bytes.size()) ? closed : failureFrom(systemError);
 }
 
+// Of a call that has made a name at a spot, or taken it away.
+Failure named(const Spot& spot, int result, bool there) {
+    const Failure failure = answer(result);
+    if (!failure)
+        there ? spot.directory().added(spot.name) : spot.directory().removed(spot.name);
+    return failure;
+}
+
 } // namespace
 
 Failure Tree::Inside::find(DiskOperation operation, std::string_view name, Spot& spot) {
@@ -216,8 +224,7 @@ std::string Tree::spelled(std::string_view path) {
 Failure Tree::look(std::string_view name, Links links, Entry& entry) {
     Spot spot;
     Failure failure = faultOf(DiskOperation::read);
-    if (!failure)
-        failure = inside_->ways.find(name, links, spot);
+    failure = failure ? failure : inside_->ways.find(name, links, spot);
     if (!failure && spot.name.empty() && spot.directory().descriptor >= 0)
         failure = answer(fstat(spot.directory().descriptor, &spot.found));
     entry = Entry();
@@ -232,10 +239,8 @@ Failure Tree::look(std::string_view name, Links links, Entry& entry) {
 Failure Tree::names(std::string_view directory, std::vector<std::string>& names) {
     Spot spot;
     Failure failure = faultOf(DiskOperation::open);
-    if (!failure)
-        failure = inside_->ways.findDirectory(directory, spot);
-    if (!failure)
-        failure = inside_->ways.list(spot.directory());
+    failure = failure ? failure : inside_->ways.findDirectory(directory, spot);
+    failure = failure ? failure : inside_->ways.list(spot.directory());
     names = failure ? std::vector<std::string>() : spot.directory().names;
     return failure;
 }
@@ -257,8 +262,7 @@ void Tree::lookThrough(const std::function<void(const Entry&)>& visit, const std
 Failure Tree::standsAlone(std::string_view name) {
     Spot spot;
     Failure failure = inside_->find(DiskOperation::open, name, spot);
-    if (!failure)
-        failure = inside_->ways.list(spot.directory());
+    failure = failure ? failure : inside_->ways.list(spot.directory());
     if (failure)
         return failure;
     const auto& names = spot.directory().names;
@@ -279,8 +283,7 @@ Failure Tree::enter(std::string_view directory) {
 Failure Tree::openFile(std::string_view name, File& file, Links links, int flags) {
     Spot spot;
     Failure failure = faultOf(DiskOperation::open);
-    if (!failure)
-        failure = inside_->ways.find(name, links, spot);
+    failure = failure ? failure : inside_->ways.find(name, links, spot);
     if (failure)
         return failure;
     if (!spot.isThere())
@@ -324,8 +327,7 @@ Failure Tree::append(std::string_view name, std::string_view bytes) {
     Spot spot;
     Failure failure = faultOf(DiskOperation::open);
     const std::string place = withSlashes(name);
-    if (!failure)
-        failure = inside_->ways.findDirectory(place.substr(0, place.rfind('/') + 1), spot);
+    failure = failure ? failure : inside_->ways.findDirectory(place.substr(0, place.rfind('/') + 1), spot);
     if (failure || !spot.outside.empty())
         return failure ? failure : Failure{ERROR_ACCESS_DENIED};
     File file(openIn(spot.directory(), lastComponent(name).c_str(), O_WRONLY | O_APPEND | O_CREAT, 0666));
@@ -386,9 +388,9 @@ Failure Tree::makeDirectory(std::string_view name) {
     if (failure.number != ERROR_FILE_NOT_FOUND)
         return failure ? failure : Failure{ERROR_ALREADY_EXISTS};
     const Share share(spot.directory());
-    if (mkdirat(spot.directory().descriptor, spot.name.c_str(), share.byList ? 0777 : 0700) != 0)
-        return failureFrom(errno);
-    spot.directory().added(spot.name);
+    const int result = mkdirat(spot.directory().descriptor, spot.name.c_str(), share.byList ? 0777 : 0700);
+    if (const Failure unmade = named(spot, result, true))
+        return unmade;
     const File made(openIn(spot.directory(), spot.name.c_str(), O_RDONLY | O_DIRECTORY));
     std::vector<std::string> names;
     if (!readNames(made.descriptor(), names) && names.empty())
@@ -398,47 +400,36 @@ Failure Tree::makeDirectory(std::string_view name) {
 
 Failure Tree::makeLink(std::string_view name, const std::string& target) {
     Spot spot;
-    Failure failure = inside_->findFree(DiskOperation::link, name, spot);
-    if (!failure)
-        failure = answer(symlinkat(target.c_str(), spot.directory().descriptor, spot.name.c_str()));
-    if (!failure)
-        spot.directory().added(spot.name);
-    return failure;
+    const Failure failure = inside_->findFree(DiskOperation::link, name, spot);
+    return failure
+               ? failure
+               : named(spot, symlinkat(target.c_str(), spot.directory().descriptor, spot.name.c_str()), true);
 }
 
 Failure Tree::addName(std::string_view name, std::string_view existing) {
-    Spot old;
-    Spot spot;
+    Spot old, spot;
     Failure failure = inside_->findToChange(DiskOperation::link, existing, old);
-    if (!failure)
-        failure = inside_->findFree(DiskOperation::link, name, spot);
-    if (!failure)
-        failure = answer(linkat(old.directory().descriptor, old.name.c_str(), spot.directory().descriptor,
-                                spot.name.c_str(), 0));
-    if (!failure)
-        spot.directory().added(spot.name);
-    return failure;
+    failure = failure ? failure : inside_->findFree(DiskOperation::link, name, spot);
+    return failure ? failure
+                   : named(spot,
+                           linkat(old.directory().descriptor, old.name.c_str(), spot.directory().descriptor,
+                                  spot.name.c_str(), 0),
+                           true);
 }
 
 Failure Tree::remove(std::string_view name, const FileState& judged) {
     Spot spot;
-    Failure failure = inside_->findToRemove(name, judged, spot);
-    if (failure)
-        return failure;
-    failure = answer(unlinkat(spot.directory().descriptor, spot.name.c_str(), 0));
-    if (!failure)
-        spot.directory().removed(spot.name);
-    return failure;
+    const Failure failure = inside_->findToRemove(name, judged, spot);
+    return failure ? failure
+                   : named(spot, unlinkat(spot.directory().descriptor, spot.name.c_str(), 0), false);
 }
 
 Failure Tree::removeDirectory(std::string_view name) {
     Spot spot;
-    Failure failure = inside_->findToChange(DiskOperation::remove, name, spot);
-    if (!failure)
-        failure = answer(unlinkat(spot.directory().descriptor, spot.name.c_str(), AT_REMOVEDIR));
-    if (!failure)
-        spot.directory().removed(spot.name);
-    return failure;
+    const Failure failure = inside_->findToChange(DiskOperation::remove, name, spot);
+    return failure
+               ? failure
+               : named(spot, unlinkat(spot.directory().descriptor, spot.name.c_str(), AT_REMOVEDIR), false);
 }
 
 // A file system that knows no such sync of a directory has nothing more to give.

@@ -108,8 +108,7 @@ Failure Ways::reach(const std::string& path, Spot& spot) {
     const bool absolute = path.starts_with('/');
     spot.spelled = absolute ? "/" : "";
     failure = open(AT_FDCWD, absolute ? "/" : ".", 0, spot.way[0]);
-    if (!failure)
-        failure = walk(spot, path, Links::followed);
+    failure = failure ? failure : walk(spot, path, Links::followed);
     return failure ? failure : enter(spot);
 }
 
@@ -161,10 +160,8 @@ Failure Ways::findDirectory(std::string_view name, Spot& spot) {
     spot.way = {top_};
     spot.found.st_mode = S_IFDIR;
     Failure failure = top_ == nullptr ? Failure{ERROR_PATH_NOT_FOUND} : lost_;
-    if (!failure)
-        failure = walk(spot, withSlashes(name), Links::followed);
-    if (!failure)
-        failure = enter(spot);
+    failure = failure ? failure : walk(spot, withSlashes(name), Links::followed);
+    failure = failure ? failure : enter(spot);
     if (!failure)
         reached_.emplace(name, spot);
     return failure;
@@ -265,8 +262,7 @@ Failure Ways::follow(Spot& spot) {
         failure = open(AT_FDCWD, "/", 0, spot.way[0]);
     }
     ++spot.depth;
-    if (!failure)
-        failure = walk(spot, target, Links::followed);
+    failure = failure ? failure : walk(spot, target, Links::followed);
     --spot.depth;
     if (failure ? failure.isAbsence() : !spot.isThere())
         failure.number = ERROR_CANT_RESOLVE_FILENAME;
