@@ -109,6 +109,7 @@ private:
                 leave(there_.kind == FileState::directory ? "it was made, and is not empty"
                                                           : "it has changed since it was made");
             changes = {deletionof(name_, there_)};
+            changes[0].othername = linked_.other(name_, there_);
         }
         now_ = Now::gone;
         deletion = nullptr;
