@@ -136,7 +136,7 @@ TEST_F(DesktopTest, EverythingIsReachedByKeysAndReadAloud) {
     EXPECT_EQ(grid->indexOfChild(grid->child(1)), 1);
     QAccessibleInterface* const names =
         QAccessible::queryAccessibleInterface(clientWidget(*entry->typeNamesPane));
-    EXPECT_EQ(names->childCount(), 3);
+    ASSERT_EQ(names->childCount(), 3);
     EXPECT_EQ(names->child(2)->text(QAccessible::Name), "Traits");
     EXPECT_TRUE(grid->child(2)->isValid() && grid->child(3) == nullptr);
     int prompts = 0;
