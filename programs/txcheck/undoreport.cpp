@@ -1,6 +1,5 @@
 #include "undoreport.h"
 
-#include <ctime>
 #include <iostream>
 
 #include "changes/place.h"
@@ -12,30 +11,12 @@
 
 namespace {
 
-std::string timeText(std::int64_t seconds, const char* format) {
-    const std::time_t time = seconds;
-    std::tm parts = {};
-    char text[40] = {};
-    if (localtime_r(&time, &parts) != nullptr)
-        std::strftime(text, sizeof text, format, &parts);
-    return text;
-}
-
-std::string stateOf(const UndoHeader& header) {
-    std::string state = header.isrestore == 1 ? "; a restore" : "";
-    if (header.restoredfrom != UndoHeader::never)
-        state += header.restoredfrom == 1 ? "; restored" : "; restored in part";
-    if (header.isopen())
-        state += "; interrupted, or at work";
-    return state.empty() ? state : " (" + state.substr(2) + ")";
-}
-
 void fillWords(std::string& lines, const UndoListEntry& entry) {
-    const UndoHeader& header = entry.header;
-    addLine(lines, summaryof(header.keys, header.deletions, header.makings) + stateOf(header));
+    const std::string state = entry.state();
+    addLine(lines, entry.what() + (state.empty() ? state : " (" + state + ")"));
     addLine(lines, "in " + entry.directory);
     addLine(lines, "txcheck --restore " + shellWord(entry.path));
-    addLine(lines, "kept until " + timeText(entry.maygo, "%Y-%m-%d") + " or longer, " +
+    addLine(lines, "kept until " + timetext(entry.maygo).substr(0, 10) + " or longer, " +
                        std::to_string(entry.size) + " bytes");
 }
 
@@ -50,7 +31,7 @@ void fillEntry(Row& row, const UndoListEntry& entry) {
     if (!entry.damage.empty())
         row.text("", "Damage", entry.path + ": " + entry.damage);
     else
-        fillWords(row.text("", "Made", timeText(entry.time, "%Y-%m-%d %H:%M:%S"), 19).lines("Change"), entry);
+        fillWords(row.text("", "Made", timetext(entry.time), 19).lines("Change"), entry);
 }
 
 } // namespace

@@ -16,6 +16,7 @@
 #include <QTreeWidget>
 #include <algorithm>
 
+#include "changeswindow.h"
 #include "choices.h"
 #include "files/databasefile.h"
 #include "settings/settings.h"
@@ -57,6 +58,8 @@ StartWindow::StartWindow()
         addButton("&Directory...", "Tells where the database is, when it has moved", &StartWindow::move);
     forgetButton_ =
         addButton("&Remove", "Takes the database off this list; its files stay", &StartWindow::forget);
+    changesButton_ = addButton("&Changes...", "What was changed in the database, and can be taken back",
+                               &StartWindow::showChanges);
     quitButton_ = addButton("&Quit", "", &StartWindow::quit);
     inspectButton_ = addButton("&Inspect", "", &StartWindow::inspect);
     layOut();
@@ -82,7 +85,7 @@ void StartWindow::layOut() {
     top->addWidget(homeField_, 1);
     top->addWidget(homeButton_);
     auto* bottom = new QHBoxLayout;
-    for (QPushButton* button : {addButton_, moveButton_, forgetButton_})
+    for (QPushButton* button : {addButton_, moveButton_, forgetButton_, changesButton_})
         bottom->addWidget(button);
     bottom->addStretch(1);
     bottom->addWidget(quitButton_);
@@ -121,7 +124,7 @@ void StartWindow::fillList(const std::string& selected) {
 
 void StartWindow::updateButtons() {
     const bool selected = !list_->selectedItems().isEmpty();
-    for (QPushButton* button : {moveButton_, forgetButton_, inspectButton_})
+    for (QPushButton* button : {moveButton_, forgetButton_, changesButton_, inspectButton_})
         button->setEnabled(selected && !tool_);
     addButton_->setEnabled(!home_.empty());
     QPushButton* next = home_.empty() ? homeButton_ : selected ? inspectButton_ : addButton_;
@@ -194,6 +197,11 @@ void StartWindow::forget() {
                ".dbs' in the home directory is deleted.") &&
         !failed(forgetDatabase(home_, name)))
         fillList("");
+}
+
+void StartWindow::showChanges() {
+    const std::string name = selectedName();
+    ChangesWindow(this, name, directoryOfDatabase(home_, name)).exec();
 }
 
 void StartWindow::inspect() {

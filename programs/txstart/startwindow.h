@@ -30,6 +30,7 @@ private:
     void add();
     void move();
     void forget();
+    void showChanges();
     void inspect();
     void quit();
     void hearTool();
@@ -40,7 +41,8 @@ private:
     QLineEdit* homeField_;
     QLabel* hint_;
     QTreeWidget* list_;
-    QPushButton *homeButton_, *addButton_, *moveButton_, *forgetButton_, *quitButton_, *inspectButton_;
+    QPushButton *homeButton_, *addButton_, *moveButton_, *forgetButton_, *changesButton_, *quitButton_,
+        *inspectButton_;
     std::unique_ptr<StartedProgram> tool_; // while its window is waited for
     QProgressDialog* waiting_ = nullptr;   // the same
 };

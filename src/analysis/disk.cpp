@@ -94,7 +94,7 @@ private:
     std::string obstacle(const std::string& name) {
         const Failure failure = tree.enter(name);
         if (!failure)
-            return "It has been made meanwhile.\nRebuild the list.";
+            return std::string("It has been made meanwhile.\nTo see it, ") + inspectAgain + ".";
         if (failure.isAbsence())
             return "A file of that name stands there, and no directory.\nMove it away, and repeat the "
                    "solution.";
@@ -105,8 +105,8 @@ private:
     std::string whykept(const Target& file, Change& change) {
         Entry entry;
         if (file.unread)
-            return "It could not be read, so nothing is known of what is in it.\n"
-                   "Put that right, and inspect the database again.";
+            return "It could not be read, so nothing is known of what is in it.\nPut that right, and " +
+                   std::string(inspectAgain) + ".";
         Failure failure = tree.look(change.file, Links::refused, entry);
         if (!failure && !entry.outside.empty())
             return outside(entry);
@@ -114,7 +114,8 @@ private:
             failure = draftdeletion(tree, file.known, change);
         if (failure.number == ERROR_FILE_INVALID)
             return "Another program has changed it since it was looked at.\n"
-                   "Inspect the database again, and look at it anew.";
+                   "Before you decide, " +
+                   std::string(inspectAgain) + ".";
         if (failure.isAbsence())
             change.parts = {Standing::after};
         else if (failure)

@@ -122,7 +122,8 @@ std::string obstacletorenaming(const TSXdatabase& database, const TSXkeyentry& e
         return {};
     }
     return "A key can't be renamed while records that may use it are unread. Make them readable, or restore "
-           "them, and start again";
+           "them, and " +
+           std::string(inspectAgain);
 }
 
 } // namespace
@@ -186,7 +187,7 @@ int TSXdatabase::changekey(TSXkeyentry& entry, int type, int n, const char* text
         return -1;
     if (moved.file->isunread(moved.record))
         return refuse("Record " + std::to_string(moved.record) + " of '" + diskname(moved.file->path.view()) +
-                      "' could not be read. Make it readable, or restore it, and start again");
+                      "' could not be read. Make it readable, or restore it, and " + inspectAgain);
     if (!moved.file->ischangeable(moved.record))
         return refuse(moved.file->whyleft(moved.record));
     TSXkeyentry& target = findoraddkey(text);

@@ -14,7 +14,7 @@ namespace {
 
 constexpr const char* inform = "Could not write in file '%s'";
 constexpr const char* toform = "Could not write to file '%s'";
-constexpr const char* inspectagain = "Inspect the database again, and then repeat the change.";
+const std::string repeatchange = std::string("First ") + inspectAgain + ", and then repeat the change.";
 
 std::string message(const char* form, const TSXdatafile& file, const std::string& reason) {
     return Text<1100>().format(form, file.path.c_str()).c_str() + ("\n" + reason);
@@ -95,7 +95,7 @@ private:
         if (failure)
             why = failure.text();
         else if (entry.state.kind != FileState::missing)
-            why = std::string("Another file has that name by now. ") + inspectagain;
+            why = std::string("Another file has that name by now. ") + repeatchange;
         else if (!entry.outside.empty())
             why = "'" + entry.outside +
                   "' is a link that leads out of the database, and nothing is made there. Put the "
@@ -120,14 +120,12 @@ private:
     void comparelists() {
         if (group.empty())
             return;
-        for (const auto& list : database.lists)
-            for (const std::string& text : list->changedsince())
-                obstacles.push_back(text);
+        std::ranges::move(database.changedsince(), std::back_inserter(obstacles));
     }
 
     bool goon() {
         if (group.empty()) {
-            reportall(obstacles, inspectagain);
+            reportall(obstacles, repeatchange.c_str());
             return false;
         }
         return askall(obstacles, "Nothing was written yet. Save the others all the same?");

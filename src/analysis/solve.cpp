@@ -36,12 +36,11 @@ std::string obstacle(const TSXproblem& problem) {
     if (problem.facts().concernskey != nullptr && !problem.database.picturecomplete())
         return "Keys can't be repaired while a part of the database is unread:" +
                unreadlines(problem.database, Unread::whole) +
-               "\nPut that right, or restore it from a copy, and start again. Nothing was changed";
+               "\nPut that right, or restore it from a copy, and " + inspectAgain + ". Nothing was changed";
     if (takesunread(problem))
         return "The file '" + problem.facts().subject(problem) +
-               "' could not be read, so it can't be known whether it is damaged. Put that right and start "
-               "again, or delete "
-               "it yourself if it is not needed. Nothing was changed";
+               "' could not be read, so it can't be known whether it is damaged. Put that right and " +
+               inspectAgain + ", or delete it yourself if it is not needed. Nothing was changed";
     return {};
 }
 

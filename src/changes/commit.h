@@ -37,6 +37,8 @@ public:
 
     std::string closed; // why nothing may be changed in this run; empty: it may
     const std::string& undopath() const { return writer_.path(); } // empty while there is no file
+    std::uint32_t groups() const { return writer_.group(); }       // that are in it
+    const CommitOptions& options() const { return options_; }
 
 private:
     bool refuse(const std::string& why) const;

@@ -60,6 +60,25 @@ UndoListEntry entryOf(Tree& place, const std::string& name) {
 
 } // namespace
 
+std::string timetext(std::int64_t seconds) {
+    const std::time_t time = seconds;
+    std::tm parts = {};
+    char text[40] = {};
+    if (localtime_r(&time, &parts) != nullptr)
+        std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &parts);
+    return text;
+}
+
+std::string UndoListEntry::state() const {
+    std::string text = header.isrestore == 1 ? "a restore" : "";
+    const auto add = [&](const char* more) { text += std::string(text.empty() ? "" : "; ") + more; };
+    if (header.restoredfrom != UndoHeader::never)
+        add(header.restoredfrom == 1 ? "restored" : "restored in part");
+    if (header.isopen())
+        add("interrupted, or at work");
+    return text;
+}
+
 std::string undodirectory() {
     const char* state = std::getenv("XDG_STATE_HOME");
     if (state != nullptr && *state == '/')

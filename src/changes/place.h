@@ -28,7 +28,12 @@ struct UndoListEntry {
     std::int64_t maygo = 0; // from when on it may be removed; the last ten of a database stay
     UndoHeader header;
     std::string damage; // why it can't be used; all but path and size are unknown then
+
+    // In words: "5 keys changed, 2 files deleted", and "restored", "a restore", "interrupted", or empty.
+    std::string what() const { return summaryof(header.keys, header.deletions, header.makings); }
+    std::string state() const;
 };
+std::string timetext(std::int64_t seconds); // since 1970, as the clock here tells it: 2026-11-25 21:40:08
 
 // Those of the user, the oldest first; with a directory, those about the database there.
 std::vector<UndoListEntry> listundofiles(const std::string& directory = "");

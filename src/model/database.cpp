@@ -149,6 +149,26 @@ void TSXdatabase::forgettold(std::string_view fullpath) {
                   [&](const Unread& thing) { return thing.weight == Unread::told && thing.name == name; });
 }
 
+std::vector<std::string> TSXdatabase::changedsince() const {
+    std::vector<std::string> all;
+    for (const auto& list : lists)
+        std::ranges::move(list->changedsince(), std::back_inserter(all));
+    return all;
+}
+
+void TSXdatabase::reread() {
+    if (tree->begin())
+        return; // the analysis tells
+    std::erase_if(unread, [](const Unread& thing) { return thing.record != Unread::type; });
+    unreadnames.clear();
+    outsidelinks.clear();
+    for (const Unread& thing : unread)
+        unreadnames.insert(thing.name);
+    for (const auto& list : lists)
+        list->reread();
+    keyschanged();
+}
+
 void TSXdatabase::forgetlooks() {
     std::erase_if(unread, [&](const Unread& thing) {
         if (!thing.lasting) {

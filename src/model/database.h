@@ -69,6 +69,12 @@ public:
     void load(const char* directorytext);
     // The first half of that: makes the lists, which read the files.
     void readlists(const char* directorytext);
+    // What another program has done to the data files since they were read, as it stands since the last begin
+    // of the tree: a text for each.
+    std::vector<std::string> changedsince() const;
+    // Reads those anew, and what could not be read before; keys in other files that are not saved stay. An
+    // analysis has to follow, before which no key entry may be used.
+    void reread();
     // The index of the type of that name, ignoring case, in that class, made if missing. With 200 types
     // there, the last.
     int addexptype(int fileclass, std::string_view name);
@@ -175,6 +181,8 @@ public:
 
     // Called, where set, behind each data file that load has read.
     std::function<void(const TSXdatafile&)> fileread;
+    // The same before a record gets that key in memory.
+    std::function<void(const TSXdatafile&, int record, std::string_view key)> keychanging;
     // The same while analyse judges the keys, with a percentage.
     std::function<void(int)> judged;
 

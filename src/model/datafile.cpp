@@ -31,6 +31,8 @@ void TSXdatafile::setkey(int i, const char* text) {
         return;
     }
     const auto record = static_cast<std::size_t>(i);
+    if (database.keychanging)
+        database.keychanging(*this, i, text);
     database.keyschanged();
     keysondisk.resize(keys.size());
     if (keydirty[record] != 1)

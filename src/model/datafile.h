@@ -63,7 +63,8 @@ public:
     // lies in the database.
     bool ischangeable(int i) const;
     std::string whyleft(int i) const; // of a record that was read: why it may not
-    // Puts the whole file on the list of what is unread, with that error number.
+    void noteunreadrecords();         // puts each record that could not be read on the list of what is unread
+    // Puts the whole file there, with that error number.
     void noteunread(std::uint32_t number);
 
     TSXdatabase& database;
@@ -97,7 +98,6 @@ private:
     // A key or a type, which stays until the next operation on the file; "???" where it is not good.
     static Reading readtext(TSXbinfile& file, std::string_view& text);
     std::int32_t readtype(TSXbinfile& file, Reading& reading);
-    void noteunreadrecords();
     Failure whyclosed() const; // that keeps a file on disk from being written
 
     const FileClass& format;

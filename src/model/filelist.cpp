@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "files/finder.h"
 #include "model/database.h"
@@ -14,6 +15,10 @@
 TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass)
     : database(owner), classid(fileclass), format(fileclasses[fileclass]), files(1),
       pattern(pathof(std::string("*.") + format.extension)) {
+    search();
+}
+
+void TSXfilelist::search() {
     logLine(Text<800>().format("*** Scanning %s files at %s ***", format.scanlabel, pattern.c_str()));
     database.notetwins(format.directory, Unread::whole);
     TSXfinder finder(*database.tree);
@@ -30,6 +35,35 @@ TSXfilelist::TSXfilelist(TSXdatabase& owner, int fileclass)
 }
 
 TSXfilelist::~TSXfilelist() = default;
+
+void TSXfilelist::reread() {
+    for (auto& file : std::exchange(files, std::vector<std::unique_ptr<TSXdatafile>>(1)))
+        if (file != nullptr)
+            earlier[file->name.c_str() + (std::string(".") + format.extension)] = std::move(file);
+    count = 0;
+    lowestnumber = 1;
+    names.clear();
+    listing.clear();
+    listed.clear();
+    passedover.clear();
+    waiting.clear();
+    search();
+    for (auto& [name, file] : earlier)
+        if (file != nullptr && file->onread == FileState() && file->entryname.empty())
+            addfile(std::move(file), files.size());
+    earlier.clear();
+}
+
+std::unique_ptr<TSXdatafile> TSXfilelist::unchanged(const std::string& name) {
+    const auto found = earlier.find(name);
+    Entry entry;
+    if (found == earlier.end() || found->second->unread || found->second->onread == FileState() ||
+        database.tree->look(database.tree->below(found->second->path.view()), Links::followed, entry) ||
+        !entry.file.isUnchanged(found->second->onread))
+        return nullptr;
+    found->second->noteunreadrecords();
+    return std::move(found->second);
+}
 
 std::string TSXfilelist::pathof(const std::string& name) const {
     return std::string(database.directory) + "/" + format.directory + "/" + name;
@@ -56,7 +90,9 @@ void TSXfilelist::take(const TSXfinder& match) {
     }
     const std::string basename = name.substr(0, name.size() - std::strlen(format.extension) - 1);
     scanning = true;
-    auto file = std::make_unique<TSXdatafile>(database, *this, basename.c_str(), classid);
+    auto file = unchanged(name);
+    if (file == nullptr)
+        file = std::make_unique<TSXdatafile>(database, *this, basename.c_str(), classid);
     scanning = false;
     file->entryname = name;
     file->outside = !match.entryoutside.empty();

@@ -41,6 +41,9 @@ public:
     // listed, a text for each.
     std::vector<std::string> changedsince() const;
     void notemade(const std::string& name); // a file that was made is no other program's
+    // Searches the directory anew and reads what has changed since it was read, or could not be read. Other
+    // files keep what they have in memory, those that are not on the disk yet their place at the end.
+    void reread();
 
     TSXdatabase& database;
     const int classid;
@@ -52,7 +55,9 @@ public:
     bool scanning = false; // the files that are made just now are those that a search has found
 
 private:
+    void search();
     void take(const TSXfinder& match);
+    std::unique_ptr<TSXdatafile> unchanged(const std::string& name);
     void addfile(std::unique_ptr<TSXdatafile> file, std::size_t position);
     bool issecondname(const TSXfinder& match);
     void notepassedover(const TSXfinder& search);
@@ -66,4 +71,5 @@ private:
     std::map<FileIdentity, std::string> listed;         // the name under which each file is read
     std::multimap<std::string, std::string> passedover; // by the name that is read in their place
     std::set<std::string> waiting;                      // passed over for what has left the list
+    std::map<std::string, std::unique_ptr<TSXdatafile>> earlier; // by name, while the list is read anew
 };

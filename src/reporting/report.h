@@ -10,6 +10,9 @@
 
 using ReportOperation = std::function<int(const char* text, const char* title, std::uint32_t flags)>;
 
+// What a text says at its end where the disk is to be looked at anew.
+constexpr const char* inspectAgain = "inspect the database again (in the window: \"Rebuild database\")";
+
 // Sets how reports are shown. Until then they go to standard error, and questions are answered with No.
 void setReport(ReportOperation operation);
 

@@ -11,6 +11,7 @@ constexpr MenuEntry mainEntries[] = {
     {"File", "Save changes to disk", saveCommand},
     {"File", "Exit", exitCommand},
     {"Edit", "Database entry...", editCommand},
+    {"Edit", "Undo", undoCommand},
 };
 
 constexpr MenuEntry entryEntries[] = {

@@ -17,6 +17,7 @@ enum MenuCommand : unsigned {
     rebuildCommand = 102,
     showAllCommand = 103,
     editCommand = 201, // the entry, or its key
+    undoCommand = 202,
     exitCommand = 999,
 };
 

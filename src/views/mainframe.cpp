@@ -3,13 +3,16 @@
 #include <algorithm>
 #include <string>
 
+#include "analysis/sessionundo.h"
 #include "model/database.h"
 #include "model/datafile.h"
 #include "model/problem.h"
+#include "platform/system/letters.h"
 #include "platform/window/dc.h"
 #include "platform/window/msgbox.h"
 #include "platform/window/statusbarctrl.h"
 #include "reporting/log.h"
+#include "reporting/report.h"
 #include "resources/resources.h"
 #include "views/current.h"
 #include "views/entriespane.h"
@@ -64,14 +67,6 @@ void drawGrooves(CDC& dc, int right, int bottom) {
     dc.SelectStockObject(BLACK_PEN);
 }
 
-int changedFiles(const TSXdatabase& model) {
-    int count = 0;
-    for (const auto& list : model.lists)
-        for (std::size_t i = 1; i < list->files.size(); ++i)
-            count += list->files[i]->anydirty();
-    return count;
-}
-
 int unsavedKeys(const TSXdatabase& model) {
     std::ptrdiff_t count = 0;
     for (const auto& list : model.lists)
@@ -97,6 +92,11 @@ std::string workDone(const TSXdatabase& model, std::size_t firstChange, int unsa
         return "Made a directory";
     const int keys = unsavedKeys(model) - unsavedBefore;
     return keys > 0 ? "Changed " + counted(keys, "key", "") : "";
+}
+
+std::string withSmallLetter(std::string text) {
+    text[0] = static_cast<char>(smallLetter(text[0]));
+    return text;
 }
 
 std::string namedUnread(const TSXdatabase& model) {
@@ -135,6 +135,7 @@ void TSXmainframe::frameCreated() {
          std::initializer_list<TSXrowpane*>{problemPane.get(), typesPane.get(), entriesPane.get()})
         pane->SetTabStop();
     updateScrollRanges();
+    undo = std::make_unique<SessionUndo>(*database);
     say("");
 }
 
@@ -178,9 +179,11 @@ void TSXmainframe::frameCommand(std::uint32_t id) {
     case showAllCommand:
         showAllEntries();
         break;
-    case rebuildCommand:
-        said.clear();
-        rebuildDatabase();
+    case MenuCommand::rebuildCommand:
+        rebuildCommand();
+        break;
+    case MenuCommand::undoCommand:
+        undoCommand();
         break;
     case saveCommand:
         save();
@@ -206,10 +209,40 @@ int TSXmainframe::canClose() {
 }
 
 bool TSXmainframe::save() {
-    database->saveall();
-    unsavedFiles = changedFiles(*database);
-    say(unsavedFiles == 0 ? "Saved" : "");
-    return unsavedFiles == 0;
+    const int before = unsavedKeys(*database);
+    const bool saved = database->saveall() == 1;
+    undo->noteStep("saved " + counted(before - unsavedKeys(*database), "key", ""));
+    say(saved ? "Saved" : "");
+    return saved;
+}
+
+void TSXmainframe::rebuildCommand() {
+    SetCursor(IDC_WAIT);
+    const bool readable = !database->tree->begin(); // else the analysis tells
+    const std::vector<std::string> changed = readable ? database->changedsince() : std::vector<std::string>();
+    const bool wanted =
+        changed.empty() || database->ismodified() == 0 ||
+        askall(changed, "Read these files anew? Keys in them that are not saved are lost then.");
+    said = !changed.empty() && wanted ? "Read anew what has changed" : "";
+    if (wanted && (!changed.empty() || database->unreadcount() > 0)) {
+        closeEntryWindows(); // each shows a key of the index
+        database->reread();
+    }
+    rebuildDatabase();
+    SetCursor(IDC_ARROW);
+}
+
+void TSXmainframe::undoCommand() {
+    const std::string step = undo->next();
+    if (step.empty()) {
+        say("Nothing is left to undo");
+        return MessageBeep();
+    }
+    SetCursor(IDC_WAIT);
+    closeEntryWindows();
+    said = (undo->takeBack() ? "Undone: " : "Not undone: ") + step;
+    rebuildDatabase();
+    SetCursor(IDC_ARROW);
 }
 
 // What the person should know although no message box says it, or says it any more.
@@ -227,8 +260,8 @@ void TSXmainframe::say(const std::string& text) {
                                    : "Nothing is wrong");
     add(namedUnread(*database));
     add(counted(static_cast<int>(database->unread.size()) - unread, "thing", " left out (see TXLOG.TXT)"));
-    add(counted(unsavedFiles, "file", " not saved"));
     add(counted(lostLogLines(), "line", " missing in TXLOG.TXT, which could not be written"));
+    SetMenuText(MenuCommand::undoCommand, undo->next().empty() ? "Undo" : "Undo: " + undo->next());
     statusBar->SetText(line.c_str());
     statusBar->UpdateWindow();
 }
@@ -268,7 +301,11 @@ void TSXmainframe::solve(const TSXproblem& problem, int number) {
     const int unsaved = unsavedKeys(*database);
     const bool solved = problem.solve(number) == 1;
     const std::string done = workDone(*database, changes, unsaved);
+    undo->noteStep(withSmallLetter(done.empty() ? label : done));
     said = done.empty() ? label + (solved ? ": done" : ": not done") : done;
+    if (database->changes.size() > changes && !undo->next().empty())
+        said +=
+            "; Undo takes " + std::string(database->changes.size() > changes + 1 ? "them" : "it") + " back";
     if (solved || database->changes.size() > changes) // some of the files may have gone all the same
         rebuildDatabase();
     else
@@ -280,7 +317,6 @@ void TSXmainframe::solve(const TSXproblem& problem, int number) {
 void TSXmainframe::rebuildDatabase() {
     closeEntryWindows(); // each shows a key of the index, which the analysis makes anew
     database->analyse();
-    unsavedFiles = std::min(unsavedFiles, changedFiles(*database)); // a solution may have deleted one
     updateScrollRanges();
     say(said);
     InvalidateRect(true);
@@ -328,5 +364,6 @@ void TSXmainframe::changeKey(TSXkeyentry& entry, int type, int n, const char* te
             window->refreshEntry();
     entriesPane->updateScrollRange();
     entriesPane->InvalidateRect(false);
+    undo->noteStep("changed 1 key");
     say("");
 }

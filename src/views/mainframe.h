@@ -10,6 +10,7 @@
 
 #include "toolkit/frame.h"
 
+class SessionUndo;
 class TSXentriespane;
 class TSXentryframe;
 class TSXkeyentry;
@@ -57,6 +58,8 @@ public:
     void (*keepPlaces)(const WindowPlaces&) = nullptr; // called at the end of this object
 
 private:
+    void rebuildCommand();
+    void undoCommand();
     void updateScrollRanges();
     void showAllEntries();
     bool save();                       // false when something is left unsaved, which has been reported
@@ -65,6 +68,6 @@ private:
     void solve(const TSXproblem& problem, int number);
     void closeEntryWindows();
 
-    std::int32_t unsavedFiles = 0; // that the last save left with a change
+    std::unique_ptr<SessionUndo> undo; // from the creation of the window on
     std::string said;
 };

@@ -427,7 +427,32 @@ def waiting(display, work):
     Tool(display, place.name).leave()
 
 
-SCENARIOS = (starting, solving, keys, strays, waiting)
+def undoing(display, work):
+    """A file that was deleted comes back by the menu, and after the end of the session from the start-up program."""
+    place = Place(display, work, "--damage", "corrupt-files,side-files")
+    before = contents(place.database)
+    tool = place.inspect()
+    tool.solve_first()
+    wait("the first file to go", lambda: contents(place.database) != before)
+    display.menu(tool.main, 60, 2)
+    wait("it to come back", lambda: contents(place.database) == before)
+    tool.solve_first()
+    wait("it to go again", lambda: contents(place.database) != before)
+    display.close_window(tool.main)
+    start = display.window(START_TITLE)
+    display.xdotool("windowactivate", "--sync", start)
+    display.key("alt+c")
+    changes = display.window("Changes of " + place.name)
+    display.key("Down", "alt+r")  # the first is what the menu has taken back
+    wait("a question", lambda: len(display.windows("Changes of ")) == 2)
+    display.key("alt+y")
+    wait("the file to come back later", lambda: contents(place.database) == before)
+    display.close_window(changes)
+    display.close_window(start)
+    display.gone(START_TITLE)
+
+
+SCENARIOS = (starting, solving, keys, strays, waiting, undoing)
 
 
 def main():

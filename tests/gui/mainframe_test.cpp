@@ -65,7 +65,7 @@ TEST_F(DesktopTest, WhatWasNotReadOrNotSavedIsToldAndKeepsTheWindowOpen) {
     diskFaultHook = [](DiskOperation) { return true; };
     EXPECT_EQ(main->canClose(), 0);
     EXPECT_EQ(::database->ismodified(), 1);
-    EXPECT_EQ(status(), "2 keys not saved; 8 problems; 1 file not saved");
+    EXPECT_EQ(status(), "2 keys not saved; 8 problems");
     EXPECT_GE(reports.size(), 2U) << "the failure is told beside the question";
     diskFaultHook = nullptr;
     const auto shown = [this] { return outerWidget(*main->statusBar)->grab().toImage(); };
@@ -74,17 +74,68 @@ TEST_F(DesktopTest, WhatWasNotReadOrNotSavedIsToldAndKeepsTheWindowOpen) {
     EXPECT_EQ(status(), "Saved; 8 problems");
     EXPECT_NE(shown(), before) << "the line is not painted anew";
     logEnabled = 1; // of a log that was not begun
-    ::database->addunread({"seq/X.DEF", "no reason", Unread::whole});
-    ::database->addunread({"seq/Y.DEF", "the same as X", Unread::told});
+    std::filesystem::create_symlink("nowhere", root / "seq/X.DEF");
+    std::filesystem::create_hard_link(root / "seq/EMPTY.DEF", root / "seq/Y.DEF");
     command(102);
-    EXPECT_TRUE(
-        status().startsWith("7 problems; Could not be read: seq/X.DEF; 1 thing left out (see TXLOG.TXT); "));
+    EXPECT_TRUE(status().startsWith("Read anew what has changed; 8 problems; Could not be read: seq/X.DEF; "
+                                    "1 thing left out (see TXLOG.TXT); "))
+        << status().toStdString();
     select(duplicatekeys);
     command(renameduplicatescommand);
     EXPECT_NE(reports.back().find("seq/X.DEF"), std::string::npos) << reports.back();
     EXPECT_TRUE(status().startsWith("Rename all duplicate keys: not done; ")) << status().toStdString();
     EXPECT_EQ(::database->ismodified(), 0);
     endLog();
+}
+
+TEST_F(DesktopTest, UndoTakesBackWhatWasDoneTheLastFirst) {
+    setenv("XDG_STATE_HOME", home.path().c_str(), 1);
+    ::database->committer = std::make_unique<Committer>(::database->tree, CommitOptions{});
+    const auto choose = [&](int kind, std::uint32_t solution) {
+        select(kind);
+        command(solution);
+    };
+    const auto bytes = [&] { return readFile(root / "DBASE/DBSF001.DBS"); };
+    const auto status = [&] { return outerWidget(*main->statusBar)->accessibleName().toStdString(); };
+    const std::string before = bytes();
+    choose(emptyfiles, removeemptyfilescommand);
+    EXPECT_EQ(status().find("Deleted 1 file; Undo takes it back; 7 problems"), 0U) << status();
+    choose(duplicatekeys, renameduplicatescommand);
+    command(101);
+    EXPECT_NE(bytes(), before);
+    choose(blankkeys, createkeyscommand);
+    choose(orphankeys, adddatabaseentriescommand);
+    const std::string saved = bytes();
+    for (const char* step : {"changed 1 key", "changed 2 keys", "saved 1 key", "deleted 1 file"}) {
+        EXPECT_EQ(::database->ismodified(), *step == 'c') << step;
+        EXPECT_EQ(bytes() == before, *step == 'd') << step;
+        EXPECT_FALSE(std::filesystem::exists(root / "seq/EMPTY.DEF"));
+        command(202);
+        EXPECT_EQ(status().find("Undone: " + std::string(step)), 0U) << status();
+    }
+    EXPECT_TRUE(std::filesystem::exists(root / "seq/EMPTY.DEF"));
+    EXPECT_EQ(::database->problemcount, 8);
+    command(202);
+    EXPECT_EQ(beeps, 1);
+    unsetenv("XDG_STATE_HOME");
+}
+
+TEST_F(DesktopTest, ARebuildReadsWhatAnotherProgramHasChanged) {
+    ::database->createkeys();
+    put(2, "TRAITS", dataFile(2, "Traits", {"Zeta", "Eta"}));
+    put(3, "NEW", dataFile(3, "News", {"Theta"}));
+    std::filesystem::remove(root / "matrix/BAD.DEF");
+    answer = IDNO;
+    command(102);
+    EXPECT_EQ(reports.size(), 1U);
+    EXPECT_EQ(::database->keytree.find("Zeta"), nullptr) << "read against the answer";
+    answer = IDYES;
+    command(102);
+    EXPECT_TRUE(::database->keytree.find("Zeta") && ::database->keytree.find("Theta"));
+    EXPECT_EQ(::database->lists[4]->count, 0);
+    EXPECT_EQ(::database->ismodified(), 1) << "keys of another file were lost";
+    command(101);
+    EXPECT_EQ(::database->ismodified(), 0) << "a save finds something in its way";
 }
 
 TEST_F(DesktopTest, AKeyHasOneWindowAndThereAreFiftyAtMost) {

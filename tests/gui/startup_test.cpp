@@ -109,17 +109,18 @@ TEST_F(StartTest, TheStartWindowOffersWhatCanBeDone) {
         "Home directory:\nnone chosen yet\n&Home directory... *\n"
         "Choose the home directory first. It holds a small file with the settings of each database, and "
         "the log; it is no database itself. An empty directory will do.\n"
-        "&Add... -\n&Directory... -\n&Remove -\n&Quit\n&Inspect -\n");
+        "&Add... -\n&Directory... -\n&Remove -\n&Changes... -\n&Quit\n&Inspect -\n");
     ASSERT_EQ(writeSettingsStore(settings), 1);
     const std::string top = "Home directory:\n" + home.path() + "\n&Home directory...\n";
-    EXPECT_EQ(textsOf(StartWindow()), top + "There is no database in the home directory yet. Add one.\n"
-                                            "&Add... *\n&Directory... -\n&Remove -\n&Quit\n&Inspect -\n");
+    EXPECT_EQ(textsOf(StartWindow()),
+              top + "There is no database in the home directory yet. Add one.\n"
+                    "&Add... *\n&Directory... -\n&Remove -\n&Changes... -\n&Quit\n&Inspect -\n");
     settings.currentDatabase = "A";
     ASSERT_EQ(writeDatabaseFile(settings), 1);
     settings.currentDatabase = "Strains";
     choose();
     const StartWindow window;
-    EXPECT_EQ(textsOf(window), top + "&Add...\n&Directory...\n&Remove\n&Quit\n&Inspect *\n");
+    EXPECT_EQ(textsOf(window), top + "&Add...\n&Directory...\n&Remove\n&Changes...\n&Quit\n&Inspect *\n");
     const auto& list = *window.findChild<QTreeWidget*>();
     EXPECT_EQ(list.currentItem()->text(0), "Strains");
     EXPECT_EQ(list.currentItem()->text(1).toStdString(), root.path());

@@ -6,6 +6,7 @@
 
 #include "platform/window/bitmap.h"
 #include "platform/window/dc.h"
+#include "platform/window/internal/conversion.h"
 #include "platform/window/internal/host.h"
 #include "platform/window/resources.h"
 
@@ -52,6 +53,14 @@ bool CFrameWnd::Create(const WindowClass& windowClass, const char* title, const 
     host_->resize(place.size());
     started();
     return host_ != nullptr;
+}
+
+void CFrameWnd::SetMenuText(std::uint32_t id, const std::string& text) {
+    if (host_ == nullptr)
+        return;
+    for (QAction* entry : host_->findChildren<QAction*>())
+        if (entry->data() == id)
+            entry->setText('&' + labelOf(text));
 }
 
 std::string CFrameWnd::GetWindowPlacement() const {

@@ -1,6 +1,7 @@
 // A top-level window with a title and a menu bar.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "platform/window/wnd.h"
@@ -12,6 +13,9 @@ public:
     // it. The menu is that resource; all its entries are enabled at all times. Otherwise as CWnd's Create.
     bool Create(const WindowClass& windowClass, const char* title, const RECT& rectangle, CWnd* parent,
                 int menuNumber);
+
+    // Another text for an entry of the menu; the key that chooses it is that of its first letter.
+    void SetMenuText(std::uint32_t id, const std::string& text);
 
     // Where the window stands, on which screen, how large, and whether it is maximized, as bytes to be kept;
     // and back, before the window is shown. Bytes that don't hold a place change nothing, a place on a screen

@@ -27,7 +27,13 @@ void CStatusBarCtrl::onPaint() {
     CPaintDC context(*this);
     context.SetBkMode(TRANSPARENT);
     context.SetTextColor(GetSysColor(COLOR_BTNTEXT));
-    context.TextOutA(4, 1, text.c_str());
+    const int room = GetClientRect().right - GetClientRect().bottom - 8; // to the left of the grip
+    std::string shown = text;
+    for (std::size_t end = text.size(); end > 0 && context.GetTextExtentPoint32A(shown.c_str()).cx > room;) {
+        end = cutBetweenCharacters(text, end - 1);
+        shown = text.substr(0, end) + "...";
+    }
+    context.TextOutA(4, 1, shown.c_str());
 }
 
 void CStatusBarCtrl::onSize(int /*type*/, int width, int height) {

@@ -167,8 +167,9 @@ void WindowHost::setMenu(const MenuResource& menu) {
             letters.clear();
         }
         title = entry.menu;
-        connect(column->addAction(withLetter(labelOf(entry.text), letters)), &QAction::triggered, this,
-                [this, id = entry.id] { postCommand(id); });
+        QAction* const action = column->addAction(withLetter(labelOf(entry.text), letters));
+        action->setData(entry.id);
+        connect(action, &QAction::triggered, this, [this, id = entry.id] { postCommand(id); });
     }
 }
 

@@ -1,0 +1,29 @@
+// The changes of a database that this user can take back, one row for each undo file, the newest first.
+#pragma once
+
+#include <QDialog>
+#include <string>
+
+class QPlainTextEdit;
+class QProcess;
+class QPushButton;
+class QTreeWidget;
+
+class ChangesWindow : public QDialog {
+public:
+    ChangesWindow(QWidget* parent, const std::string& database, std::string directory);
+
+private:
+    void fillList();
+    void updateButtons();
+    // Runs txcheck --restore with the selected undo file, and shows what it says.
+    void run(const QString& option);
+    void ended();
+    void restoreAll();
+
+    const std::string directory_;
+    QTreeWidget* list_;
+    QPlainTextEdit* text_;
+    QProcess* check_;
+    QPushButton *planButton_, *restoreButton_;
+};
