@@ -44,9 +44,6 @@ int TSXbuttonbar::buttonAt(int x, int y) const {
 
 // One row from the left, as high as the bar.
 void TSXbuttonbar::layOut() {
-    int width = 0;
-    int height = 0;
-    getClientSize(width, height);
     CClientDC dc(this);
     dc.SelectObject(getFont(plainFont));
     int left = margin;
@@ -57,7 +54,7 @@ void TSXbuttonbar::layOut() {
                                  dc.GetTextExtentPoint32A(at.label).cx + 14});
         at.x = left;
         at.y = margin;
-        at.height = std::max(height - 2 * margin - 1, 0);
+        at.height = std::max(GetClientRect().bottom - 2 * margin - 1, 0);
         left += at.width + 1 + margin;
     }
     dc.SelectStockObject(SYSTEM_FONT);

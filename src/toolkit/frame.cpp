@@ -20,10 +20,9 @@ int kindOf(unsigned flags) {
 TSXframe::TSXframe() = default;
 TSXframe::~TSXframe() = default;
 
-void TSXframe::getInnerSize(int& right, int& bottom) const {
+POINT TSXframe::getInnerSize() const {
     const RECT client = GetClientRect();
-    right = client.right - 1;
-    bottom = client.bottom - (hasStatusBar == 1 ? statusStrip : 1);
+    return {client.right - 1, client.bottom - (hasStatusBar == 1 ? statusStrip : 1)};
 }
 
 void TSXframe::onCreate() {
@@ -45,9 +44,7 @@ void TSXframe::onSize(int type, int width, int height) {
     frameSized(type, width, height);
     if (hasStatusBar != 1 || !statusBar)
         return;
-    int right = 0;
-    int bottom = 0;
-    getInnerSize(right, bottom);
+    const auto [right, bottom] = getInnerSize();
     statusBar->SetWindowPos(0, bottom + statusGap, right, statusHeight);
 }
 
@@ -65,9 +62,7 @@ void TSXframe::onPaint() {
 // Dark on the left and at the top, light on the right and above the status bar: the area looks sunken.
 void TSXframe::drawBorder(CDC& dc) const {
     const RECT client = GetClientRect();
-    int right = 0;
-    int bottom = 0;
-    getInnerSize(right, bottom);
+    const auto [right, bottom] = getInnerSize();
     dc.SelectObject(getPen(desktopShadowPen));
     drawLine(dc, {0, 0}, {0, client.bottom});
     drawLine(dc, {0, 0}, {client.right, 0});

@@ -18,7 +18,7 @@ public:
     ~TSXframe() override;
 
     // The right and the bottom limit of what panes can use, in client pixels.
-    void getInnerSize(int& right, int& bottom) const;
+    POINT getInnerSize() const;
 
     virtual void paintFrame(CDC& /*dc*/) {} // with a black pen; the border is drawn over it
     virtual void frameCreated() {}          // the window is there, not yet on show: time to make panes

@@ -6,12 +6,6 @@ void TSXpane::placeAt(int x, int y, int width, int height) {
     SetWindowPos(x, y, width, height);
 }
 
-void TSXpane::getClientSize(int& width, int& height) const {
-    const RECT client = GetClientRect();
-    width = client.right;
-    height = client.bottom;
-}
-
 void TSXpane::onCreate() {
     paneCreated();
 }

@@ -22,7 +22,6 @@ class TSXpane : public CWnd {
 public:
     // In client pixels of the parent; the pane comes to lie on top of its sisters.
     void placeAt(int x, int y, int width, int height);
-    void getClientSize(int& width, int& height) const;
 
     virtual void paneCreated() {}
     virtual void paneSized(int /*type*/, int /*width*/, int /*height*/) {} // SizeType, new client size

@@ -4,11 +4,36 @@
 #include <utility>
 
 #include "platform/window/windowdc.h"
-#include "toolkit/drawing.h"
 
 void TSXrowpane::paneCreated() {
     TSXscrollpane::paneCreated();
     SetRows(*this);
+}
+
+// Only what is in view, and a little beyond.
+void TSXrowpane::paintPane(CDC& dc) {
+    constexpr int margin = 3; // rows
+    const RECT client = GetClientRect();
+    const RECT paint = dc.GetClipBox();
+    const int first = std::max(rowAt(paint.top) - 1 - margin, 1);
+    const int last = std::min(rowAt(paint.bottom) - 1 + margin, rowCount());
+    dc.SetTextColor(RGB(0, 0, 0));
+    dc.SelectObject(getFont(plainFont));
+    dc.SetTextAlign(TA_LEFT | TA_TOP);
+    dc.SetBkMode(OPAQUE);
+    for (int row = first; row <= last; ++row)
+        paintRow(dc, row, rowPlace(row).top, client.right);
+    const int bottom = rowPlace(last).bottom;
+    if (first <= last)
+        dc.FillSolidRect(0, bottom, client.right, client.bottom - bottom, rowColour(false));
+}
+
+void TSXrowpane::paintCell(CDC& dc, int x, const RECT& cell, const char* text) {
+    dc.ExtTextOutA(x, cell.top + 2, cell, text);
+}
+
+void TSXrowpane::fillRow(CDC& dc, int left, int top, int width, COLORREF colour) {
+    dc.FillSolidRect(left, top, width - left, rowHeight, colour);
 }
 
 std::string TSXrowpane::wider(const std::string& text, int width) const {
@@ -17,11 +42,14 @@ std::string TSXrowpane::wider(const std::string& text, int width) const {
     return dc.GetTextExtentPoint32A(text.c_str()).cx > width ? text : std::string();
 }
 
-void TSXrowpane::updateRows() {
+void TSXrowpane::setRanges(int width, int height) {
+    const RECT client = GetClientRect();
+    hRange = width < client.right ? 0 : width / hStep;
+    vRange = height < client.bottom ? 0 : height / vStep;
     updateScrollBars();
-    const int rest = rowHeight * rowCount() - GetClientRect().bottom; // what doesn't fit into the pane
+    const int rest = rowHeight * rowCount() - client.bottom; // what doesn't fit into the pane
     const int lastPage = rest <= 0 ? 0 : (rest + vStep - 1) / vStep;
-    if (std::exchange(knownRows, rowCount()) > rowCount() && vPos > lastPage) {
+    if (std::exchange(knownRows_, rowCount()) > rowCount() && vPos > lastPage) {
         verticalScroll(SB_THUMBTRACK, lastPage);
         updateScrollBars();
     }

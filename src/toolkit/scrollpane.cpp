@@ -41,11 +41,8 @@ void TSXscrollpane::paneSized(int /*type*/, int /*width*/, int /*height*/) {
 }
 
 void TSXscrollpane::updateScrollBars() {
-    int width = 0;
-    int height = 0;
-    getClientSize(width, height);
-    updateScrollBar(SB_VERT, vRange, height / vStep);
-    updateScrollBar(SB_HORZ, hRange, width / hStep);
+    updateScrollBar(SB_VERT, vRange, GetClientRect().bottom / vStep);
+    updateScrollBar(SB_HORZ, hRange, GetClientRect().right / hStep);
 }
 
 void TSXscrollpane::updateScrollBar(ScrollBarKind bar, int range, int page) {

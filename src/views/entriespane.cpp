@@ -1,57 +1,35 @@
 #include "views/entriespane.h"
 
-#include <algorithm>
-
 #include "model/database.h"
 #include "model/exptype.h"
 #include "model/keyentry.h"
-#include "platform/window/dc.h"
 #include "views/current.h"
 #include "views/mainframe.h"
-#include "views/table.h"
 
 namespace {
 
 constexpr int keyWidth = 250;
 constexpr int countWidth = 25;
-constexpr int margin = 3; // rows painted beyond the paint rectangle
 
-void paintCount(CDC& dc, const RECT& cell, int count, bool marked) {
+} // namespace
+
+TSXentriespane::TSXentriespane(TSXmainframe& frame)
+    : TSXrowpane("Entries", frame.selectedKey), owner(frame) {}
+
+void TSXentriespane::updateScrollRange() { // one spare row, and one spare column
+    setRanges(keyWidth + countWidth * (database->lasttype + 2), rowHeight * (database->visiblecount + 1));
+}
+
+void TSXentriespane::paintCount(CDC& dc, const RECT& cell, int count, bool marked) {
     dc.SelectObject(getFont(marked ? boldFont : plainFont));
     if (marked)
         dc.SetTextColor(RGB(255, 0, 0));
     paintCell(dc, cell.right - 3, cell, count > 0 || marked ? Text<20>().format("%d", count).c_str() : ".");
 }
 
-} // namespace
-
-void TSXentriespane::updateScrollRange() {
-    int width = 0;
-    int height = 0;
-    getClientSize(width, height);
-    // One spare row, and one spare column.
-    vRange = scrollSteps(rowHeight * (database->visiblecount + 1), height, vStep);
-    hRange = scrollSteps(keyWidth + countWidth * (database->lasttype + 2), width, hStep);
-    updateRows();
-}
-
-void TSXentriespane::paintPane(CDC& dc) {
-    int width = 0;
-    int height = 0;
-    getClientSize(width, height);
-    beginTable(dc);
-    const RECT paint = dc.GetClipBox();
-    const int offset = vStep * vPos;
-    const int first = std::max((paint.top + offset) / rowHeight - margin, 1);
-    const int last = std::min((paint.bottom + offset) / rowHeight + margin, database->visiblecount);
-    for (int r = first; r <= last; ++r)
-        paintRow(dc, *database->getvisiblekey(r), r == owner.selectedKey, rowHeight * (r - 1) - offset,
-                 width);
-    if (first <= last)
-        fillBelow(dc, rowHeight * last - offset, width, height);
-}
-
-void TSXentriespane::paintRow(CDC& dc, const TSXkeyentry& key, bool selected, int top, int width) {
+void TSXentriespane::paintRow(CDC& dc, int row, int top, int width) {
+    const TSXkeyentry& key = *database->getvisiblekey(row);
+    const bool selected = row == owner.selectedKey;
     // Without a record a key stands in the index as a changed key leaves it behind.
     const bool bare = key.records().empty();
     const COLORREF textColour = bare ? RGB(128, 128, 128) : RGB(0, 0, 0);
@@ -73,8 +51,8 @@ void TSXentriespane::paintRow(CDC& dc, const TSXkeyentry& key, bool selected, in
 }
 
 void TSXentriespane::mouseDown(int kind, int /*x*/, int y) {
-    const int row = (y + vStep * vPos) / rowHeight + 1;
-    if (row >= 1 && row <= database->visiblecount) {
+    const int row = rowAt(y);
+    if (isRow(row)) {
         if (row != owner.selectedKey) {
             owner.selectedKey = row;
             InvalidateRect(false);
@@ -97,14 +75,6 @@ std::string TSXentriespane::rowText(int row) const {
             text += std::string(", ") + database->gettype(t)->name.c_str() + " " +
                     std::to_string(key.occurrences(t));
     return text;
-}
-
-int TSXentriespane::selectedRow() const {
-    return owner.selectedKey;
-}
-
-void TSXentriespane::selectRow(int row) {
-    owner.selectedKey = row;
 }
 
 void TSXentriespane::openRow() {

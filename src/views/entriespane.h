@@ -4,27 +4,23 @@
 
 #include "toolkit/rowpane.h"
 
-class TSXkeyentry;
 class TSXmainframe;
 
 class TSXentriespane : public TSXrowpane {
 public:
-    explicit TSXentriespane(TSXmainframe& frame) : owner(frame) {}
+    explicit TSXentriespane(TSXmainframe& frame);
 
     void updateScrollRange(); // after each change of the visible keys, the types or the pane's size
-    void paintPane(CDC& dc) override;
     void mouseDown(int kind, int x, int y) override;
 
-    std::string rowsName() const override { return "Entries"; }
     int rowCount() const override;
     std::string rowText(int row) const override;
     std::string cutText(int row, int x) const override;
-    int selectedRow() const override;
-    void selectRow(int row) override;
     void openRow() override; // its entry window
 
     TSXmainframe& owner;
 
 private:
-    void paintRow(CDC& dc, const TSXkeyentry& key, bool selected, int top, int width);
+    void paintRow(CDC& dc, int row, int top, int width) override;
+    static void paintCount(CDC& dc, const RECT& cell, int count, bool marked);
 };

@@ -12,9 +12,7 @@
 #include "resources/resources.h"
 #include "toolkit/promptdialog.h"
 #include "views/entrygridpane.h"
-#include "views/entrytypespane.h"
 #include "views/mainframe.h"
-#include "views/table.h"
 
 namespace {
 
@@ -54,9 +52,7 @@ void TSXentryframe::frameCreated() {
 }
 
 void TSXentryframe::frameSized(int /*type*/, int /*width*/, int /*height*/) {
-    int right = 0;
-    int bottom = 0;
-    getInnerSize(right, bottom);
+    const auto [right, bottom] = getInnerSize();
     typeNamesPane->placeAt(1, 1, namesWidth, bottom - 1);
     gridPane->placeAt(gridX, 1, right - gridX, bottom - 1);
     gridPane->setGridRange();
@@ -65,9 +61,7 @@ void TSXentryframe::frameSized(int /*type*/, int /*width*/, int /*height*/) {
 }
 
 void TSXentryframe::paintFrame(CDC& dc) {
-    int right = 0;
-    int bottom = 0;
-    getInnerSize(right, bottom);
+    const auto [right, bottom] = getInnerSize();
     dc.SelectStockObject(WHITE_PEN);
     drawLine(dc, {gridX - 2, 1}, {gridX - 2, bottom});
     dc.SelectObject(getPen(darkEdgePen));

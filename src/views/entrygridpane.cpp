@@ -6,16 +6,18 @@
 #include "model/datafile.h"
 #include "model/exptype.h"
 #include "model/keyentry.h"
-#include "platform/window/dc.h"
 #include "views/entryframe.h"
-#include "views/entrytypespane.h"
-#include "views/table.h"
 
 namespace {
 
 constexpr int cellWidth = 100;
+constexpr int nameX = 5;
+constexpr int nameRight = 120;
 
-}
+} // namespace
+
+TSXentrygridpane::TSXentrygridpane(TSXentryframe& frame)
+    : TSXrowpane("Records of the key", frame.selectedType), owner(frame) {}
 
 void TSXentrygridpane::setGridRange() {
     int most = 0; // records in a row
@@ -31,20 +33,8 @@ void TSXentrygridpane::paneCreated() {
     setGridRange();
 }
 
-void TSXentrygridpane::paintPane(CDC& dc) {
-    int width = 0;
-    int height = 0;
-    getClientSize(width, height);
-    beginTable(dc);
-    int top = -vStep * vPos;
-    for (int t = 0; t <= owner.database.lasttype; ++t) {
-        paintRow(dc, t, top, width);
-        top += rowHeight;
-    }
-    fillBelow(dc, top, width, height);
-}
-
-void TSXentrygridpane::paintRow(CDC& dc, int type, int top, int width) {
+void TSXentrygridpane::paintRow(CDC& dc, int row, int top, int width) {
+    const int type = row - 1;
     const COLORREF colour = rowColour(type == owner.selectedType);
     const int count = owner.key.occurrences(type);
     const int before = std::min(hStep * hPos / cellWidth, count); // cells to the left of the pane
@@ -73,7 +63,7 @@ void TSXentrygridpane::paintOccurrence(CDC& dc, int type, int n, const RECT& cel
 }
 
 void TSXentrygridpane::mouseDown(int /*kind*/, int x, int y) {
-    const int type = (y + vStep * vPos) / rowHeight;
+    const int type = rowAt(y) - 1;
     if (type <= owner.database.lasttype) {
         if (type != owner.selectedType) {
             owner.selectedType = type;
@@ -109,10 +99,6 @@ std::string TSXentrygridpane::rowText(int row) const {
     return text;
 }
 
-int TSXentrygridpane::selectedRow() const {
-    return owner.selectedType + 1;
-}
-
 void TSXentrygridpane::selectRow(int row) {
     owner.selectedType = row - 1;
     owner.limitSelection();
@@ -137,4 +123,27 @@ void TSXentrygridpane::onKeyDown(std::uint32_t key, std::uint32_t repeat, std::u
 std::string TSXentrygridpane::cutText(int row, int x) const {
     const int n = (x + hStep * hPos) / cellWidth + 1;
     return n <= owner.key.occurrences(row - 1) ? wider(cellText(row - 1, n), cellWidth - 5) : std::string();
+}
+
+TSXentrytypespane::TSXentrytypespane(TSXentryframe& frame) : TSXrowpane("Data types", none), owner(frame) {
+    hRange = 0;
+    vRange = 0;
+}
+
+void TSXentrytypespane::paintRow(CDC& dc, int row, int top, int width) {
+    dc.SetBkColor(rowColour(false));
+    paintCell(dc, nameX, {0, top, nameRight, top + rowHeight}, owner.database.gettype(row - 1)->name);
+    fillRow(dc, nameRight, top, width, rowColour(false));
+}
+
+int TSXentrytypespane::rowCount() const {
+    return owner.database.lasttype + 1;
+}
+
+std::string TSXentrytypespane::rowText(int row) const {
+    return owner.database.gettype(row - 1)->name.c_str();
+}
+
+std::string TSXentrytypespane::cutText(int row, int /*x*/) const {
+    return wider(rowText(row), nameRight - nameX);
 }

@@ -8,20 +8,18 @@ class TSXentryframe;
 
 class TSXentrygridpane : public TSXrowpane {
 public:
-    explicit TSXentrygridpane(TSXentryframe& frame) : owner(frame) {}
+    explicit TSXentrygridpane(TSXentryframe& frame);
 
     void setGridRange(); // 100 steps each way, or as many as the key needs
 
     void paneCreated() override;
-    void paintPane(CDC& dc) override;
     void mouseDown(int kind, int x, int y) override;
     void afterVerticalScroll(int newPosition, int oldPosition) override; // moves the names too
 
-    std::string rowsName() const override { return "Records of the key"; }
     int rowCount() const override;
     std::string rowText(int row) const override;
     std::string cutText(int row, int x) const override;
-    int selectedRow() const override;
+    int selectedRow() const override { return TSXrowpane::selectedRow() + 1; } // types count from 0
     void selectRow(int row) override;
     void openRow() override; // gives the selected record another key
     void onKeyDown(std::uint32_t key, std::uint32_t repeat, std::uint32_t flags) override;
@@ -29,7 +27,25 @@ public:
     TSXentryframe& owner;
 
 private:
-    void paintRow(CDC& dc, int type, int top, int width);
+    void paintRow(CDC& dc, int row, int top, int width) override;
     std::string cellText(int type, int n) const;
     void paintOccurrence(CDC& dc, int type, int n, const RECT& cell);
+};
+
+// The names of the experiment types beside the grid. The grid scrolls it and sets its vPos, while its own bar
+// stays at 0; it does not react to the mouse.
+class TSXentrytypespane : public TSXrowpane {
+public:
+    explicit TSXentrytypespane(TSXentryframe& frame);
+
+    int rowCount() const override;
+    std::string rowText(int row) const override;
+    std::string cutText(int row, int x) const override;
+
+    TSXentryframe& owner;
+
+private:
+    void paintRow(CDC& dc, int row, int top, int width) override;
+
+    std::int32_t none = 0; // no row is selected
 };

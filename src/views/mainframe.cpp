@@ -18,8 +18,11 @@
 #include "views/entriespane.h"
 #include "views/entryframe.h"
 #include "views/problempane.h"
-#include "views/table.h"
 #include "views/typespane.h"
+
+std::unique_ptr<TSXdatabase> database;
+Text<2000> currentDatabase;
+TSXmainframe* mainFrame = nullptr;
 
 namespace {
 
@@ -146,9 +149,7 @@ void TSXmainframe::updateScrollRanges() {
 }
 
 void TSXmainframe::frameSized(int /*type*/, int /*width*/, int /*height*/) {
-    int right = 0;
-    int bottom = 0;
-    getInnerSize(right, bottom);
+    const auto [right, bottom] = getInnerSize();
     constexpr int lower = middleEdge + headingsHeight;
     problemPane->placeAt(1, topEdge, right - 1, middleEdge - topEdge - 5);
     typesPane->placeAt(1, lower, columnEdge - 6, bottom - lower);
@@ -158,9 +159,7 @@ void TSXmainframe::frameSized(int /*type*/, int /*width*/, int /*height*/) {
 }
 
 void TSXmainframe::paintFrame(CDC& dc) {
-    int right = 0;
-    int bottom = 0;
-    getInnerSize(right, bottom);
+    const auto [right, bottom] = getInnerSize();
     drawEdge(dc, topEdge - 2, right);
     drawEdge(dc, middleEdge + headingsHeight - 2, right);
     drawGrooves(dc, right, bottom);

@@ -9,7 +9,6 @@
 #include "platform/window/windowdc.h"
 #include "views/current.h"
 #include "views/mainframe.h"
-#include "views/table.h"
 
 namespace {
 
@@ -34,17 +33,11 @@ void paintSolveButton(CDC& dc, int x, int rowTop, bool pressed) {
 
 } // namespace
 
-int TSXproblempane::rowTop(int row) const {
-    return rowHeight * row - vStep * vPos - rowHeight;
-}
+TSXproblempane::TSXproblempane(TSXmainframe& frame)
+    : TSXrowpane("Problem list", frame.selectedProblem), owner(frame) {}
 
 void TSXproblempane::updateScrollRange() {
-    int width = 0;
-    int height = 0;
-    getClientSize(width, height);
-    hRange = 0;
-    vRange = scrollSteps(rowHeight * database->problemcount, height, vStep);
-    updateRows();
+    setRanges(0, rowHeight * database->problemcount);
 }
 
 void TSXproblempane::placeButtons(CDC& dc, int width) {
@@ -57,25 +50,21 @@ void TSXproblempane::placeButtons(CDC& dc, int width) {
 }
 
 void TSXproblempane::paintPane(CDC& dc) {
-    int width = 0;
-    int height = 0;
-    getClientSize(width, height);
-    beginTable(dc);
-    placeButtons(dc, width);
-    for (int r = 1; r <= database->problemcount; ++r) {
-        const int top = rowTop(r);
-        dc.SetBkColor(rowColour(r == owner.selectedProblem));
-        dc.SetTextColor(RGB(0, 0, 0));
-        paintCell(dc, messageX, {0, top, width, top + rowHeight}, database->getproblem(r)->message.c_str());
-        paintSolveButton(dc, solveX, top, false);
-    }
-    if (database->problemcount > 0)
-        fillBelow(dc, rowTop(database->problemcount + 1), width, height);
+    dc.SelectObject(getFont(plainFont));
+    placeButtons(dc, GetClientRect().right);
+    TSXrowpane::paintPane(dc);
+}
+
+void TSXproblempane::paintRow(CDC& dc, int row, int top, int width) {
+    dc.SetBkColor(rowColour(row == owner.selectedProblem));
+    dc.SetTextColor(RGB(0, 0, 0));
+    paintCell(dc, messageX, {0, top, width, top + rowHeight}, database->getproblem(row)->message.c_str());
+    paintSolveButton(dc, solveX, top, false);
 }
 
 void TSXproblempane::mouseDown(int kind, int x, int y) {
-    const int row = (y + vStep * vPos) / rowHeight + 1;
-    const bool onRow = row >= 1 && row <= database->problemcount;
+    const int row = rowAt(y);
+    const bool onRow = isRow(row);
     if (onRow) {
         selectRow(row);
         InvalidateRect(false);
@@ -91,7 +80,7 @@ void TSXproblempane::openMenu(int row) {
     for (int i = 1; i <= problem.solutioncount(); ++i)
         menu.AppendMenuA(static_cast<std::uint32_t>(problem.solutioncommand(i)), problem.solutionlabel(i));
     const int left = solveX;
-    const int top = rowTop(row);
+    const int top = rowPlace(row).top;
     const POINT below = ClientToScreen({left, top + rowHeight - 1});
     CClientDC popupDC(this);
     paintSolveButton(popupDC, left, top, true);
@@ -109,10 +98,6 @@ int TSXproblempane::rowCount() const {
 
 std::string TSXproblempane::rowText(int row) const {
     return database->getproblem(row)->message.c_str();
-}
-
-int TSXproblempane::selectedRow() const {
-    return owner.selectedProblem;
 }
 
 void TSXproblempane::selectRow(int row) {

@@ -10,24 +10,22 @@ class TSXmainframe;
 
 class TSXproblempane : public TSXrowpane {
 public:
-    explicit TSXproblempane(TSXmainframe& frame) : owner(frame) {}
+    explicit TSXproblempane(TSXmainframe& frame);
 
     void updateScrollRange(); // after each change of the list or the pane's size
     void paintPane(CDC& dc) override;
     void mouseDown(int kind, int x, int y) override;
 
-    std::string rowsName() const override { return "Problem list"; }
     int rowCount() const override;
     std::string rowText(int row) const override;
     std::string cutText(int row, int x) const override;
-    int selectedRow() const override;
     void selectRow(int row) override;
     void openRow() override; // the menu of its solutions
 
     TSXmainframe& owner;
 
 private:
-    int rowTop(int row) const;
+    void paintRow(CDC& dc, int row, int top, int width) override;
     void placeButtons(CDC& dc, int width);
     void openMenu(int row);
 

@@ -2,10 +2,8 @@
 
 #include "model/database.h"
 #include "model/exptype.h"
-#include "platform/window/dc.h"
 #include "views/current.h"
 #include "views/mainframe.h"
-#include "views/table.h"
 
 namespace {
 
@@ -27,35 +25,17 @@ void paintTypeIcon(CDC& dc, int type, int classid, int top) {
     dc.FillSolidRect(19, top + 4, 2, 14, shadow);
 }
 
-void paintCount(CDC& dc, int left, int right, int top, int count) {
-    paintCell(dc, right - 5, {left, top, right, top + rowHeight}, Text<20>().format("%d", count));
-}
-
 } // namespace
 
 void TSXtypespane::updateScrollRange() {
-    int width = 0;
-    int height = 0;
-    getClientSize(width, height);
-    hRange = 0;
-    vRange = scrollSteps(rowHeight * (database->lasttype + 1), height, vStep);
-    updateRows();
+    setRanges(0, rowHeight * rowCount());
 }
 
-void TSXtypespane::paintPane(CDC& dc) {
-    int width = 0;
-    int height = 0;
-    getClientSize(width, height);
-    beginTable(dc);
-    int top = -vStep * vPos;
-    for (int i = 0; i <= database->lasttype; ++i) {
-        paintRow(dc, i, top, width);
-        top += rowHeight;
-    }
-    fillBelow(dc, top, width, height);
-}
-
-void TSXtypespane::paintRow(CDC& dc, int type, int top, int width) {
+void TSXtypespane::paintRow(CDC& dc, int row, int top, int width) {
+    const int type = row - 1;
+    const auto paintCount = [&](int left, int right, int count) {
+        paintCell(dc, right - 5, {left, top, right, top + rowHeight}, Text<20>().format("%d", count));
+    };
     const TSXexptype& shown = *database->gettype(type);
     const COLORREF colour = rowColour(type == owner.selectedType);
     dc.SetBkColor(colour);
@@ -64,8 +44,8 @@ void TSXtypespane::paintRow(CDC& dc, int type, int top, int width) {
     paintTypeIcon(dc, type, shown.classid, top);
     dc.SetBkColor(colour);
     dc.SetTextAlign(TA_RIGHT | TA_TOP);
-    paintCount(dc, nameRight, filesRight, top, shown.filecount);
-    paintCount(dc, filesRight, entriesRight, top, shown.entrycount);
+    paintCount(nameRight, filesRight, shown.filecount);
+    paintCount(filesRight, entriesRight, shown.entrycount);
     fillRow(dc, entriesRight, top, width, colour);
 }
 

@@ -8,21 +8,16 @@ class TSXmainframe;
 
 class TSXtypespane : public TSXrowpane {
 public:
-    explicit TSXtypespane(TSXmainframe& frame) : owner(frame) {}
+    explicit TSXtypespane(TSXmainframe& frame) : TSXrowpane("Data types", keyboardRow), owner(frame) {}
 
     void updateScrollRange(); // after each change of the types or the pane's size
-    void paintPane(CDC& dc) override;
-
-    std::string rowsName() const override { return "Data types"; }
     int rowCount() const override;
     std::string rowText(int row) const override;
     std::string cutText(int row, int x) const override;
-    int selectedRow() const override { return keyboardRow; }
-    void selectRow(int row) override { keyboardRow = row; }
 
     TSXmainframe& owner;
 
 private:
     std::int32_t keyboardRow = 1; // what is read; the row that is marked stays the first
-    void paintRow(CDC& dc, int type, int top, int width);
+    void paintRow(CDC& dc, int row, int top, int width) override;
 };

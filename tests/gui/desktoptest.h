@@ -9,7 +9,6 @@
 #include "views/entriespane.h"
 #include "views/entryframe.h"
 #include "views/entrygridpane.h"
-#include "views/entrytypespane.h"
 #include "views/mainframe.h"
 #include "views/problempane.h"
 #include "views/typespane.h"

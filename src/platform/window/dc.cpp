@@ -112,24 +112,15 @@ void CDC::SelectObject(const CBitmap* bitmap) {
 }
 
 void CDC::SelectStockObject(StockObject object) {
-    switch (object) {
-    case WHITE_BRUSH:
-    case BLACK_BRUSH:
-    case NULL_BRUSH:
-        state_->brushColour = object == WHITE_BRUSH ? RGB(255, 255, 255) : RGB(0, 0, 0);
-        state_->hasBrush = object != NULL_BRUSH;
-        break;
-    case WHITE_PEN:
-    case BLACK_PEN:
-    case NULL_PEN:
-        state_->penColour = object == WHITE_PEN ? RGB(255, 255, 255) : RGB(0, 0, 0);
-        state_->hasPen = object != NULL_PEN;
-        break;
-    case SYSTEM_FONT:
+    if (object == SYSTEM_FONT) {
         state_->font = systemFont;
         state_->face = nullptr;
-        break;
+        return;
     }
+    const bool brush = object <= NULL_BRUSH; // the pens come behind them
+    (brush ? state_->brushColour : state_->penColour) =
+        object == WHITE_BRUSH || object == WHITE_PEN ? RGB(255, 255, 255) : RGB(0, 0, 0);
+    (brush ? state_->hasBrush : state_->hasPen) = object != NULL_BRUSH && object != NULL_PEN;
 }
 
 void CDC::MoveTo(int x, int y) {

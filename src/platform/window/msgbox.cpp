@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QScreen>
+#include <cstddef>
+#include <utility>
 
 #include "platform/window/internal/conversion.h"
 #include "platform/window/internal/host.h"
@@ -14,43 +16,24 @@ Answers answers;
 
 namespace {
 
-QMessageBox::StandardButtons buttonsOf(std::uint32_t flags) {
-    switch (flags & MB_TYPEMASK) {
-    case MB_OKCANCEL:
-        return QMessageBox::Ok | QMessageBox::Cancel;
-    case MB_YESNOCANCEL:
-        return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
-    case MB_YESNO:
-        return QMessageBox::Yes | QMessageBox::No;
-    default:
-        return QMessageBox::Ok;
-    }
-}
+const std::pair<std::uint32_t, QMessageBox::StandardButtons> types[] = {
+    {MB_OKCANCEL, QMessageBox::Ok | QMessageBox::Cancel},
+    {MB_YESNOCANCEL, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel},
+    {MB_YESNO, QMessageBox::Yes | QMessageBox::No}};
+constexpr std::pair<std::uint32_t, QMessageBox::Icon> icons[] = {
+    {MB_ICONHAND, QMessageBox::Critical},
+    {MB_ICONEXCLAMATION, QMessageBox::Warning},
+    {MB_ICONINFORMATION, QMessageBox::Information}};
+constexpr std::pair<int, int> buttonAnswers[] = {
+    {QMessageBox::Ok, IDOK}, {QMessageBox::Yes, IDYES}, {QMessageBox::No, IDNO}};
 
-QMessageBox::Icon iconOf(std::uint32_t flags) {
-    switch (flags & MB_ICONMASK) {
-    case MB_ICONHAND:
-        return QMessageBox::Critical;
-    case MB_ICONEXCLAMATION:
-        return QMessageBox::Warning;
-    case MB_ICONINFORMATION:
-        return QMessageBox::Information;
-    default:
-        return QMessageBox::NoIcon;
-    }
-}
-
-int answerOf(int button) {
-    switch (button) {
-    case QMessageBox::Ok:
-        return IDOK;
-    case QMessageBox::Yes:
-        return IDYES;
-    case QMessageBox::No:
-        return IDNO;
-    default:
-        return IDCANCEL;
-    }
+// What stands beside the key in a table of pairs.
+template <class Key, class Value, std::size_t N>
+Value lookUp(const std::pair<Key, Value> (&table)[N], Key key, Value otherwise) {
+    for (const auto& [known, value] : table)
+        if (known == key)
+            return value;
+    return otherwise;
 }
 
 } // namespace
@@ -62,13 +45,15 @@ int MessageBoxA(CWnd* owner, const char* text, const char* title, std::uint32_t 
     const ModalScope modal;
     const bool waiting = QApplication::overrideCursor() != nullptr;
     SetCursor(IDC_ARROW); // a question waits for the person, not the person for it
-    const QMessageBox::StandardButtons buttons = buttonsOf(flags);
-    QMessageBox box(iconOf(flags), titleOf(title), {}, buttons, owner == nullptr ? nullptr : owner->host());
+    const QMessageBox::StandardButtons buttons =
+        lookUp<std::uint32_t, QMessageBox::StandardButtons>(types, flags & MB_TYPEMASK, QMessageBox::Ok);
+    QMessageBox box(lookUp(icons, flags & MB_ICONMASK, QMessageBox::NoIcon), titleOf(title), {}, buttons,
+                    owner == nullptr ? nullptr : owner->host());
     box.setTextFormat(Qt::PlainText);
     box.setText(unicodeOf(text));
     box.setWindowModality(Qt::ApplicationModal);
     box.setDefaultButton(buttons & QMessageBox::Yes ? QMessageBox::Yes : QMessageBox::Ok);
-    const int answer = answerOf(box.exec());
+    const int answer = lookUp(buttonAnswers, box.exec(), int{IDCANCEL});
     SetCursor(waiting ? IDC_WAIT : IDC_ARROW);
     return answer;
 }

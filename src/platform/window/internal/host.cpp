@@ -38,24 +38,9 @@ public:
     const std::function<void()> work;
 };
 
-int scrollCode(int action) {
-    switch (action) {
-    case QAbstractSlider::SliderSingleStepAdd:
-        return SB_LINEDOWN;
-    case QAbstractSlider::SliderSingleStepSub:
-        return SB_LINEUP;
-    case QAbstractSlider::SliderPageStepAdd:
-        return SB_PAGEDOWN;
-    case QAbstractSlider::SliderPageStepSub:
-        return SB_PAGEUP;
-    case QAbstractSlider::SliderToMinimum:
-        return SB_TOP;
-    case QAbstractSlider::SliderToMaximum:
-        return SB_BOTTOM;
-    default:
-        return SB_THUMBTRACK;
-    }
-}
+// By QAbstractSlider::SliderAction.
+constexpr int scrollCodes[] = {SB_THUMBTRACK, SB_LINEDOWN, SB_LINEUP, SB_PAGEDOWN,
+                               SB_PAGEUP,     SB_TOP,      SB_BOTTOM, SB_THUMBTRACK};
 
 // The label with a mark before its first letter that none above it has: that key chooses it.
 QString withLetter(QString label, QString& taken) {
@@ -295,7 +280,7 @@ void WindowHost::setRange(ScrollBarKind kind, const ScrollRange& range) {
 void WindowHost::barMoved(ScrollBarKind kind, int action) {
     QScrollBar* const widget = bars_[kind].widget;
     const int wanted = widget->sliderPosition();
-    const int code = scrollCode(action);
+    const int code = scrollCodes[action];
     sendScroll(kind, code, code == SB_THUMBTRACK ? wanted : 0);
     widget->setSliderPosition(bars_[kind].range.info().nPos); // the window has the last word
 }
