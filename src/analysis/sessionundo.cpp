@@ -14,7 +14,7 @@ namespace {
 // Whether a change brought keys to the disk, and is no solution that acts at once.
 bool issaved(const Change& change) {
     return change.kind == Change::keys ||
-           (change.kind == Change::making && change.state.kind == EntryState::plain);
+           (change.kind == Change::making && change.state.kind == FileState::plain);
 }
 
 } // namespace

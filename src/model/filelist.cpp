@@ -59,7 +59,7 @@ std::unique_ptr<TSXdatafile> TSXfilelist::unchanged(const std::string& name) {
     Entry entry;
     if (found == earlier.end() || found->second->unread || found->second->onread == FileState() ||
         database.tree->look(database.tree->below(found->second->path.view()), Links::followed, entry) ||
-        !entry.file.isUnchanged(found->second->onread))
+        !entry.state.isUnchanged(found->second->onread))
         return nullptr;
     found->second->noteunreadrecords();
     return std::move(found->second);
