@@ -34,10 +34,10 @@ Failure visitData(const File& file, std::int64_t start, std::int64_t end, const 
 // The checksum of so many zero bytes.
 std::uint32_t checksumOfZeros(std::int64_t count) {
     if (count < 2)
-        return checksumOf(std::string_view("", static_cast<std::size_t>(count)));
+        return checksumOf(std::string(static_cast<std::size_t>(count), '\0'));
     const std::uint32_t half = checksumOfZeros(count / 2);
     const auto whole = static_cast<std::uint32_t>(crc32_combine(half, half, count / 2));
-    return count % 2 == 0 ? whole : checksumOf(std::string_view("", 1), whole);
+    return count % 2 == 0 ? whole : checksumOf(std::string(1, '\0'), whole);
 }
 
 // Whether the file has no other bytes than zeros from start to end.

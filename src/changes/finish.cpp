@@ -93,10 +93,9 @@ private:
         for (const Change& change : group_)
             begun_ = begun_ || any(change, Standing::after) || any(change, Standing::torn);
         std::vector<Failure> failures;
-        if (begun_ && applyall(tree_, group_, failures))
-            tellfailures(failures);
-        else
-            end(failures);
+        if (begun_)
+            applyall(tree_, group_, failures);
+        end(failures);
     }
 
     void tellfailures(const std::vector<Failure>& failures) {

@@ -78,7 +78,7 @@ public:
     // The index of the type of that name, ignoring case, in that class, made if missing. With 200 types
     // there, the last.
     int addexptype(int fileclass, std::string_view name);
-    void forgettypes(std::int32_t last); // takes all behind that one off again
+    void forgettypes(std::int32_t last);             // takes all behind that one off again
     TSXexptype* gettype(int index) const;            // none unless index is from 0 to lasttype
     TSXkeyentry* getvisiblekey(int index) const;     // none unless index is from 1 to visiblecount
     TSXkeyentry& findoraddkey(std::string_view key); // a new one goes to the end of both key arrays

@@ -151,6 +151,11 @@ Failure File::read(std::int64_t position, std::size_t count, std::string& bytes)
             break;
         }
     }
+    struct stat found = {};
+    const bool ended = !failure && done < bytes.size(); // which the size has to bear out
+    if (ended && fstat(descriptor_, &found) == 0 &&
+        position + static_cast<std::int64_t>(done) < found.st_size)
+        failure = {ERROR_FILE_INVALID};
     bytes.resize(done);
     return failure;
 }
