@@ -31,15 +31,8 @@ void forEachFile(const TSXproblem& problem, const std::function<void(const std::
             take(database.diskname(files[i]->path.view()));
 }
 
-bool isUnread(const TSXproblem& problem) {
-    if (problem.kind != corruptdatafile && problem.kind != corruptsidefile)
-        return false;
-    const TSXdatabase& database = problem.database;
-    return database.isunread(std::string(database.directory) + '/' + problem.facts().subject(problem));
-}
-
 const char* meaningOf(const TSXproblem& problem) {
-    return isUnread(problem)
+    return problem.isunread()
                ? "The file could not be read, so that nobody knows whether it is damaged. Make it "
                  "readable, and check again."
                : problem.facts().meaning;

@@ -22,14 +22,6 @@ std::string unreadlines(const TSXdatabase& database, Unread::Weight weight) {
     return lines;
 }
 
-// Whether a solution would delete a file that could not be read.
-bool takesunread(const TSXproblem& problem) {
-    if (problem.kind != corruptdatafile)
-        return problem.kind == corruptsidefile && problem.database.isunread(problem.name);
-    const auto& files = problem.database.lists[static_cast<std::size_t>(problem.subkind)]->files;
-    return files[static_cast<std::size_t>(problem.fileindex)]->unread;
-}
-
 // What could not be read is neither empty nor damaged, and the keys in it may be anybody's. Empty where
 // nothing is in the way.
 std::string obstacle(const TSXproblem& problem) {
@@ -37,7 +29,7 @@ std::string obstacle(const TSXproblem& problem) {
         return "Keys can't be repaired while a part of the database is unread:" +
                unreadlines(problem.database, Unread::whole) +
                "\nPut that right, or restore it from a copy, and " + inspectAgain + ". Nothing was changed";
-    if (takesunread(problem))
+    if (problem.isunread())
         return "The file '" + problem.facts().subject(problem) +
                "' could not be read, so it can't be known whether it is damaged. Put that right and " +
                inspectAgain + ", or delete it yourself if it is not needed. Nothing was changed";

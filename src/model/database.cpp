@@ -194,7 +194,7 @@ int TSXdatabase::unreadcount() const {
 }
 
 bool TSXdatabase::isunread(std::string_view fullpath) const {
-    return unreadnames.contains(diskname(fullpath));
+    return !unreadnames.empty() && unreadnames.contains(diskname(fullpath));
 }
 
 std::string TSXdatabase::diskname(std::string_view fullpath) const {

@@ -31,7 +31,7 @@ TSXkeyentry* TSXkeytree::find(std::string_view key) const {
 // Insertion by balance factors: on the way back up, as long as the subtree just left has grown in height.
 TSXkeyentry& TSXkeytree::findoradd(std::string_view key) {
     constexpr std::size_t highest = 64; // more than a balanced tree of all that memory holds
-    Link* way[highest]; // the links that were passed, and the sides that were gone to
+    Link* way[highest];                 // the links that were passed, and the sides that were gone to
     int sides[highest];
     std::size_t depth = 0;
     Link* link = &root;

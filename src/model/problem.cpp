@@ -233,6 +233,15 @@ const KindOfProblem::Solution& TSXproblem::solution(int number) const {
     return has ? facts().solutions[number - 1] : kinds[0].solutions[0];
 }
 
-std::string TSXproblem::id() const {
-    return facts().word + (':' + encodedforid(facts().subject(*this)));
+const std::string& TSXproblem::id() const {
+    if (knownid.empty())
+        knownid = facts().word + (':' + encodedforid(facts().subject(*this)));
+    return knownid;
+}
+
+bool TSXproblem::isunread() const {
+    if (kind != corruptdatafile || fileindex == 0)
+        return kind == corruptsidefile && database.isunread(name);
+    const auto& files = database.lists[static_cast<std::size_t>(subkind)]->files;
+    return files[static_cast<std::size_t>(fileindex)]->unread;
 }

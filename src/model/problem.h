@@ -106,4 +106,7 @@ public:
     TSXdatabase& database;
     std::int32_t fileindex = 0; // position in its file list; set for kind 6 only
     FileState looked;           // of a side file when it was looked at
+
+private:
+    mutable std::string knownid; // empty until it is asked for
 };
