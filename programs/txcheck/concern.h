@@ -17,8 +17,6 @@ void forEachKey(const TSXproblem& problem, const KeyVisit& take);
 // Names the files and directories that a problem is about, relative to the database's directory.
 void forEachFile(const TSXproblem& problem, const std::function<void(const std::string&)>& take);
 
-// Whether the file that it calls corrupted could not be read, so that nothing is known of it.
-bool isUnread(const TSXproblem& problem);
 // What a problem, or a thing that could not be read, means for the data.
 const char* meaningOf(const TSXproblem& problem);
 const char* meaningOf(const Unread& thing);

@@ -85,7 +85,7 @@ void fillProblem(Row& row, const Session& session, int place, Form form) {
     if (form != Form::document) {
         std::string& words = row.lines("Problem");
         addLine(words, problem.message + knownMark(session.known.standing(session.database, place)));
-        if (form == Form::page || isUnread(problem))
+        if (form == Form::page || problem.isunread())
             addLine(words, meaningOf(problem));
         if (const std::string about = firstConcerned(problem); !about.empty())
             addLine(words, about);

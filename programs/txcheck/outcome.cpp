@@ -20,7 +20,7 @@ std::string summary(const Session& session, const char* state) {
     for (int row = 1; row <= session.database.problemcount; ++row)
         if (const TSXproblem& problem = *session.database.getproblem(row);
             !session.known.has(session.database, row)) {
-            ++counts[isUnread(problem) ? unread : problem.kind];
+            ++counts[problem.isunread() ? unread : problem.kind];
             ++total;
         }
     std::string text;

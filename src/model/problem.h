@@ -92,8 +92,10 @@ public:
     const char* solutionlabel(int number) const { return solution(number).label; }
 
     // The same in every run over the same tree, and no other problem's: the kind's word, a colon, and what it
-    // is about, encoded. Looks at the disk for how names are spelled there.
-    std::string id() const;
+    // is about, encoded. Looks at the disk, the first time, for how names are spelled there.
+    const std::string& id() const;
+    // Whether the file that it is about could not be read: then nobody knows whether it is damaged.
+    bool isunread() const;
 
     // Carries out a solution. 1 where it was done; else 0, also for a number that the kind doesn't have. The
     // analysis that has to follow is the caller's.
