@@ -22,6 +22,13 @@ struct Tree::Inside {
     std::string path;
     Ways ways;
     std::uint64_t temporaries = 0; // the number in their names; 0: one at random
+    // What was looked at last: opened next to be read, it is not looked at once more.
+    std::string lookedAt; // empty: nothing
+    Spot looked;
+    void forgetLooked() {
+        lookedAt.clear();
+        looked = {};
+    }
 };
 
 namespace {
@@ -135,6 +142,7 @@ Failure named(const Spot& spot, int result, bool there) {
 
 Failure Tree::Inside::find(DiskOperation operation, std::string_view name, Spot& spot) {
     const Failure fault = faultOf(operation);
+    forgetLooked();
     return fault ? fault : ways.find(name, Links::refused, spot);
 }
 
@@ -201,6 +209,7 @@ Failure Tree::fullPath(std::string& full) const {
 }
 
 Failure Tree::begin() {
+    inside_->forgetLooked();
     return inside_->ways.begin();
 }
 
@@ -223,6 +232,7 @@ std::string Tree::spelled(std::string_view path) {
 
 Failure Tree::look(std::string_view name, Links links, Entry& entry) {
     Spot spot;
+    inside_->lookedAt.clear();
     Failure failure = faultOf(DiskOperation::read);
     failure = failure ? failure : inside_->ways.find(name, links, spot);
     if (!failure && spot.name.empty() && spot.directory().descriptor >= 0)
@@ -233,6 +243,10 @@ Failure Tree::look(std::string_view name, Links links, Entry& entry) {
     if (failure || !spot.isThere())
         return failure.isAbsence() ? Failure() : failure;
     entry.state = stateFrom(spot.found);
+    if (links == Links::followed) {
+        inside_->lookedAt = name;
+        inside_->looked = std::move(spot);
+    }
     return {};
 }
 
@@ -283,7 +297,12 @@ Failure Tree::enter(std::string_view directory) {
 Failure Tree::openFile(std::string_view name, File& file, Links links, int flags) {
     Spot spot;
     Failure failure = faultOf(DiskOperation::open);
-    failure = failure ? failure : inside_->ways.find(name, links, spot);
+    const bool known = name == inside_->lookedAt && links == Links::followed && flags == O_RDONLY;
+    inside_->lookedAt.clear();
+    if (known)
+        spot = std::move(inside_->looked);
+    else if (!failure)
+        failure = inside_->ways.find(name, links, spot);
     if (failure)
         return failure;
     if (!spot.isThere())
