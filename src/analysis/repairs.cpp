@@ -16,6 +16,10 @@ namespace {
 constexpr std::size_t maxcandidatelength = maxkeylength - 1;
 constexpr std::string_view suffixmark = "/#";
 
+bool couldnotberead(const Occurrence& use) {
+    return use.file->isunread(use.record);
+}
+
 // Gives records keys that a type doesn't use, each with the lowest number that is free. Numbers once found
 // taken are not tried again, so that many duplicates of one key cost no more than they are.
 class FreeKeys {
@@ -83,20 +87,13 @@ template <class Operation> void foreachduplicate(const TSXdatabase& database, in
         if (entry == nullptr || entry->key.empty())
             continue;
         for (const Occurrence& use : entry->list(type)) {
-            if (use.file->isunread(use.record))
+            if (couldnotberead(use))
                 continue;
             if (used)
                 operation(entry->key, use);
             used = true;
         }
     }
-}
-
-// Whether a record that could be read uses the key: of the others it is not known what key they have.
-bool isread(const TSXkeyentry& entry) {
-    const auto records = entry.records();
-    return std::any_of(records.begin(), records.end(),
-                       [](const Occurrence& use) { return !use.file->isunread(use.record); });
 }
 
 // Reports why a key is not changed. The result of an operation that was refused.
@@ -114,16 +111,14 @@ std::string obstacletorenaming(const TSXdatabase& database, const TSXkeyentry& e
     const TSXkeyentry* target = database.keytree.find(text);
     if (target != nullptr && !target->records().empty())
         return std::string("The key '") + text + "' is in use already";
-    const auto unread = [](const Occurrence& used) { return used.file->isunread(used.record); };
-    if (database.picturecomplete() && std::none_of(entry.records().begin(), entry.records().end(), unread)) {
-        for (const Occurrence& used : entry.records())
-            if (!used.file->ischangeable(used.record))
-                return used.file->whyleft(used.record);
-        return {};
-    }
-    return "A key can't be renamed while records that may use it are unread. Make them readable, or restore "
-           "them, and " +
-           std::string(inspectAgain);
+    if (!database.picturecomplete() || std::ranges::any_of(entry.records(), couldnotberead))
+        return "A key can't be renamed while records that may use it are unread. Make them readable, or "
+               "restore them, and " +
+               std::string(inspectAgain);
+    for (const Occurrence& used : entry.records())
+        if (!used.file->ischangeable(used.record))
+            return used.file->whyleft(used.record);
+    return {};
 }
 
 } // namespace
@@ -165,7 +160,7 @@ void TSXdatabase::adddatabaseentries() {
     TSXfilelist& list = *lists[0];
     TSXdatafile* current = nullptr;
     for (std::size_t i = 1; i < keyarray.size(); ++i) {
-        if (!keyarray[i]->isorphan() || !isread(*keyarray[i]))
+        if (!keyarray[i]->isorphan() || std::ranges::all_of(keyarray[i]->records(), couldnotberead))
             continue;
         if (current == nullptr || current->keycount >= maxadded) {
             const int position = list.newfile();
@@ -185,7 +180,7 @@ int TSXdatabase::changekey(TSXkeyentry& entry, int type, int n, const char* text
     const Occurrence moved = entry.occurrence(type, n);
     if (moved.file == nullptr)
         return -1;
-    if (moved.file->isunread(moved.record))
+    if (couldnotberead(moved))
         return refuse("Record " + std::to_string(moved.record) + " of '" + diskname(moved.file->path.view()) +
                       "' could not be read. Make it readable, or restore it, and " + inspectAgain);
     if (!moved.file->ischangeable(moved.record))

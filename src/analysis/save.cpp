@@ -105,15 +105,13 @@ private:
             obstacles.push_back(message(toform, file, why));
             return;
         }
-        std::vector<std::int32_t> offsets;
-        Change change = makingof(name, FileState::plain, contentOf(file.wholecontent(offsets)));
-        add(file, std::move(change), std::move(offsets));
+        std::vector<std::int32_t> places;
+        add(file, makingof(name, FileState::plain, contentOf(file.wholecontent(places))));
     }
 
-    void add(TSXdatafile& file, Change change, std::vector<std::int32_t> offsets = {}) {
+    void add(TSXdatafile& file, Change change) {
         files.push_back(&file);
         group.push_back(std::move(change));
-        places.push_back(std::move(offsets));
     }
 
     // Keys were judged by all files that were read: another program may have written or made one since.
@@ -140,16 +138,16 @@ private:
             troubles.push_back(message(whole ? toform : inform, file, failure.text()));
             return;
         }
+        if (!database.planning && whole && !settlenew(file, change))
+            return;
         if (!database.planning && !whole)
             settlefile(file, change);
-        if (!database.planning && whole && !settlenew(file, change, std::move(places[i])))
-            return;
         database.addchange(std::move(change));
     }
 
     // One beside which a name in other letters has appeared meanwhile would hide that file, and is taken away
     // again.
-    bool settlenew(TSXdatafile& file, const Change& change, std::vector<std::int32_t> offsets) {
+    bool settlenew(TSXdatafile& file, const Change& change) {
         if (const Failure failure = tree.standsAlone(change.file)) {
             troubles.push_back(message(toform, file, failure.text()));
             std::vector<Change> back{deletionof(change.file, {})};
@@ -158,7 +156,7 @@ private:
                 database.committer->commit(back, failures);
             return false;
         }
-        file.settlewhole(std::move(offsets), change.judged);
+        file.settlewhole(change.judged);
         file.list.notemade(change.file);
         return true;
     }
@@ -166,10 +164,8 @@ private:
     TSXdatabase& database;
     Tree& tree;
     LinkedNames linked;
-    // Side by side: each change, its file, and the offsets of the keys in a new one.
     std::vector<Change> group;
-    std::vector<TSXdatafile*> files;
-    std::vector<std::vector<std::int32_t>> places;
+    std::vector<TSXdatafile*> files;    // side by side with the changes
     std::vector<std::string> obstacles; // to all or nothing
     std::vector<std::string> troubles;  // on the way
 };

@@ -122,8 +122,8 @@ std::string TSXdatafile::wholecontent(std::vector<std::int32_t>& places) const {
     return file.takecontent();
 }
 
-void TSXdatafile::settlewhole(std::vector<std::int32_t> places, const FileState& state) {
-    keypos = std::move(places);
+void TSXdatafile::settlewhole(const FileState& state) {
+    wholecontent(keypos);
     keydirty.assign(keys.size(), 0);
     keysondisk.clear();
     onread = state;

@@ -54,7 +54,7 @@ public:
     // field.
     std::string wholecontent(std::vector<std::int32_t>& places) const;
     // That content is on the disk.
-    void settlewhole(std::vector<std::int32_t> places, const FileState& state);
+    void settlewhole(const FileState& state);
     bool isempty() const { return valid == 1 && keycount == 0; }
     // Whether record i could not be read, because the disk failed or its lengths lead nowhere. Such a record
     // keeps its place in the tables with "???"; it is neither changed nor written.
