@@ -17,7 +17,7 @@ namespace {
 
 SolvedStep record(const TSXproblem& problem, int row, int number) {
     const KindOfProblem::Solution& solution = problem.solution(number);
-    return {row, problem.id(), solution.command, solution.label, problem.message.c_str(), 0};
+    return {row, problem.id(), solution.command, solution.label, problem.message, 0};
 }
 
 // The class in whose directory something stands; below 0 for none.
@@ -63,7 +63,7 @@ bool Steps::goesOn() {
 void Steps::noteLoaded() {
     found = known.unknownIn(database) > 0;
     for (int row = 1; row <= database.problemcount && !options.solve.empty(); ++row)
-        loaded.push_back({database.getproblem(row)->id(), database.getproblem(row)->message.c_str(),
+        loaded.push_back({database.getproblem(row)->id(), database.getproblem(row)->message,
                           database.getproblem(row)->kind});
 }
 

@@ -13,7 +13,6 @@
 #include <QPushButton>
 #include <QTreeWidget>
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 #include "changes/place.h"
@@ -69,8 +68,8 @@ ChangesWindow::ChangesWindow(QWidget* parent, const std::string& database, std::
 
 void ChangesWindow::fillList() {
     list_->clear();
-    for (const UndoListEntry& entry : std::views::reverse(listundofiles(directory_)))
-        list_->addTopLevelItem(rowOf(entry));
+    for (const UndoListEntry& entry : listundofiles(directory_))
+        list_->insertTopLevelItem(0, rowOf(entry)); // the latest comes first
     list_->setCurrentItem(list_->topLevelItem(0));
     for (int column = 0; column < 2; ++column)
         list_->resizeColumnToContents(column);

@@ -166,13 +166,22 @@ void deletecorruptfile(const TSXfilelist& list, int position, std::vector<Target
         targets.push_back(targetof(*list.files[static_cast<std::size_t>(position)], position));
 }
 
+Target createdirectory(const std::string& path) {
+    return {path, true};
+}
+
+// A side file, of which no object is in memory.
+Target deletefile(const TSXproblem& problem) {
+    return {problem.name, false, problem.looked, problem.database.isunread(problem.name)};
+}
+
 // What the solution of a problem deletes or makes.
 void addtargets(const TSXproblem& problem, std::vector<Target>& targets) {
     const TSXdatabase& database = problem.database;
     if (problem.kind == missingdirectory)
-        targets.push_back({problem.name, true});
+        targets.push_back(createdirectory(problem.name));
     else if (problem.kind == corruptsidefile)
-        targets.push_back({problem.name, false, problem.looked, database.isunread(problem.name)});
+        targets.push_back(deletefile(problem));
     else if (problem.subkind >= 0 && problem.subkind <= database.lastlist) {
         const TSXfilelist& list = *database.lists[static_cast<std::size_t>(problem.subkind)];
         problem.kind == emptyfiles ? removeemptyfiles(list, targets)

@@ -1,7 +1,6 @@
 #include "analysis/sessionundo.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 #include "changes/restore.h"
@@ -51,8 +50,8 @@ void SessionUndo::noteStep(const std::string& name) {
 bool SessionUndo::takeBack() {
     if (steps.empty() || (steps.back().group != 0 && !restoreFrom(steps.back().group)))
         return false;
-    for (const KeyChange& change : std::views::reverse(steps.back().keys))
-        giveBack(change);
+    std::vector<KeyChange>& keys = steps.back().keys;
+    std::for_each(keys.rbegin(), keys.rend(), [this](const KeyChange& change) { giveBack(change); });
     steps.pop_back();
     noted.clear();
     changes = database.changes.size();

@@ -97,7 +97,7 @@ int TSXproblempane::rowCount() const {
 }
 
 std::string TSXproblempane::rowText(int row) const {
-    return database->getproblem(row)->message.c_str();
+    return database->getproblem(row)->message;
 }
 
 void TSXproblempane::selectRow(int row) {
