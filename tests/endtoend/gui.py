@@ -29,7 +29,7 @@ def wait(what, condition):
         try:
             if result := condition():
                 return result
-        except FileNotFoundError:  # a file that went between its listing and its reading
+        except (FileNotFoundError, ProcessLookupError):  # what went between its listing and its reading
             pass
         expect(time.monotonic() < end, "waited in vain for " + what)
         time.sleep(0.05)
@@ -278,9 +278,12 @@ def keys(display, work):
     tool.change_key(entry, "Nothing", "Tab", "Tab")  # Return on the Cancel button
     tool.change_key(entry, "Changed 1")
     display.xdotool("windowactivate", "--sync", tool.main)
-    display.key("alt", "Right", "Escape", "Escape", "F10", "Escape", "alt+f")
-    wait("the menu", lambda: len(display.shown()) > 2)
-    display.key("a")  # Save
+    for opening, choice in (("F10", "Down"), "Escape"), (("alt", "Right", "Down"), "Escape"), (("alt+f",), "a"):  # Save
+        display.key(*opening)
+        wait("the menu", lambda: len(display.shown()) > 2)
+        display.key(choice)
+        wait("the menu to go", lambda: len(display.shown()) == 2)
+        display.key("Escape")  # the mark of the menu bar
     wait("the save", lambda: "Changed 1" in place.keys())
     changed = [path for path, content in contents(place.database).items() if content != before[path]]
     expect(len(changed) == 1 and "Nothing" not in place.keys(), "more than a key was written")
@@ -409,6 +412,11 @@ def strays(display, work):
     tool.leave()
 
 
+def running():
+    return [int(process.name) for process in pathlib.Path("/proc").glob("[0-9]*")
+            if (process / "comm").read_text() == "txinspect\n" and (process / "exe").exists()]  # else it has ended
+
+
 def waiting(display, work):
     """While a large database is read the start-up program stays, says how far that is, and can give it up."""
     place = Place(display, work, "--files", 400, "--entries", 1000)
@@ -416,14 +424,17 @@ def waiting(display, work):
     display.start("txstart")
     start = display.window(START_TITLE)
     width, height = map(int, display.box(start)[2:])
-    for answer in "Escape", None:
-        display.click(start, width - 40, height - 25)
-        display.window("Reading " + place.name)
-        expect(place.check() is None and display.windows(START_TITLE), "the start-up program has gone")
-        if answer:
-            display.key(answer)
-            wait("the lock", place.check)
-            time.sleep(0.5)  # by which "Inspect" can be pressed again
+    display.click(start, width - 40, height - 25)
+    tool = wait("the tool", running)[0]
+    os.kill(tool, signal.SIGSTOP)  # else a fast machine has read all before anybody looks
+    display.window("Reading " + place.name)
+    expect(display.windows(START_TITLE), "the start-up program has gone")
+    display.key("Escape")
+    os.kill(tool, signal.SIGCONT)
+    wait("the tool to go", lambda: not running())
+    expect(place.check()["problems"] == [], "a reading that was given up kept the lock")
+    time.sleep(0.5)  # by which "Inspect" can be pressed again
+    display.click(start, width - 40, height - 25)
     Tool(display, place.name).leave()
 
 
