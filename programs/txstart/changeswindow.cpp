@@ -111,6 +111,7 @@ void ChangesWindow::ended() {
     text_->setPlainText(started ? text : QStringLiteral("The program txcheck can't be started"));
     text_->moveCursor(QTextCursor::End);
     text_->find(QStringLiteral("changed on the disk"), QTextDocument::FindBackward);
+    text_->centerCursor(); // the heading, and what follows it
     const bool planned = check_->arguments().contains(QStringLiteral("--plan"));
     const bool rest = !planned && text.contains(QStringLiteral("with --yes the rest is restored"));
     if (started && !planned && !rest)
