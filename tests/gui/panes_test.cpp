@@ -19,6 +19,12 @@ TEST_F(DesktopTest, AButtonShowsItsSolutionsAndThenItsRowIsSelected) {
     const TSXproblem& problem = *::database->getproblem(3);
     EXPECT_EQ(menu, Texts{std::to_string(problem.solutioncommand(1)) + problem.solutionlabel(1)});
     EXPECT_EQ(main->selectedProblem, 3);
+    const int count = ::database->problemcount;
+    answers.popupMenu = [](const CMenu& shown) { return shown.items()[0].id; };
+    QTest::mouseClick(clientWidget(pane), Qt::LeftButton, {}, {x + 20, 50});
+    EXPECT_EQ(::database->problemcount, count) << "nothing is done while the menu may still be seen";
+    settle();
+    EXPECT_EQ(::database->problemcount, count - 1);
 }
 
 TEST_F(DesktopTest, OnlyAPlainPressOnAButtonOpensAMenu) {
