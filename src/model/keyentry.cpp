@@ -11,8 +11,8 @@ TSXkeyentry::TSXkeyentry(const TSXdatabase& database, std::string_view text,
       lasttype(static_cast<std::uint8_t>(database.lasttype)) {}
 
 std::span<const Occurrence> TSXkeyentry::list(int t) const {
-    const auto found = std::ranges::equal_range(records(), t, {}, &Occurrence::type);
-    return {found.begin(), found.end()};
+    const auto begin = std::ranges::lower_bound(records(), t, {}, &Occurrence::type);
+    return {begin, std::ranges::upper_bound(begin, records().end(), t, {}, &Occurrence::type)};
 }
 
 // The lists grow by one: few keys get another record, and then one.
