@@ -37,6 +37,12 @@ void fillEntry(Row& row, const UndoListEntry& entry) {
 } // namespace
 
 int writeUndoList(const std::string& directory, bool asDocument) {
+    Tree place;
+    if (const Failure failure = openundodirectory(place, false); failure && !failure.isAbsence()) {
+        tell("The directory of the undo files, " + undodirectory() + ", can't be entered, or is a link (" +
+             failure.text() + ")");
+        return statusFailed;
+    }
     const std::vector<UndoListEntry> entries = listundofiles(directory);
     Section list{"undo", "", "Undo files, the oldest first", Section::list, eachOf(entries, fillEntry)};
     if (asDocument)

@@ -58,6 +58,19 @@ UndoListEntry entryOf(Tree& place, const std::string& name) {
     return entry;
 }
 
+// Whether the directory stands under that name. A link in its place may be somebody else's, who would choose
+// where the files of this user are made: 1921.
+Failure standsitself(Tree& place, const std::string& path) {
+    Tree above;
+    std::string name;
+    Entry named, held;
+    Failure failure = above.openDirectoryOf(path, name);
+    failure = failure ? failure : above.look(name, Links::refused, named);
+    failure = failure ? failure : place.look(".", Links::refused, held);
+    return failure || named.state.identity == held.state.identity ? failure
+                                                                  : Failure{ERROR_CANT_RESOLVE_FILENAME};
+}
+
 } // namespace
 
 std::string timetext(std::int64_t seconds) {
@@ -91,8 +104,9 @@ Failure openundodirectory(Tree& place, bool make) {
     const std::string path = undodirectory();
     if (path.empty())
         return {ERROR_PATH_NOT_FOUND};
-    const Failure failure = make ? makePrivateDirectories(path) : Failure();
-    return failure ? failure : place.open(path);
+    Failure failure = make ? makePrivateDirectories(path) : Failure();
+    failure = failure ? failure : place.open(path);
+    return failure ? failure : standsitself(place, path);
 }
 
 std::vector<std::string> undonames(Tree& place) {

@@ -60,7 +60,7 @@ std::string UndoWriter::makeInState(const std::string& directory) {
         return "there is no directory for undo files: set XDG_STATE_HOME or HOME";
     place_ = std::make_unique<Tree>();
     if (const Failure failure = openundodirectory(*place_, true))
-        return told("the directory " + undodirectory() + " can't be made or entered", failure);
+        return told("the directory " + undodirectory() + " can't be made or entered, or is a link", failure);
     std::string why;
     const Failure taken = underFreeName(*place_, [&](const std::string& name) {
         Entry entry;

@@ -209,15 +209,6 @@ def differences(expected, found):
     return [path for path in {*expected, *found} if expected.get(path, 0) != found.get(path, 0)]
 
 
-def changed_fields(data):
-    """The data with each number in it, and each other byte that isn't padding, changed in each of eight ways."""
-    for at in (i for i, byte in enumerate(data) if byte):
-        size = 4 if data[at + 1:at + 4] == b"\0\0\0" else 1
-        value, bits = int.from_bytes(data[at:at + size], "little"), 8 * size
-        for new in {0, (1 << bits) - 1, value ^ 1 << bits - 1, value ^ 1 << bits // 2, value ^ 1, value + 1, value - 1, value * 7 + at}:
-            yield data[:at] + (new % (1 << bits)).to_bytes(size, "little") + data[at + size:]
-
-
 class Trees(unittest.TestCase):
     maxDiff = 4000
 
