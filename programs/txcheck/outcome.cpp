@@ -46,12 +46,23 @@ Sentence problemsLeft(const Session& session, bool failed) {
     return {known ? "Nothing is wrong but what is known." : "Nothing is wrong.", Mood::good};
 }
 
-int filesNotReadable(const Session& session) {
-    std::set<std::string> names;
+// ", 1 file not readable, 3 records not readable": of a file that was read but for some records, these are told.
+std::string notReadable(const Session& session) {
+    std::set<std::string> files;
+    int records = 0;
     for (const Unread& thing : session.database.unread)
-        if (thing.weight != Unread::told && !session.known.has(thing))
-            names.insert(thing.name);
-    return static_cast<int>(names.size());
+        if (thing.weight != Unread::told && !session.known.has(thing)) {
+            if (thing.record > 0)
+                ++records;
+            else
+                files.insert(thing.name);
+        }
+    std::string text;
+    if (!files.empty())
+        text += ", " + counted(static_cast<int>(files.size()), "file", "files") + " not readable";
+    if (records > 0)
+        text += ", " + counted(records, "record", "records") + " not readable";
+    return text;
 }
 
 } // namespace
@@ -84,11 +95,9 @@ std::string inShort(const Session& session) {
     if (!session.loaded)
         return "could not be checked";
     const int problems = session.known.unknownIn(session.database);
-    const int unread = filesNotReadable(session);
     const long changes = static_cast<long>(countlines(session.database.changes));
     std::string text = problems > 0 ? counted(problems, "problem", "problems") : "no problem";
-    if (unread > 0)
-        text += ", " + counted(unread, "file", "files") + " not readable";
+    text += notReadable(session);
     if (changes > 0)
         text += ", " + counted(changes, "change", "changes") + (session.database.planning ? " planned" : "");
     if (const std::string file = session.undoFile(); changes > 0 && !file.empty())

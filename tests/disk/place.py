@@ -72,7 +72,10 @@ class Place:
             environment.update({"CALLS_" + name: str(value).replace("@ROOT", self.root) for name, value in calls.items()},
                                LD_PRELOAD=self.libraries)
         wear = {} if user is None else {"user": user, "group": user, "extra_groups": []}
-        return subprocess.run([self.programs / program, *[str(word).replace("@ROOT", self.root) for word in words]],
+        file = self.programs / program
+        if user is not None or "preexec_fn" in settings:  # to whom the directory of the programs may be closed
+            file = shutil.copy(file, self.root)
+        return subprocess.run([file, *[str(word).replace("@ROOT", self.root) for word in words]],
                               env=environment, cwd="/tmp", capture_output=True, **{"timeout": 120, **wear, **settings})
 
     def check(self, *words, **settings):
