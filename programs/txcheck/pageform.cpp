@@ -49,7 +49,8 @@ fieldset { border: 1px solid var(--line); margin: .5em 0; } label { display: inl
 }
 @media print {
   :root { color-scheme: light; } fieldset { display: none; }
-  body { margin: 0; max-width: none; font-size: 10pt; } tr { break-inside: avoid; } main, article { display: block; }
+  body { margin: 0; max-width: none; font-size: 10pt; } tr { break-inside: avoid; }
+  h2 { break-after: avoid; } main, article { display: block; }
 }
 )";
 
@@ -136,7 +137,8 @@ void writeTitles(std::ostream& out, const Section& section, const Row& row) {
     out << opened("table", section.name) << "<thead><tr>";
     for (const Field& field : row.fields())
         if (isShown(field))
-            out << "<th scope=\"col\">" << field.title << "</th>";
+            out << "<th scope=\"col\"" << (field.sort == Field::number ? " class=\"number\">" : ">")
+                << field.title << "</th>";
     out << "</tr></thead>\n<tbody>\n";
 }
 
