@@ -93,7 +93,7 @@ CommitOptions Session::commitOptions() {
     return {.keepundo = !options.noUndo, .undofile = options.undo.value_or(""), .holds = holds};
 }
 
-// The last undo file of a change of the same database that was made behind that one and not taken back.
+// The last undo file of a change of the same database that was made after that one and not taken back.
 std::string Session::laterUndoFile(const std::string& undoFile) const {
     std::string later;
     bool behind = false;
@@ -127,7 +127,7 @@ void Session::restoreFrom(const std::string& undoFile) {
         refuse(result.refused);
     steps.failed = steps.failed || result.open;
     if (const std::string later = result.left.empty() ? "" : laterUndoFile(undoFile); !later.empty())
-        tell("Another change was made behind that one: restore " + later + " first");
+        tell("Another change was made after that one: restore " + later + " first");
     ownUndoFile = result.ownundofile;
     for (Change& change : result.changes)
         database.addchange(std::move(change));

@@ -108,5 +108,5 @@ std::string summaryof(std::uint32_t keys, std::uint32_t deletions, std::uint32_t
         if (part.count > 0)
             text += (text.empty() ? "" : ", ") + std::to_string(part.count) +
                     (part.count == 1 ? part.one : part.many);
-    return text;
+    return text.empty() ? "nothing changed" : text;
 }

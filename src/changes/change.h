@@ -83,5 +83,5 @@ private:
     bool inside_ = false;
 };
 std::size_t countlines(std::span<const Change> changes);
-// Many changes in words: "5 keys changed, 2 files deleted, 1 made"; empty where there are none.
+// Many changes in words: "5 keys changed, 2 files deleted, 1 made".
 std::string summaryof(std::uint32_t keys, std::uint32_t deletions, std::uint32_t makings);

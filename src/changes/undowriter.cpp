@@ -150,7 +150,10 @@ std::string UndoWriter::count(Tree& database, std::vector<Change>& group,
                               std::vector<DirectoryTimes>& directories) {
     std::set<std::string> parents = {""}; // in the database's own the change is announced
     for (const Change& change : group) {
-        header_.keys += change.fieldcount;
+        foreachfield(change, [this](const KeyField& field) {
+            if (field.before.stored != field.after.stored) // else it was left, or stands there already
+                ++header_.keys;
+        });
         header_.deletions += change.kind == Change::deletion ? 1 : 0;
         header_.makings += change.kind == Change::making ? 1 : 0;
         if (change.kind != Change::keys)
