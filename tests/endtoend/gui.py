@@ -227,7 +227,7 @@ class Place:
     def check(self, *options, database=None):
         """What the companion finds, read beside the lock; nothing with a lock that another holds."""
         done = subprocess.run([PROGRAMS / "txcheck", "--json", "--no-progress", *options, database or self.database],
-                              capture_output=True, text=True)
+                              env=self.display.environment, capture_output=True, text=True)
         return json.loads(done.stdout) if done.stdout else None
 
     def keys(self):
