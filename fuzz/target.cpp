@@ -5,9 +5,9 @@
 
 #include "changes/frames.h"
 #include "changes/restore.h"
-#include "files/databasefile.h"
+#include "files/settingsfile.h"
 #include "invariants.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 #include "tempdir.h"
 
 namespace {
@@ -118,13 +118,13 @@ void readSettings(std::string_view input) {
     DatabaseSettings found;
     found.homeDirectory = home.path().c_str();
     found.currentDatabase = "A";
-    writeFile(databaseFilePath(found), input);
-    if (!readDatabaseFile(found) || std::strlen(found.databaseDirectory.c_str()) > maxsettingsline - 1)
+    writeFile(settingsFilePath(found), input);
+    if (!readSettingsFile(found) || std::strlen(found.databaseDirectory.c_str()) > maxsettingsline - 1)
         return;
     DatabaseSettings again = found;
     again.databaseDirectory = "";
     const bool same =
-        writeDatabaseFile(found) && readDatabaseFile(again) &&
+        writeSettingsFile(found) && readSettingsFile(again) &&
         std::strcmp(again.databaseDirectory.c_str(), found.databaseDirectory.c_str()) == 0 &&
         std::memcmp(again.backgroundColour, found.backgroundColour, sizeof found.backgroundColour) == 0;
     require(same ? nullptr : "settings are read as they were written");
@@ -133,7 +133,7 @@ void readSettings(std::string_view input) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
-    setReport([](const char*, const char*, std::uint32_t) { return 0; });
+    setNotifier([](const char*, const char*, std::uint32_t) { return 0; });
     constexpr void (*kinds[])(std::string_view) = {readDatabase, restoreDatabase, readSettings};
     kinds[std::max(TARGET - 3, 0)]({data, size});
     return 0;

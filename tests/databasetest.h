@@ -12,7 +12,7 @@
 #include "model/problem.h"
 #include "platform/system/messagebox.h"
 #include "reporting/log.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 #include "tempdir.h"
 
 using Texts = std::vector<std::string>;
@@ -55,14 +55,14 @@ protected:
              {"DBASE", "fprint", "images", "char", "seq", "matrix", "gel2d", "Library", "bundles"})
             std::filesystem::create_directory(root / name);
         setenv("XDG_STATE_HOME", home.path().c_str(), 1);
-        setReport([this](const char* text, const char* title, std::uint32_t flags) {
+        setNotifier([this](const char* text, const char* title, std::uint32_t flags) {
             reports.push_back(std::string(title) + " " + std::to_string(flags) + ": " + text);
             return answer;
         });
     }
     ~DatabaseTest() override {
         logEnabled = 0;
-        setReport(nullptr);
+        setNotifier(nullptr);
     }
 
     void put(const std::string& name, const std::string& bytes) { writeFile(root / name, bytes); }

@@ -23,16 +23,16 @@ std::string noSuchDatabase(const DatabaseSettings& settings) {
 
 // Of the current database of these settings; empty where it can't be known, which has been told.
 std::string directoryIn(DatabaseSettings& settings) {
-    const bool read = readDatabaseFile(settings);
+    const bool read = readSettingsFile(settings);
     const std::uint32_t reason = GetLastError();
     if (read && !settings.databaseDirectory.empty())
         return settings.databaseDirectory.c_str();
     if (read)
-        tell(databaseFilePath(settings) + ": the settings file names no directory below [DIR]");
+        tell(settingsFilePath(settings) + ": the settings file names no directory below [DIR]");
     else if (reason == ERROR_FILE_NOT_FOUND)
         tell(noSuchDatabase(settings));
     else
-        tell(databaseFilePath(settings) + ": " + noValidDatabaseText + ", the settings file can't be read (" +
+        tell(settingsFilePath(settings) + ": " + noValidDatabaseText + ", the settings file can't be read (" +
              errorText(reason) + ")");
     return {};
 }

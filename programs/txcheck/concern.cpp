@@ -54,6 +54,6 @@ std::string idOf(const Unread& thing) {
            (thing.record > 0 ? '#' + std::to_string(thing.record) : std::string());
 }
 
-std::string placeOf(const TSXdatafile& file) {
+std::string shortPathOf(const TSXdatafile& file) {
     return std::string(fileclasses[file.classid].directory) + '/' + file.name.c_str();
 }

@@ -24,4 +24,4 @@ const char* meaningOf(const Unread& thing);
 // Of what could not be read, the same in every run over the same tree.
 std::string idOf(const Unread& thing);
 
-std::string placeOf(const TSXdatafile& file); // its directory and its name without an ending
+std::string shortPathOf(const TSXdatafile& file); // its directory and its name without an ending

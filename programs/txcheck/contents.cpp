@@ -34,7 +34,7 @@ std::string typeName(const TSXdatabase& database, int type) {
                      : std::string(fileclasses[found.classid].directory) + '/' + found.name.c_str();
 }
 
-void fillSolutions(Row& row, const TSXproblem& problem, int place) {
+void fillSolutions(Row& row, const TSXproblem& problem, int position) {
     constexpr const char* notes[] = {"", "  (keys are lost from the data)", "  (deletes at once)"};
     std::vector<Row> solutions;
     std::string& lines = row.lines("Solutions");
@@ -43,7 +43,7 @@ void fillSolutions(Row& row, const TSXproblem& problem, int place) {
         Row& told = solutions.emplace_back();
         told.number("command", "", solution.command);
         told.text("label", "", solution.label).text("cost", "", costword(solution.cost));
-        addLine(lines, std::to_string(place) + ':' + std::to_string(n) + "  " + solution.label +
+        addLine(lines, std::to_string(position) + ':' + std::to_string(n) + "  " + solution.label +
                            notes[static_cast<int>(solution.cost)]);
     }
     row.rows("solutions") = std::move(solutions);
@@ -75,23 +75,23 @@ std::string knownMark(const Known::Standing& standing) {
     return standing.fresh == 0 ? "  (known)" : known + ", " + std::to_string(standing.fresh) + " new)";
 }
 
-void fillProblem(Row& row, const Session& session, int place, Form form) {
-    const TSXproblem& problem = *session.database.getproblem(place);
+void fillProblem(Row& row, const Session& session, int position, Form form) {
+    const TSXproblem& problem = *session.database.getproblem(position);
     const std::string id = problem.id();
     row.mark = problem.facts().word;
-    row.number("row", "Row", place, 5).text("id", "", id).number("kind", "", problem.kind);
+    row.number("row", "Row", position, 5).text("id", "", id).number("kind", "", problem.kind);
     row.number("subkind", "", problem.subkind).text("name", "", problem.name);
     row.number("fileindex", "", problem.fileindex).text("message", "", problem.message);
     if (form != Form::document) {
         std::string& words = row.lines("Problem");
-        addLine(words, problem.message + knownMark(session.known.standing(session.database, place)));
+        addLine(words, problem.message + knownMark(session.known.standing(session.database, position)));
         if (form == Form::page || problem.isunread())
             addLine(words, meaningOf(problem));
         if (const std::string about = firstConcerned(problem); !about.empty())
             addLine(words, about);
     }
     row.text("", "Id", id);
-    fillSolutions(row, problem, place);
+    fillSolutions(row, problem, position);
 }
 
 Section problems(const Session& session, bool isKnown, Form form) {
@@ -152,7 +152,7 @@ std::string countsOf(const TSXdatabase& database, const TSXkeyentry& entry) {
 
 void fillPlaces(std::string& lines, const TSXdatabase& database, const TSXkeyentry& entry) {
     for (const Occurrence& record : entry.records())
-        addLine(lines, typeName(database, record.type) + ": " + placeOf(*record.file) + ", record " +
+        addLine(lines, typeName(database, record.type) + ": " + shortPathOf(*record.file) + ", record " +
                            std::to_string(record.record));
 }
 
@@ -176,7 +176,7 @@ void fillRecord(Row& row, const Occurrence& record, long n) {
     row.number("", "N", n, 7).text("file", "", record.file->name.view());
     row.number("record", "Record", record.record, 8);
     row.text("", "Name", typeName(record.file->database, record.type), 24)
-        .text("", "File", placeOf(*record.file));
+        .text("", "File", shortPathOf(*record.file));
 }
 
 std::vector<Row> recordsOf(const TSXkeyentry* entry) {

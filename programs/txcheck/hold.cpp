@@ -43,7 +43,7 @@ std::string takeHold(Tree& tree, const std::string& directory, Marker wish, HAND
     if (std::string text = obstacle(tree, directory); !text.empty())
         return text;
     Entry there;
-    const bool missing = wish == Marker::present && !tree.look(markerName, Links::refused, there) &&
+    const bool missing = wish == Marker::present && !tree.look(markerName, Links::unfollowed, there) &&
                          there.state.kind == FileState::missing;
     if (wish == Marker::left || missing)
         return {};

@@ -32,8 +32,11 @@ std::vector<std::uint64_t> digestsOf(const TSXproblem& problem) {
     std::vector<std::uint64_t> digests;
     forEachKey(problem, [&](const TSXkeyentry& key, std::span<const Occurrence> records) {
         for (const Occurrence& record : records)
-            digests.push_back(
-                Digest().add(key.key).add(placeOf(*record.file)).add(std::to_string(record.record)).value);
+            digests.push_back(Digest()
+                                  .add(key.key)
+                                  .add(shortPathOf(*record.file))
+                                  .add(std::to_string(record.record))
+                                  .value);
     });
     forEachFile(problem, [&](const std::string& file) { digests.push_back(Digest().add(file).value); });
     std::ranges::sort(digests);

@@ -197,8 +197,8 @@ std::string facts(const TSXdatabase& database) {
     char host[HOST_NAME_MAX + 1] = {};
     gethostname(host, sizeof host - 1);
     std::error_code error;
-    const std::filesystem::path place = std::filesystem::absolute(database.directory.c_str(), error);
-    return "<p class=\"facts\">" + name(place.lexically_normal().string()) + "<br>" + moment + ", on " +
+    const std::filesystem::path whole = std::filesystem::absolute(database.directory.c_str(), error);
+    return "<p class=\"facts\">" + name(whole.lexically_normal().string()) + "<br>" + moment + ", on " +
            name(host) + ", by txcheck " TX_VERSION "</p>\n";
 }
 

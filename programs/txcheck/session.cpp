@@ -5,8 +5,8 @@
 #include <sstream>
 
 #include "analysis/progress.h"
-#include "changes/place.h"
 #include "changes/restore.h"
+#include "changes/undodirectory.h"
 #include "concern.h"
 #include "ending.h"
 #include "model/marker.h"
@@ -14,7 +14,7 @@
 #include "pageform.h"
 #include "platform/system/messagebox.h"
 #include "reporting/log.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 #include "textfile.h"
 #include "told.h"
 
@@ -22,14 +22,14 @@ Session::Session(const Options& given, Together& with, std::string name)
     : database(""), label(std::move(name)), steps(database, given, known), options(given), together(with) {
     tellOf(with.several ? label : "");
     database.planning = options.plan;
-    setReport([this](const char* text, const char* title, std::uint32_t flags) {
+    setNotifier([this](const char* text, const char* title, std::uint32_t flags) {
         return answer(text, title, flags);
     });
 }
 
 Session::~Session() {
     endLog();
-    setReport({});
+    setNotifier({});
     if (marker != INVALID_HANDLE_VALUE)
         CloseHandle(marker);
 }

@@ -12,10 +12,10 @@ std::string linkFailure(const std::string& path, const char* what) {
     return path + ": " + what + ", since it is a link. Give the file itself";
 }
 
-bool standsIn(const Tree& place, const std::string& directory) {
+bool standsIn(const Tree& folder, const std::string& directory) {
     Tree database;
     std::string inner, outer;
-    return !database.open(directory) && !place.fullPath(inner) && !database.fullPath(outer) &&
+    return !database.open(directory) && !folder.fullPath(inner) && !database.fullPath(outer) &&
            (inner + "/").starts_with(outer + "/");
 }
 
@@ -23,12 +23,12 @@ bool standsIn(const Tree& place, const std::string& directory) {
 
 std::string readTextFile(const std::string& path, std::string& content) {
     constexpr std::int64_t longest = std::int64_t{64} << 20;
-    Tree place;
+    Tree folder;
     File file;
     std::string name;
-    Failure reason = place.openDirectoryOf(path, name);
+    Failure reason = folder.openDirectoryOf(path, name);
     if (!reason)
-        reason = place.openToRead(name, file, Links::refused);
+        reason = folder.openToRead(name, file, Links::unfollowed);
     if (!succeeded(reason))
         return reason.number == ERROR_CANT_RESOLVE_FILENAME ? linkFailure(path, "The file is not read")
                                                             : failure(path, "The file can't be opened");
@@ -40,19 +40,19 @@ std::string readTextFile(const std::string& path, std::string& content) {
 
 std::string TextFile::open(const std::string& path, const std::vector<std::string>& databases) {
     name = path;
-    Tree place;
+    Tree folder;
     std::string last;
-    if (!succeeded(place.openDirectoryOf(path, last)))
+    if (!succeeded(folder.openDirectoryOf(path, last)))
         return failure(path, "The file can't be made");
     for (const std::string& directory : databases)
-        if (standsIn(place, directory))
+        if (standsIn(folder, directory))
             return path +
                    ": The file is not written, since it would stand in the database. Give another place";
     File old;
     std::string head;
-    if (!place.openToRead(last, old, Links::refused) && !old.read(0, 8, head) && head == "TX-UNDO-")
+    if (!folder.openToRead(last, old, Links::unfollowed) && !old.read(0, 8, head) && head == "TX-UNDO-")
         return path + ": The file is not written, since an undo file stands there. Give another place";
-    if (stream.open(place, last, OpenMode::write, Links::refused))
+    if (stream.open(folder, last, OpenMode::write, Links::unfollowed))
         return {};
     if (GetLastError() == ERROR_ALREADY_EXISTS)
         return path + ": The file is not written, since it has a second name, which may be one of the data. "

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "changes/place.h"
+#include "changes/undodirectory.h"
 #include "documentform.h"
 #include "ending.h"
 #include "shown.h"
@@ -37,8 +37,8 @@ void fillEntry(Row& row, const UndoListEntry& entry) {
 } // namespace
 
 int writeUndoList(const std::string& directory, bool asDocument) {
-    Tree place;
-    if (const Failure failure = openundodirectory(place, false); failure && !failure.isAbsence()) {
+    Tree undos;
+    if (const Failure failure = openundodirectory(undos, false); failure && !failure.isAbsence()) {
         tell("The directory of the undo files, " + undodirectory() + ", can't be entered, or is a link (" +
              failure.text() + ")");
         return statusFailed;

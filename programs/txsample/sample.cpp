@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "damage.h"
-#include "files/databasefile.h"
+#include "files/settingsfile.h"
 #include "model/database.h"
 #include "model/fileclass.h"
 #include "model/filelist.h"
@@ -31,9 +31,9 @@ constexpr int damageroom = 20; // files of a class that damages, and the repair 
 
 // The experiment files of one class. No two records of a type have the same place, and places are below the
 // number of entries, so that each names an entry of its own.
-class ClassPlan {
+class ClassLayout {
 public:
-    ClassPlan(const SampleOptions& options, int fileclass) : mixed_(fileclass == 1), types_(options.types) {
+    ClassLayout(const SampleOptions& options, int fileclass) : mixed_(fileclass == 1), types_(options.types) {
         const std::int64_t entries = std::int64_t{options.files} * options.entries;
         files_ = std::min<std::int64_t>(options.experiments, types_ * entries);
         if (files_ == 0)
@@ -49,7 +49,7 @@ public:
     int typeof_(int file, int record) const {
         return static_cast<int>((mixed_ ? file * records_ + record : file) % types_);
     }
-    std::int64_t placeof(int file, int record) const {
+    std::int64_t indexof(int file, int record) const {
         return mixed_ ? (file * records_ + record) / types_ : file / types_ * records_ + record;
     }
 
@@ -66,10 +66,10 @@ std::string numberedname(const char* stem, int number) {
 
 // The number of the key at a place of a type. A number of entries has no prime factor above 3000, so this
 // prime leads each place to another entry.
-std::int64_t keynumber(const SampleOptions& options, int fileclass, int type, std::int64_t place) {
+std::int64_t keynumber(const SampleOptions& options, int fileclass, int type, std::int64_t index) {
     const std::int64_t entries = std::int64_t{options.files} * options.entries;
     const std::int64_t first = std::int64_t{fileclass * options.types + type} * 618033989;
-    return (place * 1000003 + first) % entries + 1;
+    return (index * 1000003 + first) % entries + 1;
 }
 
 void writeentries(SampleTree& tree) {
@@ -83,14 +83,14 @@ void writeentries(SampleTree& tree) {
 }
 
 void writeexperiments(SampleTree& tree, int fileclass) {
-    const ClassPlan plan(tree.options, fileclass);
-    for (int i = 0; i < plan.files() && !tree.failed(); ++i) {
+    const ClassLayout layout(tree.options, fileclass);
+    for (int i = 0; i < layout.files() && !tree.failed(); ++i) {
         DataFile file{.fileclass = fileclass,
                       .name = numberedname("EXP", i + 1),
                       .type = typenameof(fileclass, i % tree.options.types)};
-        for (int record = 0; record < plan.records(); ++record) {
-            const int type = plan.typeof_(i, record);
-            const std::int64_t number = keynumber(tree.options, fileclass, type, plan.placeof(i, record));
+        for (int record = 0; record < layout.records(); ++record) {
+            const int type = layout.typeof_(i, record);
+            const std::int64_t number = keynumber(tree.options, fileclass, type, layout.indexof(i, record));
             file.records.push_back({tree.content.key(number), typenameof(fileclass, type)});
         }
         tree.write(file);

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "files/binfile.h"
-#include "files/databasefile.h"
+#include "files/settingsfile.h"
 #include "model/fileclass.h"
 #include "platform/system/errors.h"
 #include "platform/system/person.h"
@@ -190,7 +190,7 @@ void SampleTree::writesettings() {
         check(std::make_error_code(std::errc::filename_too_long), "write settings in", options.home);
     settings.currentDatabase = options.name.c_str();
     settings.databaseDirectory = root_.c_str();
-    if (!failed() && !writeDatabaseFile(settings))
+    if (!failed() && !writeSettingsFile(settings))
         result.failure = "can't write the settings of '" + options.name + "' in '" + options.home +
                          "': " + errorText(GetLastError());
 }

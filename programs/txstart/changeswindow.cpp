@@ -15,7 +15,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "changes/place.h"
+#include "changes/undodirectory.h"
 
 namespace {
 

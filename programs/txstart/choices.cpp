@@ -50,14 +50,14 @@ std::string writeStore(const DatabaseSettings& settings) {
 
 std::string unreadable(const DatabaseSettings& settings) {
     return "There is no database " + quoted(settings.currentDatabase.c_str()) + " in the home directory " +
-           quoted(settings.homeDirectory.c_str()) + ": " + quoted(databaseFilePath(settings)) +
+           quoted(settings.homeDirectory.c_str()) + ": " + quoted(settingsFilePath(settings)) +
            " can't be read. " + errorText(GetLastError());
 }
 
 std::string writeDirectory(DatabaseSettings settings, const std::string& directory) {
     std::string reason;
     settings.databaseDirectory = absoluteDirectory(directory, reason).c_str();
-    if (reason.empty() && !writeDatabaseFile(settings))
+    if (reason.empty() && !writeSettingsFile(settings))
         reason = "The settings of the database can't be written in " +
                  quoted(settings.homeDirectory.c_str()) + ". " + errorText(GetLastError());
     return reason;
@@ -77,7 +77,7 @@ std::string currentDatabaseName() {
 
 std::string directoryOfDatabase(const std::string& home, const std::string& name) {
     DatabaseSettings settings = settingsOf(home, name);
-    readDatabaseFile(settings);
+    readSettingsFile(settings);
     return settings.databaseDirectory.c_str();
 }
 
@@ -91,7 +91,7 @@ std::string chooseDatabase(const std::string& home, const std::string& name) {
     if (home.empty())
         return "No home directory is chosen yet";
     DatabaseSettings settings = settingsOf(home, name);
-    if (name.empty() || !readDatabaseFile(settings))
+    if (name.empty() || !readSettingsFile(settings))
         return unreadable(settings);
     return writeStore(settings);
 }
@@ -115,18 +115,18 @@ std::string addDatabase(const std::string& home, const std::string& name, const 
 
 std::string moveDatabase(const std::string& home, const std::string& name, const std::string& directory) {
     DatabaseSettings settings = settingsOf(home, name);
-    return readDatabaseFile(settings) ? writeDirectory(settings, directory) : unreadable(settings);
+    return readSettingsFile(settings) ? writeDirectory(settings, directory) : unreadable(settings);
 }
 
 std::string forgetDatabase(const std::string& home, const std::string& name) {
-    Tree place;
+    Tree directory;
     Entry entry;
     const std::string file = name + std::string(extension);
-    Failure failure = place.open(home);
+    Failure failure = directory.open(home);
     if (!failure)
-        failure = place.look(file, Links::refused, entry);
+        failure = directory.look(file, Links::unfollowed, entry);
     if (!failure)
-        failure = place.remove(file, entry.state);
+        failure = directory.remove(file, entry.state);
     return failure ? quoted(home + "/" + file) + " can't be removed. " + failure.text() : std::string();
 }
 

@@ -18,7 +18,7 @@
 
 #include "changeswindow.h"
 #include "choices.h"
-#include "files/databasefile.h"
+#include "files/settingsfile.h"
 #include "settings/settings.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include "model/datafile.h"
 #include "model/problem.h"
 #include "platform/system/errors.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 
 namespace {
 
@@ -38,7 +38,7 @@ public:
             troubles.push_back("The database's directory can't be read any more: " + failure.text());
         else if (complete)
             carryout(wanted);
-        reportall(troubles);
+        notifyall(troubles);
     }
 
 private:
@@ -83,7 +83,7 @@ private:
     // Why a directory is not to be made; nothing if it may be.
     std::string whynotmade(Change& change) {
         Entry entry;
-        if (const Failure failure = tree.look(change.file, Links::refused, entry))
+        if (const Failure failure = tree.look(change.file, Links::unfollowed, entry))
             return failure.text() + "\n" + repeat;
         if (!entry.outside.empty())
             return outside(entry);
@@ -107,7 +107,7 @@ private:
         if (file.unread)
             return "It could not be read, so nothing is known of what is in it.\nPut that right, and " +
                    std::string(inspectAgain) + ".";
-        Failure failure = tree.look(change.file, Links::refused, entry);
+        Failure failure = tree.look(change.file, Links::unfollowed, entry);
         if (!failure && !entry.outside.empty())
             return outside(entry);
         if (!failure)
@@ -191,11 +191,11 @@ void addtargets(const TSXproblem& problem, std::vector<Target>& targets) {
 
 // Files that go leave their lists, the last first, so that each position stays right.
 void leavelists(TSXdatabase& database, const std::vector<Target>& targets) {
-    std::set<std::pair<int, int>, std::greater<>> places;
+    std::set<std::pair<int, int>, std::greater<>> positions;
     for (const Target& target : targets)
         if (target.becomes != Target::left && target.fileclass >= 0)
-            places.emplace(target.fileclass, target.position);
-    for (const auto& [fileclass, position] : places)
+            positions.emplace(target.fileclass, target.position);
+    for (const auto& [fileclass, position] : positions)
         database.lists[static_cast<std::size_t>(fileclass)]->removeat(position);
 }
 

@@ -9,7 +9,7 @@
 #include "model/keyentry.h"
 #include "platform/system/letters.h"
 #include "platform/system/messagebox.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 
 namespace {
 
@@ -96,9 +96,9 @@ template <class Operation> void foreachduplicate(const TSXdatabase& database, in
     }
 }
 
-// Reports why a key is not changed. The result of an operation that was refused.
+// Tells why a key is not changed. The result of an operation that was refused.
 int refuse(const std::string& why) {
-    report((why + ". Nothing was changed").c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
+    notify((why + ". Nothing was changed").c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
     return -1;
 }
 
@@ -186,7 +186,7 @@ int TSXdatabase::changekey(TSXkeyentry& entry, int type, int n, const char* text
     if (!moved.file->ischangeable(moved.record))
         return refuse(moved.file->whyleft(moved.record));
     TSXkeyentry& target = findoraddkey(text);
-    if (target.occurrences(type) > 0 && report(type == 0 ? "This database entry exists already. Continue?"
+    if (target.occurrences(type) > 0 && notify(type == 0 ? "This database entry exists already. Continue?"
                                                          : "This experiment exists already. Continue?",
                                                "Warning", MB_YESNO | MB_ICONEXCLAMATION) != IDYES)
         return -1;

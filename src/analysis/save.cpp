@@ -8,7 +8,7 @@
 #include "platform/system/messagebox.h"
 #include "platform/system/signalhold.h"
 #include "reporting/log.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 
 namespace {
 
@@ -49,7 +49,7 @@ public:
             troubles.push_back("The database's directory can't be read any more: " + failure.text());
         for (std::size_t i = 0; i < group.size(); ++i)
             settle(i, failures[i]);
-        reportall(troubles,
+        notifyall(troubles,
                   "What could not be written stays marked as changed: remove the cause, and save again.");
         return obstacles.empty() && troubles.empty() && !database.committer->isopen();
     }
@@ -89,7 +89,7 @@ private:
         Entry entry;
         std::string why;
         const std::string name = tree.spelled(file.path.view());
-        Failure failure = tree.look(name, Links::refused, entry);
+        Failure failure = tree.look(name, Links::unfollowed, entry);
         if (!failure)
             failure = tree.mayChangeDirectoryOf(name);
         if (failure)
@@ -105,8 +105,8 @@ private:
             obstacles.push_back(message(toform, file, why));
             return;
         }
-        std::vector<std::int32_t> places;
-        add(file, makingof(name, FileState::plain, contentOf(file.wholecontent(places))));
+        std::vector<std::int32_t> offsets;
+        add(file, makingof(name, FileState::plain, contentOf(file.wholecontent(offsets))));
     }
 
     void add(TSXdatafile& file, Change change) {
@@ -123,7 +123,7 @@ private:
 
     bool goon() {
         if (group.empty()) {
-            reportall(obstacles, repeatchange.c_str());
+            notifyall(obstacles, repeatchange.c_str());
             return false;
         }
         return askall(obstacles, "Nothing was written yet. Save the others all the same?");

@@ -6,7 +6,7 @@
 #include "changes/restore.h"
 #include "model/database.h"
 #include "model/datafile.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 
 namespace {
 
@@ -69,9 +69,9 @@ bool SessionUndo::restoreFrom(std::uint32_t group) {
         askall(result.left, "This is not as it was left. Take back the rest?")) {
         options.yes = true;
         result = restore(database.tree, options);
-        reportall(result.left);
+        notifyall(result.left);
     } else if (!result.refused.empty() && result.left.empty()) {
-        reportall({result.refused});
+        notifyall({result.refused});
     }
     for (Change& change : result.changes)
         database.addchange(std::move(change));

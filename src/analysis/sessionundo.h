@@ -22,7 +22,7 @@ public:
     void noteStep(const std::string& name);
     std::string next() const { return steps.empty() ? "" : steps.back().name; } // empty: nothing is left
     // Takes that step back; an analysis has to follow, before which no key entry may be used. False where
-    // nothing of it was taken back, which has been reported; it can be tried again.
+    // nothing of it was taken back, which was told; it can be tried again.
     bool takeBack();
 
 private:

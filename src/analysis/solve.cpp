@@ -5,7 +5,7 @@
 #include "model/datafile.h"
 #include "model/problem.h"
 #include "platform/system/messagebox.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 
 namespace {
 
@@ -43,7 +43,7 @@ int TSXproblem::solve(int number) const {
     if (solutioncommand(number) == 0 || leftlist)
         return 0;
     if (const std::string text = obstacle(*this); !text.empty()) {
-        report(text.c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
+        notify(text.c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
         return 0;
     }
     if (facts().concernskey == nullptr)
@@ -52,6 +52,6 @@ int TSXproblem::solve(int number) const {
     left.clear();
     solution(number).changekeys(database, *this);
     left.erase(std::unique(left.begin(), left.end()), left.end());
-    reportall(left, "All else was done.");
+    notifyall(left, "All else was done.");
     return left.empty() ? 1 : 0;
 }

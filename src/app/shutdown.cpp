@@ -4,13 +4,13 @@
 #include "platform/system/person.h"
 #include "platform/system/startprogram.h"
 #include "reporting/log.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 #include "settings/settings.h"
 #include "toolkit/drawing.h"
 #include "views/current.h"
 
 TSXapp::~TSXapp() {
-    setReport({});
+    setNotifier({});
     database.reset();
     releaseDrawing();
     endLog();

@@ -12,7 +12,7 @@
 #include "platform/system/startprogram.h"
 #include "platform/window/msgbox.h"
 #include "reporting/log.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 #include "resources/resources.h"
 #include "settings/settings.h"
 #include "toolkit/drawing.h"
@@ -37,7 +37,7 @@ std::string waiting;            // what keeps this run from changing anything; e
 }
 
 [[noreturn]] void leave(const char* text, std::uint32_t icon) {
-    report(text, "Error", MB_OK | icon);
+    notify(text, "Error", MB_OK | icon);
     quit(text);
 }
 
@@ -54,7 +54,7 @@ void findDatabase() {
     if (!readSettingsStore(settings))
         leave(notStartedText, MB_ICONEXCLAMATION);
     findRootDirectory();
-    if (!readDatabaseFile(settings))
+    if (!readSettingsFile(settings))
         leave(noValidDatabaseText, MB_ICONHAND);
     homeDirectory = settings.homeDirectory;
     currentDatabase = settings.currentDatabase;
@@ -81,7 +81,7 @@ void takeHold() {
 
 void warnOfConnectedDatabase() {
     if (hasConnectedDatabase(*heldTree) &&
-        report(connectedDatabaseText, "Warning", MB_OKCANCEL | MB_ICONINFORMATION) != IDOK)
+        notify(connectedDatabaseText, "Warning", MB_OKCANCEL | MB_ICONINFORMATION) != IDOK)
         quit("It is left alone beside a connected database", -1);
 }
 
@@ -97,11 +97,11 @@ void finishEarlier() {
         leave(text.c_str(), MB_ICONEXCLAMATION);
     if (work.outcome == Finished::left) {
         waiting = text;
-        if (report((text + "\nInspect it all the same? Nothing is changed then").c_str(), "Warning",
+        if (notify((text + "\nInspect it all the same? Nothing is changed then").c_str(), "Warning",
                    MB_YESNO | MB_ICONEXCLAMATION) != IDYES)
             quit(text);
     } else if (!text.empty()) {
-        report(text.c_str(), "Warning", MB_OK | MB_ICONINFORMATION);
+        notify(text.c_str(), "Warning", MB_OK | MB_ICONINFORMATION);
     }
 }
 
@@ -113,19 +113,19 @@ void tellProgress(int percent, const std::string& text) {
     std::_Exit(0);
 }
 
-constexpr const char* mainPlace = "Main Window"; // values of the settings store
-constexpr const char* entryPlace = "Entry Window";
+constexpr const char* mainPlacement = "Main Window"; // values of the settings store
+constexpr const char* entryPlacement = "Entry Window";
 
-void keepPlaces(const WindowPlaces& places) {
-    writeWindowPlace(mainPlace, places.main);
-    writeWindowPlace(entryPlace, places.entry);
+void keepPlacements(const WindowPlacements& placements) {
+    writeWindowPlacement(mainPlacement, placements.main);
+    writeWindowPlacement(entryPlacement, placements.entry);
 }
 
 } // namespace
 
 TSXapp::TSXapp() {
     setResources(programResources);
-    setReport([](const char* text, const char* title, std::uint32_t flags) {
+    setNotifier([](const char* text, const char* title, std::uint32_t flags) {
         return MessageBoxA(mainFrame, text, title, flags);
     });
     findDatabase();
@@ -145,8 +145,8 @@ int TSXapp::InitInstance() {
     database->committer = std::make_unique<Committer>(heldTree, CommitOptions{.ask = true, .holds = stands});
     database->committer->closed = waiting;
     mainFrame = new TSXmainframe;
-    mainFrame->places = {readWindowPlace(mainPlace), readWindowPlace(entryPlace)};
-    mainFrame->keepPlaces = keepPlaces;
+    mainFrame->placements = {readWindowPlacement(mainPlacement), readWindowPlacement(entryPlacement)};
+    mainFrame->keepPlacements = keepPlacements;
     {
         const Progress progress(*database, tellProgress);
         database->load(databaseDirectory);

@@ -32,7 +32,7 @@ std::string encode(const ChangeAtWork& change) {
     text += line("undo", change.undo) + line("number", std::to_string(change.number));
     text += line("group", std::to_string(change.group)) + line("user", change.user);
     text += line("host", change.host) + line("time", std::to_string(change.time));
-    text += line("place", change.place);
+    text += line("place", change.directory);
     return text + line("sum", std::to_string(checksumOf(text)));
 }
 
@@ -50,7 +50,7 @@ bool decode(const std::string& text, ChangeAtWork& change) {
     change.user = values["user"];
     change.host = values["host"];
     change.time = std::strtoll(values["time"].c_str(), nullptr, 10);
-    change.place = values["place"];
+    change.directory = values["place"];
     return encode(change) == text && change.undo.find_first_of("/\\") == std::string::npos;
 }
 
@@ -62,7 +62,7 @@ std::string ChangeAtWork::who() const {
     char text[40] = {};
     if (localtime_r(&moment, &parts) != nullptr)
         std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", &parts);
-    return "by " + user + " at " + text + " on " + host + " in " + place;
+    return "by " + user + " at " + text + " on " + host + " in " + directory;
 }
 
 Failure AtWork::begin(Tree& tree, const ChangeAtWork& change) {
@@ -85,7 +85,7 @@ Failure AtWork::end(Tree& tree) {
     FileState own;
     Entry entry;
     Failure failure = file_.state(own);
-    failure = failure ? failure : tree.look(name, Links::refused, entry);
+    failure = failure ? failure : tree.look(name, Links::unfollowed, entry);
     if (!failure && entry.state.identity == own.identity)
         failure = tree.remove(name, entry.state);
     failure = failure ? failure : tree.syncDirectoryOf(name);
@@ -99,7 +99,7 @@ Failure readtrace(Tree& tree, Trace& trace, ChangeAtWork& change) {
     std::string text;
     bool locked = false;
     trace = Trace::none;
-    Failure failure = tree.openToRead(AtWork::name, file, Links::refused);
+    Failure failure = tree.openToRead(AtWork::name, file, Links::unfollowed);
     if (failure)
         return failure.isAbsence() ? Failure() : failure;
     failure = file.lockedForWriting(locked);

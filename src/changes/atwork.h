@@ -13,7 +13,7 @@ struct ChangeAtWork {
     std::uint32_t group = 0;  // in it, from 1
     std::string user, host;
     std::int64_t time = 0; // seconds since 1970
-    std::string place;     // the database's directory, as that user sees it
+    std::string directory; // the database's directory, as that user sees it
 
     std::string who() const; // "by alice at 2026-11-25 21:40 on lab3 in /data/strains"
 };

@@ -85,7 +85,7 @@ Failure comparewhole(Tree& tree, Change& change, Standing& standing) {
         return {};
     if (change.state.kind == FileState::plain) {
         File file;
-        const Failure failure = tree.openToRead(change.file, file, Links::refused);
+        const Failure failure = tree.openToRead(change.file, file, Links::unfollowed);
         change.judged = file.opened();
         return failure ? failure : compare(file, change.content, standing);
     }
@@ -152,7 +152,7 @@ Failure makeplain(Tree& tree, Change& change) {
     const bool fresh = change.parts[0] == Standing::before;
     const Rights rights = change.given ? Rights::ownerOnly : Rights::asDirectory;
     Failure failure =
-        fresh ? tree.make(change.file, made, rights) : openjudged(tree, change, Links::refused, begun);
+        fresh ? tree.make(change.file, made, rights) : openjudged(tree, change, Links::unfollowed, begun);
     const File& file = fresh ? made.file : begun;
     change.begun = !failure && !fresh;
     failure = failure ? failure : writeContent(change.content, file);
@@ -244,7 +244,7 @@ Standing standingof(std::string_view found, const KeyField& field) {
 
 Failure lookexactly(Tree& tree, const std::string& name, FileState& state) {
     Entry entry;
-    const Failure failure = tree.look(name, Links::refused, entry);
+    const Failure failure = tree.look(name, Links::unfollowed, entry);
     const bool same = entry.name.substr(entry.name.rfind('/') + 1) == name.substr(name.rfind('/') + 1);
     state = same ? entry.state : FileState();
     return failure;
@@ -312,7 +312,7 @@ std::string draftkeys(Tree& tree, const FileState& onread, const std::vector<New
 
 Failure draftdeletion(Tree& tree, const FileState& known, Change& change) {
     Entry entry, target;
-    Failure failure = tree.look(change.file, Links::refused, entry);
+    Failure failure = tree.look(change.file, Links::unfollowed, entry);
     const bool link = entry.state.kind == FileState::symbolic;
     if (!failure && link)
         failure = tree.look(change.file, Links::followed, target);

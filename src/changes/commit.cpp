@@ -6,7 +6,7 @@
 #include "platform/system/messagebox.h"
 #include "platform/system/person.h"
 #include "platform/system/signalhold.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 
 namespace {
 
@@ -15,20 +15,20 @@ constexpr const char* stillopen = "An earlier change is not on the disk yet as a
                                   "at the next change and by the next run";
 
 void warn(const std::string& text) {
-    report(text.c_str(), "Warning", MB_OK | MB_ICONINFORMATION);
+    notify(text.c_str(), "Warning", MB_OK | MB_ICONINFORMATION);
 }
 
 } // namespace
 
 bool Committer::refuse(const std::string& why) const {
-    report((why + "\nNothing was changed").c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
+    notify((why + "\nNothing was changed").c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
     return false;
 }
 
 bool Committer::goOnWithout(const std::string& why) const {
     if (!options_.ask)
         return refuse(why);
-    return report((why + "\nGo on without?").c_str(), "Warning", MB_YESNO | MB_ICONEXCLAMATION) == IDYES;
+    return notify((why + "\nGo on without?").c_str(), "Warning", MB_YESNO | MB_ICONEXCLAMATION) == IDYES;
 }
 
 bool Committer::journal(std::vector<Change>& group) {
@@ -55,7 +55,7 @@ bool Committer::announce() {
                         {}};
     if (change.number == 0) // there is no undo file
         change.number = randomnumber();
-    Failure failure = tree_->fullPath(change.place);
+    Failure failure = tree_->fullPath(change.directory);
     failure = failure ? failure : atwork_.begin(*tree_, change);
     tree_->numberTemporaries(failure ? 0 : change.number);
     return !failure || goOnWithout(std::string("The file '") + AtWork::name +

@@ -27,11 +27,11 @@ public:
 
     // Carries out a group that has been looked at since the last begin of the tree. True: all of it that
     // could be done is done; each change tells whether it was made, and failures has the reason of each that
-    // was not. False: nothing was done, and why has been reported.
+    // was not. False: nothing was done, and why was told.
     bool commit(std::vector<Change>& group, std::vector<Failure>& failures);
 
     // An earlier commit that could not put all on the disk is carried out again; what it made since is added
-    // to done. False where it still can't, which has been reported.
+    // to done. False where it still can't, which was told.
     bool completeopen(std::vector<Change>& done);
     bool isopen() const { return !open_.empty(); }
 

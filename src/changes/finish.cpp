@@ -6,7 +6,7 @@
 #include "changes/atwork.h"
 #include "changes/carryout.h"
 #include "changes/linkednames.h"
-#include "changes/place.h"
+#include "changes/undodirectory.h"
 #include "changes/undowriter.h"
 #include "platform/system/person.h"
 #include "platform/system/signalhold.h"
@@ -46,12 +46,12 @@ private:
 
     // The group of the undo file that was being carried out.
     bool read() {
-        Tree place;
+        Tree directory;
         std::string why = "it was made without an undo file";
         if (!change_.undo.empty()) {
-            const Failure failure = openundodirectory(place, false);
+            const Failure failure = openundodirectory(directory, false);
             why = failure ? undodirectory() + " can't be entered (" + failure.text() + ")"
-                          : readundofile(place, change_.undo, undo_);
+                          : readundofile(directory, change_.undo, undo_);
             path_ = undodirectory() + "/" + change_.undo;
         }
         if (why.empty() && undo_.header.number != change_.number)

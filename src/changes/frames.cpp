@@ -9,8 +9,8 @@ constexpr std::size_t frameHead = 9;
 std::string headOf(FrameKind kind, std::uint64_t position, std::string_view bytes) {
     Encoder to;
     to.number(static_cast<std::uint8_t>(kind)).number(static_cast<std::uint32_t>(bytes.size()));
-    const std::uint32_t place = checksumOf(Encoder(to.bytes).number(position).bytes);
-    to.number(checksumOf(bytes, place));
+    const std::uint32_t start = checksumOf(Encoder(to.bytes).number(position).bytes);
+    to.number(checksumOf(bytes, start));
     return to.bytes;
 }
 

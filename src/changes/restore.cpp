@@ -3,7 +3,7 @@
 #include <set>
 
 #include "changes/carryout.h"
-#include "changes/restoreplan.h"
+#include "changes/reversal.h"
 #include "platform/system/signalhold.h"
 
 namespace {
@@ -27,8 +27,8 @@ void givetimes(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup, const 
         }
 }
 
-void telllostnames(Tree& tree, const RestorePlan& plan, std::vector<std::string>& left) {
-    for (const Change* deletion : plan.linked) {
+void telllostnames(Tree& tree, const Reversal& reversal, std::vector<std::string>& left) {
+    for (const Change* deletion : reversal.linked) {
         FileState now;
         if (!lookexactly(tree, deletion->file, now) && now.kind == FileState::plain && now.names < 2)
             left.push_back(tree.path() + "/" + deletion->file +
@@ -36,28 +36,28 @@ void telllostnames(Tree& tree, const RestorePlan& plan, std::vector<std::string>
     }
 }
 
-void carryout(const std::shared_ptr<Tree>& tree, const UndoFile& undo, RestorePlan& plan,
+void carryout(const std::shared_ptr<Tree>& tree, const UndoFile& undo, Reversal& reversal,
               RestoreOptions& options, RestoreResult& result) {
     options.commit.isrestore = true;
     Committer committer(tree, options.commit);
     std::vector<Failure> failures;
-    if (!committer.commit(plan.changes, failures)) {
+    if (!committer.commit(reversal.changes, failures)) {
         result.refused = "Nothing was restored";
         return;
     }
     for (std::size_t i = 0; i < failures.size(); ++i)
         if (failures[i]) {
-            result.left.push_back(tree->path() + "/" + plan.changes[i].file +
+            result.left.push_back(tree->path() + "/" + reversal.changes[i].file +
                                   ": it could not be brought back (" + failures[i].text() + ")");
-            plan.leftin.insert(parentof(plan.changes[i].file));
+            reversal.leftin.insert(parentof(reversal.changes[i].file));
         }
-    telllostnames(*tree, plan, result.left);
-    givetimes(*tree, undo, options.fromgroup, plan.leftin, result.left);
+    telllostnames(*tree, reversal, result.left);
+    givetimes(*tree, undo, options.fromgroup, reversal.leftin, result.left);
     result.open = committer.isopen();
     result.ownundofile = committer.undopath();
     if (result.left.empty())
         markrestored(options.undofile, options.fromgroup);
-    for (Change& change : plan.changes)
+    for (Change& change : reversal.changes)
         if (change.made)
             result.changes.push_back(std::move(change));
 }
@@ -86,16 +86,16 @@ RestoreResult restore(const std::shared_ptr<Tree>& tree, RestoreOptions options)
         result.refused = tree->path() + ": it can't be read (" + failure.text() + ")";
     if (!result.refused.empty())
         return result;
-    RestorePlan plan(*tree, undo, options.fromgroup);
-    result.left = plan.left;
-    if (!plan.left.empty() && !options.yes && !options.plan) {
+    Reversal reversal(*tree, undo, options.fromgroup);
+    result.left = reversal.left;
+    if (!reversal.left.empty() && !options.yes && !options.plan) {
         result.refused = "Not all is as it was left by the changes; with --yes the rest is restored";
         return result;
     }
     if (options.plan) {
-        result.changes = std::move(plan.changes);
+        result.changes = std::move(reversal.changes);
         return result;
     }
-    carryout(tree, undo, plan, options, result);
+    carryout(tree, undo, reversal, options, result);
     return result;
 }

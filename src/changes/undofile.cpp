@@ -292,13 +292,13 @@ Failure openundofile(Tree& tree, const std::string& name, bool towrite, File& fi
     Tree elsewhere;
     std::string target, there;
     if (tree.readLink(name, target))
-        return towrite ? tree.openToWrite(name, file, Links::refused)
-                       : tree.openToRead(name, file, Links::refused);
+        return towrite ? tree.openToWrite(name, file, Links::unfollowed)
+                       : tree.openToRead(name, file, Links::unfollowed);
     const Failure failure = elsewhere.openDirectoryOf(target, there);
     if (failure)
         return failure;
-    return towrite ? elsewhere.openToWrite(there, file, Links::refused)
-                   : elsewhere.openToRead(there, file, Links::refused);
+    return towrite ? elsewhere.openToWrite(there, file, Links::unfollowed)
+                   : elsewhere.openToRead(there, file, Links::unfollowed);
 }
 
 std::string readundohead(Tree& tree, const std::string& name, UndoFile& undo) {

@@ -5,7 +5,7 @@
 #include <random>
 #include <utility>
 
-#include "changes/place.h"
+#include "changes/undodirectory.h"
 #include "platform/system/person.h"
 
 namespace {
@@ -41,8 +41,8 @@ std::string UndoWriter::keep(Tree& database, std::vector<Change>& group) {
 bool UndoWriter::stands() {
     FileState own;
     Entry entry;
-    return file_.isOpen() && !file_.state(own) && !place_->begin() &&
-           !place_->look(nameThere_, Links::refused, entry) && entry.state.identity == own.identity;
+    return file_.isOpen() && !file_.state(own) && !directory_->begin() &&
+           !directory_->look(nameThere_, Links::unfollowed, entry) && entry.state.identity == own.identity;
 }
 
 std::string UndoWriter::make(Tree& database) {
@@ -58,13 +58,13 @@ std::string UndoWriter::make(Tree& database) {
 std::string UndoWriter::makeInState(const std::string& directory) {
     if (undodirectory().empty())
         return "there is no directory for undo files: set XDG_STATE_HOME or HOME";
-    place_ = std::make_unique<Tree>();
-    if (const Failure failure = openundodirectory(*place_, true))
+    directory_ = std::make_unique<Tree>();
+    if (const Failure failure = openundodirectory(*directory_, true))
         return told("the directory " + undodirectory() + " can't be made or entered, or is a link", failure);
     std::string why;
-    const Failure taken = underFreeName(*place_, [&](const std::string& name) {
+    const Failure taken = underFreeName(*directory_, [&](const std::string& name) {
         Entry entry;
-        Failure failure = place_->look(name, Links::refused, entry);
+        Failure failure = directory_->look(name, Links::unfollowed, entry);
         if (!failure && entry.state.kind != FileState::missing)
             failure = {ERROR_ALREADY_EXISTS};
         if (!failure)
@@ -74,25 +74,26 @@ std::string UndoWriter::makeInState(const std::string& directory) {
     if (taken)
         return told("no undo file can be made in " + undodirectory(), taken);
     if (why.empty())
-        removeoldundofiles(*place_, name_ = nameThere_);
+        removeoldundofiles(*directory_, name_ = nameThere_);
     return why;
 }
 
 // Names of one second have numbers.
-Failure UndoWriter::underFreeName(Tree& place, const std::function<Failure(const std::string&)>& make) const {
+Failure UndoWriter::underFreeName(Tree& directory,
+                                  const std::function<Failure(const std::string&)>& make) const {
     constexpr int tries = 1000;
     Failure failure = {ERROR_ALREADY_EXISTS};
     for (int number = 0; number < tries && failure.number == ERROR_ALREADY_EXISTS; ++number)
-        failure = make(newundoname(place, header_.time, number));
+        failure = make(newundoname(directory, header_.time, number));
     return failure;
 }
 
 std::string UndoWriter::makeHere(const std::string& name, const std::string& directory) {
-    const std::string path = wanted_.empty() ? place_->path() + "/" + name : wanted_;
+    const std::string path = wanted_.empty() ? directory_->path() + "/" + name : wanted_;
     NewFile made;
     FileState own;
     auto position = static_cast<std::int64_t>(UndoHeader::size);
-    Failure failure = place_->make(name, made, Rights::ownerOnly, Appears::atOnce);
+    Failure failure = directory_->make(name, made, Rights::ownerOnly, Appears::atOnce);
     if (!failure && !isUsersAlone(made.file))
         return "the undo file " + path +
                " would not belong to this user alone, since its file system has no owners; give another "
@@ -101,10 +102,10 @@ std::string UndoWriter::makeHere(const std::string& name, const std::string& dir
     header_.length = header_.finished = static_cast<std::uint64_t>(position);
     failure = failure ? failure : made.file.write(0, header_.encode());
     failure = failure ? failure : made.keep();
-    failure = failure ? failure : place_->syncDirectoryOf(name);
+    failure = failure ? failure : directory_->syncDirectoryOf(name);
     if (failure) {
         if (!made.file.state(own)) [[maybe_unused]] // which may have its name by now
-            const Failure left = place_->remove(name, own);
+            const Failure left = directory_->remove(name, own);
         return told("the undo file " + path + " can't be written", failure);
     }
     file_ = std::move(made.file);
@@ -114,10 +115,10 @@ std::string UndoWriter::makeHere(const std::string& name, const std::string& dir
 }
 
 std::string UndoWriter::makeElsewhere(const std::string& directory) {
-    place_ = std::make_unique<Tree>();
+    directory_ = std::make_unique<Tree>();
     std::string name, full;
-    Failure failure = place_->openDirectoryOf(wanted_, name);
-    failure = failure ? failure : place_->fullPath(full);
+    Failure failure = directory_->openDirectoryOf(wanted_, name);
+    failure = failure ? failure : directory_->fullPath(full);
     if (failure)
         return told("the directory of " + wanted_ + " can't be entered", failure);
     if ((full + "/").starts_with(directory + "/"))
@@ -133,12 +134,12 @@ std::string UndoWriter::makeElsewhere(const std::string& directory) {
 // A file elsewhere is found by its link, should the run be interrupted. Without one it still serves a
 // restore.
 std::string UndoWriter::linkToIt() {
-    Tree place;
-    Failure failure = openundodirectory(place, true);
+    Tree directory;
+    Failure failure = openundodirectory(directory, true);
     if (!failure)
-        failure = underFreeName(place,
-                                [&](const std::string& name) { return place.makeLink(name_ = name, path_); });
-    failure = failure ? failure : place.syncDirectoryOf(name_);
+        failure = underFreeName(
+            directory, [&](const std::string& name) { return directory.makeLink(name_ = name, path_); });
+    failure = failure ? failure : directory.syncDirectoryOf(name_);
     if (!failure)
         return "";
     name_.clear();
@@ -221,11 +222,11 @@ namespace {
 
 // Writes the header of an undo file anew, in which mark has changed something.
 template <class Mark> void remark(const std::string& path, Mark mark) {
-    Tree place;
+    Tree directory;
     std::string name, head;
     File file;
     UndoHeader header;
-    if (place.openDirectoryOf(path, name) || openundofile(place, name, true, file) ||
+    if (directory.openDirectoryOf(path, name) || openundofile(directory, name, true, file) ||
         file.read(0, UndoHeader::size, head) || !header.decode(head))
         return;
     mark(header);

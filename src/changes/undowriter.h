@@ -38,7 +38,7 @@ private:
     std::string makeInState(const std::string& directory);
     std::string makeElsewhere(const std::string& directory);
     std::string makeHere(const std::string& name, const std::string& directory);
-    Failure underFreeName(Tree& place, const std::function<Failure(const std::string&)>& make) const;
+    Failure underFreeName(Tree& directory, const std::function<Failure(const std::string&)>& make) const;
     std::string linkToIt();
     std::string append(Tree& database, std::vector<Change>& group);
     std::string count(Tree& database, std::vector<Change>& group, std::vector<DirectoryTimes>& directories);
@@ -47,7 +47,7 @@ private:
     std::string wanted_;
     bool isrestore_;
     std::string path_, name_, unfound_;
-    std::unique_ptr<Tree> place_; // where the file stands
+    std::unique_ptr<Tree> directory_; // where the file stands
     std::string nameThere_;
     File file_;
     UndoHeader header_; // as it is in the file

@@ -29,14 +29,14 @@ int TSXfinder::findfirst(const char* pattern) {
     std::vector<std::string> names;
     findclose();
     passedover.clear();
-    place = whole.substr(0, last);
-    const Failure unread = tree.names(place, names);
+    folder = whole.substr(0, last);
+    const Failure unread = tree.names(folder, names);
     for (const std::string& name : names)
         if (matchesPattern(name, std::string_view(whole).substr(last, star - last), suffix))
             (opensItself(names, name, suffix) ? matches : passedover).push_back(name);
     Entry entry; // a directory that is there was away for a moment
     const bool away = unread.isAbsence() &&
-                      (tree.look(place, Links::followed, entry) || entry.state.kind != FileState::directory);
+                      (tree.look(folder, Links::followed, entry) || entry.state.kind != FileState::directory);
     missing = away && unread.number == ERROR_PATH_NOT_FOUND;
     failure = away ? ERROR_SUCCESS : unread.number;
     return take(true);
@@ -53,7 +53,7 @@ int TSXfinder::take(bool first) {
         return 0;
     const std::string& name = matches[next++];
     Entry entry;
-    entryfailure = tree.look(place + name, Links::followed, entry).number;
+    entryfailure = tree.look(folder + name, Links::followed, entry).number;
     const bool attributes = name[0] == '.' || (entry.state.permissions & anyWrite) == 0;
     const bool counts = entry.state.kind == FileState::directory && !(first && attributes);
     entryname = name.c_str();

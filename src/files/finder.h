@@ -41,7 +41,7 @@ private:
     int take(bool first);
 
     Tree& tree;
-    std::string place; // the directory, with its separator after it
+    std::string folder; // the directory, with its separator after it
     std::vector<std::string> matches;
     std::size_t next = 0;
 };

@@ -92,12 +92,12 @@ void TSXdatabase::notesearch(const TSXfinder& search, const char* relative, Unre
         addunreadpath(path, errorText(search.failure), weight);
     const std::string folder = diskname(path);
     for (const std::string& name : search.passedover) {
-        const std::string place = folder == "." ? name : folder + "/" + name;
+        const std::string found = folder == "." ? name : folder + "/" + name;
         if (name.find('\\') == std::string::npos)
-            addunread({place, "Another file is read under this name.", Unread::told});
+            addunread({found, "Another file is read under this name.", Unread::told});
         else
             addunread(
-                {place, "Its name holds a backslash, so it can't be opened: give it another name.", weight});
+                {found, "Its name holds a backslash, so it can't be opened: give it another name.", weight});
     }
 }
 

@@ -128,7 +128,7 @@ public:
     void showallkeys();                        // makes every key visible until the next pass
 
     // Repairs. They leave the data files right; an analysis has to follow. Deleting and making happen at once
-    // on disk, keys change in memory. Results: 1 success, 0 failure, which has been reported.
+    // on disk, keys change in memory. Results: 1 success, 0 failure, which was told.
     void removeduplicates(int type);
     void renameduplicates(int type);
     void createkeys();
@@ -147,10 +147,10 @@ public:
 
     int ismodified() const; // 1 if any record differs from the disk, else 0
     // What an earlier commit has written, and the disk has confirmed only now. False where it still has not,
-    // which has been reported.
+    // which was told.
     bool completeearlier();
     // Brings every changed key to the disk. 1 if nothing is left unsaved; else 0: what could not be saved has
-    // been reported and stays changed. While planning nothing is written, and the result is what it would be.
+    // been told and stays changed. While planning nothing is written, and the result is what it would be.
     int saveall();
 
     TextStore keytexts; // the keys of all data files, also those that were changed since

@@ -104,7 +104,7 @@ void TSXdatafile::settle(int i, std::string_view key) {
     keysondisk[record] = keydirty[record] == 1 ? database.keytexts.keep(key) : std::string_view();
 }
 
-std::string TSXdatafile::wholecontent(std::vector<std::int32_t>& places) const {
+std::string TSXdatafile::wholecontent(std::vector<std::int32_t>& offsets) const {
     TSXbinfile file;
     file.openmemory();
     file.writestring(format.header);
@@ -113,9 +113,9 @@ std::string TSXdatafile::wholecontent(std::vector<std::int32_t>& places) const {
     file.endtag();
     file.writetag(format.recordtag);
     file.writeint(keycount);
-    places.resize(keys.size());
+    offsets.resize(keys.size());
     for (std::size_t i = 1; i < keys.size(); ++i) {
-        places[i] = file.tell();
+        offsets[i] = file.tell();
         file.writefield(keys[i], keycapacity);
     }
     file.endtag();
@@ -214,7 +214,7 @@ Chunk TSXdatafile::readrecords(TSXbinfile& file) {
     for (std::size_t i = 1; i < keys.size(); ++i)
         readrecord(file, i);
     if (format.counted)
-        return usable ? Chunk::taken : Chunk::refused;
+        return usable ? Chunk::taken : Chunk::unusable;
     typeid_ = keytypes[1];
     return Chunk::toleave;
 }

@@ -50,9 +50,9 @@ public:
     std::vector<NewKey> changedkeys() const; // of a file on disk; the texts stay as long as the keys do
     // A record has that key on the disk now. It is no longer changed where that is its key.
     void settle(int i, std::string_view key);
-    // The content of a .DBS file that is not on disk yet, with no fields; places gets the offset of each key
+    // The content of a .DBS file that is not on disk yet, with no fields; offsets gets the offset of each key
     // field.
-    std::string wholecontent(std::vector<std::int32_t>& places) const;
+    std::string wholecontent(std::vector<std::int32_t>& offsets) const;
     // That content is on the disk.
     void settlewhole(const FileState& state);
     bool isempty() const { return valid == 1 && keycount == 0; }

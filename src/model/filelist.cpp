@@ -70,14 +70,14 @@ std::string TSXfilelist::pathof(const std::string& name) const {
 }
 
 // The order is that of the search; what is made anew stands at the end.
-std::size_t TSXfilelist::placeof(const std::string& name) const {
-    std::size_t place = files.size();
+std::size_t TSXfilelist::positionof(const std::string& name) const {
+    std::size_t position = files.size();
     const auto isbehind = [&](const TSXdatafile& file) {
         return file.entryname.empty() || beforeInOrder(name, file.entryname);
     };
-    while (place > 1 && isbehind(*files[place - 1]))
-        --place;
-    return place;
+    while (position > 1 && isbehind(*files[position - 1]))
+        --position;
+    return position;
 }
 
 void TSXfilelist::take(const TSXfinder& match) {
@@ -100,7 +100,7 @@ void TSXfilelist::take(const TSXfinder& match) {
         file->noteunread(match.entryfailure);
     database.noteoutside(match);
     const TSXdatafile& taken = *file;
-    addfile(std::move(file), placeof(name));
+    addfile(std::move(file), positionof(name));
     if (database.fileread)
         database.fileread(taken);
 }
@@ -242,7 +242,7 @@ int TSXfilelist::newfile() {
     const auto istaken = [&] {
         failure =
             database.tree->look(std::string(format.directory) + "/" + name.c_str() + "." + format.extension,
-                                Links::refused, entry);
+                                Links::unfollowed, entry);
         return !failure && entry.state.kind != FileState::missing;
     };
     while (islisted(number) || istaken())

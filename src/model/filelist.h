@@ -62,7 +62,7 @@ private:
     bool issecondname(const TSXfinder& match);
     void notepassedover(const TSXfinder& search);
     std::string pathof(const std::string& name) const;
-    std::size_t placeof(const std::string& name) const;
+    std::size_t positionof(const std::string& name) const;
 
     std::string pattern;                                // of its files
     std::set<std::string, BeforeIgnoringCase> names;    // of the files

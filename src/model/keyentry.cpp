@@ -20,9 +20,9 @@ void TSXkeyentry::addoccurrence(int t, TSXdatafile& file, int record) {
     if (t < 0 || t > lasttype)
         return;
     Occurrence* const larger = file.database.keytree.makerecords(count + 1);
-    Occurrence* const place = std::copy(records().begin(), list(t).end(), larger);
-    std::copy(list(t).end(), records().end(), place + 1);
-    *place = {&file, record, t};
+    Occurrence* const at = std::copy(records().begin(), list(t).end(), larger);
+    std::copy(list(t).end(), records().end(), at + 1);
+    *at = {&file, record, t};
     first = larger;
     ++count;
 }

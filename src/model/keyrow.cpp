@@ -98,9 +98,9 @@ KeyRow::KeyRow(const TSXdatabase& database) {
             }
 }
 
-void KeyRow::fill(std::span<Record> place, std::span<Record> spareplace) {
-    records = place;
-    spare = spareplace;
+void KeyRow::fill(std::span<Record> room, std::span<Record> spareroom) {
+    records = room;
+    spare = spareroom;
     auto record = records.begin();
     for (std::size_t number = 0; number < files.size(); ++number)
         for (std::size_t r = 1; r < files[number]->keys.size(); ++r, ++record)

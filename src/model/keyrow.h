@@ -25,8 +25,8 @@ public:
     explicit KeyRow(const TSXdatabase& database);
 
     std::size_t size() const { return count; }
-    // Puts the records into a place of just their size and sorts them, for which the spare one is as large.
-    void fill(std::span<Record> place, std::span<Record> spareplace);
+    // Puts the records into room of just their size and sorts them, for which the spare room is as large.
+    void fill(std::span<Record> room, std::span<Record> spareroom);
 
     std::span<Record> records;
     std::vector<TSXdatafile*> files;

@@ -91,11 +91,11 @@ void TSXkeytree::build() {
     static_assert(sizeof(Occurrence) <= sizeof(Record) && sizeof(Record) <= sizeof(TSXkeyentry));
     clear();
     KeyRow row(database);
-    TSXkeyentry* const entries = builtentries.place<TSXkeyentry>(row.size()).data();
-    row.fill(builtrecords.place<Record>(row.size()), builtentries.place<Record>(row.size()));
+    TSXkeyentry* const entries = builtentries.room<TSXkeyentry>(row.size()).data();
+    row.fill(builtrecords.room<Record>(row.size()), builtentries.room<Record>(row.size()));
     if (database.judged)
         database.judged(sortedpercent);
-    Occurrence* occurrence = builtrecords.place<Occurrence>(row.size()).data();
+    Occurrence* occurrence = builtrecords.room<Occurrence>(row.size()).data();
     for (auto record = row.records.begin(); record != row.records.end(); ++size) {
         const auto next =
             std::find_if(record + 1, row.records.end(), [](const Record& other) { return !other.repeats; });

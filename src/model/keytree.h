@@ -21,7 +21,7 @@ class KeptMemory {
 public:
     // Place for so many things, which need no destructor. What stands here stays, unless more is asked for
     // than ever before. What is never written to takes no memory.
-    template <class Thing> std::span<Thing> place(std::size_t count) {
+    template <class Thing> std::span<Thing> room(std::size_t count) {
         if (count * sizeof(Thing) > size_)
             grow(count * sizeof(Thing));
         return {static_cast<Thing*>(static_cast<void*>(bytes_.get())), count};

@@ -38,7 +38,7 @@ bool isDatabase(Tree& tree) {
     return std::any_of(treedirectories.begin(), treedirectories.end(), has) ||
            std::any_of(std::begin(fileclasses), std::end(fileclasses),
                        [&](const FileClass& format) { return has(format.directory); }) ||
-           tree.look(markerName, Links::refused, marker) || marker.state.kind != FileState::missing ||
+           tree.look(markerName, Links::unfollowed, marker) || marker.state.kind != FileState::missing ||
            hasPlainFile(tree, "*.CMP");
 }
 

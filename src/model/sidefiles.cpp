@@ -103,7 +103,7 @@ void TSXdatabase::checkdirectory(const char* fullpath) {
         return;
     if (!failure.isAbsence())
         addunreadpath(fullpath, failure.text(), Unread::part);
-    else if (!tree->look(name, Links::refused, entry) && entry.state.kind != FileState::missing)
+    else if (!tree->look(name, Links::unfollowed, entry) && entry.state.kind != FileState::missing)
         logLine(("   no directory '" + entry.name + "': A file of that name stands there.").c_str());
     addproblem(std::make_unique<TSXproblem>(*this, missingdirectory, 1, fullpath));
 }

@@ -32,8 +32,8 @@ WholeReading::Outcome readchunks(TSXbinfile& file, const TakeChunk& take) {
         if (result != 1)
             break;
         const Chunk chunk = take(file, tag);
-        if (chunk == Chunk::refused)
-            return WholeReading::refused;
+        if (chunk == Chunk::unusable)
+            return WholeReading::unusable;
         if (chunk == Chunk::toleave)
             result = file.skipchunk();
     }

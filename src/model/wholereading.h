@@ -11,11 +11,11 @@
 class TSXbinfile;
 
 // What follows a chunk: the next tag stands after what was taken; or the chunk is left by its end; or
-// nothing, the file is refused.
-enum class Chunk : std::uint8_t { taken, toleave, refused };
+// nothing, the file is unusable.
+enum class Chunk : std::uint8_t { taken, toleave, unusable };
 
 struct WholeReading {
-    enum Outcome : std::uint8_t { unopened, wrongheader, wrongtag, refused, complete } outcome = unopened;
+    enum Outcome : std::uint8_t { unopened, wrongheader, wrongtag, unusable, complete } outcome = unopened;
     FileState file;            // as it stood; of no file where it was not opened
     std::uint32_t failure = 0; // the error number of the opening or of the disk
 };

@@ -8,7 +8,7 @@
 #include "platform/system/errors.h"
 #include "platform/system/messagebox.h"
 #include "platform/system/tree.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 
 int logEnabled = 0;
 Text<2000> logPath;
@@ -30,14 +30,14 @@ constexpr const char* trailer = "\n"
 int lostLines = 0;
 std::uint32_t lossReason = ERROR_SUCCESS; // of the first
 
-std::unique_ptr<Tree> place; // the log's directory
-std::string name;            // of the log in it, as on the disk
+std::unique_ptr<Tree> logDirectory; // the log's directory
+std::string name;                   // of the log in it, as on the disk
 
 bool writeHead() {
-    place = std::make_unique<Tree>();
+    logDirectory = std::make_unique<Tree>();
     ByteStream stream;
-    if (!succeeded(place->openDirectoryOf(logPath.c_str(), name)) ||
-        !stream.open(*place, name, OpenMode::write, Links::refused))
+    if (!succeeded(logDirectory->openDirectoryOf(logPath.c_str(), name)) ||
+        !stream.open(*logDirectory, name, OpenMode::write, Links::unfollowed))
         return false;
     const std::size_t size = std::strlen(head);
     const bool written = stream.write(head, size) == size;
@@ -45,33 +45,34 @@ bool writeHead() {
 }
 
 void append(const std::string& text) {
-    const Failure failure = place != nullptr ? place->append(name, text) : Failure{ERROR_PATH_NOT_FOUND};
+    const Failure failure =
+        logDirectory != nullptr ? logDirectory->append(name, text) : Failure{ERROR_PATH_NOT_FOUND};
     if (failure && lostLines++ == 0)
         lossReason = failure.number;
 }
 
-void reportLoss() {
+void tellLoss() {
     const std::string text = std::to_string(lostLines) + (lostLines == 1 ? " line is" : " lines are") +
                              " missing in the log '" + logPath.c_str() +
                              "' because it could not be written: " + errorText(lossReason);
     lostLines = 0;
-    report(text.c_str(), "Warning", MB_OK | MB_ICONEXCLAMATION);
+    notify(text.c_str(), "Warning", MB_OK | MB_ICONEXCLAMATION);
 }
 
 } // namespace
 
 bool startLog(int enabled, const char* directory) {
     logEnabled = enabled;
-    place.reset();
+    logDirectory.reset();
     if (logEnabled != 1)
         return true;
     if (logPath.take(std::string(directory) + "\\TXLOG.TXT") && writeHead()) {
-        name = place->spelled(logPath.view());
+        name = logDirectory->spelled(logPath.view());
         return true;
     }
     logEnabled = 0;
-    place.reset();
-    report((std::string("Could not create log file in ") + directory).c_str(), "Error", MB_OK | MB_ICONHAND);
+    logDirectory.reset();
+    notify((std::string("Could not create log file in ") + directory).c_str(), "Error", MB_OK | MB_ICONHAND);
     return false;
 }
 
@@ -79,9 +80,9 @@ void endLog() {
     if (logEnabled != 1)
         return;
     append(trailer);
-    place.reset();
+    logDirectory.reset();
     if (lostLines > 0)
-        reportLoss();
+        tellLoss();
 }
 
 int lostLogLines() {

@@ -8,11 +8,11 @@ extern int logEnabled;     // 1: lines are written; any other value: everything 
 extern Text<2000> logPath; // the log file of this run
 
 // Switches the log on (1) or off, and when on makes TXLOG.TXT in the directory. False when the file
-// can't be made or is a link, whose file is not the log's to empty, which has then been reported, and the
+// can't be made or is a link, whose file is not the log's to empty, which was then told, and the
 // program is expected to leave.
 bool startLog(int enabled, const char* directory);
 
-// Writes the trailer, and reports it if lines were lost.
+// Writes the trailer, and tells it if lines were lost.
 void endLog();
 int lostLogLines(); // how many could not be written so far
 

@@ -11,7 +11,7 @@ constexpr const char* homeValue = "Home Directory";
 constexpr const char* currentValue = "Current Database";
 constexpr std::size_t maxvalue = 998; // bytes; a longer one is not taken: cut, it could name another place
 
-constexpr const char* placesKey = "txinspect\\Windows"; // beside the product's own settings
+constexpr const char* placementsKey = "txinspect\\Windows"; // beside the product's own settings
 
 constexpr Edition editions[] = {
     {0, 1, "Hesperon Labs", "Trelvanexis", "txstart"},
@@ -62,17 +62,17 @@ bool writeSettingsStore(const DatabaseSettings& settings) {
     return result;
 }
 
-std::string readWindowPlace(const char* window) {
-    std::string place;
+std::string readWindowPlacement(const char* window) {
+    std::string placement;
     HKEY key;
-    if (RegOpenKeyExA(placesKey, key) == 0)
-        RegQueryValueExA(key, window, place);
-    return place;
+    if (RegOpenKeyExA(placementsKey, key) == 0)
+        RegQueryValueExA(key, window, placement);
+    return placement;
 }
 
-void writeWindowPlace(const char* window, const std::string& place) {
+void writeWindowPlacement(const char* window, const std::string& placement) {
     HKEY key;
-    RegCreateKeyExA(placesKey, key);
-    if (!place.empty())
-        RegSetValueExA(key, window, place);
+    RegCreateKeyExA(placementsKey, key);
+    if (!placement.empty())
+        RegSetValueExA(key, window, placement);
 }

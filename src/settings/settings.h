@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "files/databasefile.h"
+#include "files/settingsfile.h"
 
 // Reads the home directory and the current database from the settings store. False if either is missing or
 // has more than 998 bytes; it is then left as it is.
@@ -18,8 +18,8 @@ extern const char* const noValidDatabaseText; // the settings file can't be open
 
 // Where a window stood when it was closed last, the same for all databases; a text of the window layer, empty
 // where none is kept. What can't be written is not remembered, which is no reason to disturb anybody.
-std::string readWindowPlace(const char* window);
-void writeWindowPlace(const char* window, const std::string& place);
+std::string readWindowPlacement(const char* window);
+void writeWindowPlacement(const char* window, const std::string& placement);
 
 // Under which names the settings store keeps its values and the start-up program is found.
 struct Edition {

@@ -26,8 +26,8 @@ POINT TSXframe::getInnerSize() const {
 }
 
 void TSXframe::onCreate() {
-    if (place != nullptr)
-        SetWindowPlacement(*place);
+    if (placement != nullptr)
+        SetWindowPlacement(*placement);
     if (hasStatusBar == 1) {
         statusBar = std::make_unique<CStatusBarCtrl>();
         statusBar->Create(*this);
@@ -36,8 +36,8 @@ void TSXframe::onCreate() {
 }
 
 void TSXframe::onDestroy() {
-    if (place != nullptr)
-        *place = GetWindowPlacement();
+    if (placement != nullptr)
+        *placement = GetWindowPlacement();
 }
 
 void TSXframe::onSize(int type, int width, int height) {

@@ -39,7 +39,7 @@ public:
     std::int32_t hasStatusBar = 1; // anything else: no status bar
     std::int32_t hasBorder = 1;    // 0: no border
     // The window opens where this tells, and notes there where it was at its end.
-    std::string* place = nullptr;
+    std::string* placement = nullptr;
     std::unique_ptr<CStatusBarCtrl> statusBar; // from the creation of the window on
 
 private:

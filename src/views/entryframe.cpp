@@ -31,7 +31,7 @@ std::string asStored(const TSXdatabase& database, const char* typed) {
 
 TSXentryframe::TSXentryframe(TSXmainframe& main, TSXdatabase& owner, TSXkeyentry& entry)
     : database(owner), mainWindow(main), key(entry) {
-    place = &main.places.entry;
+    placement = &main.placements.entry;
 }
 
 TSXentryframe::~TSXentryframe() {

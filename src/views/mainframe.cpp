@@ -12,7 +12,7 @@
 #include "platform/window/msgbox.h"
 #include "platform/window/statusbarctrl.h"
 #include "reporting/log.h"
-#include "reporting/report.h"
+#include "reporting/notify.h"
 #include "resources/resources.h"
 #include "views/current.h"
 #include "views/entriespane.h"
@@ -114,12 +114,12 @@ std::string namedUnread(const TSXdatabase& model) {
 } // namespace
 
 TSXmainframe::TSXmainframe() {
-    place = &places.main;
+    placement = &placements.main;
 }
 
 TSXmainframe::~TSXmainframe() {
-    if (keepPlaces != nullptr)
-        keepPlaces(places);
+    if (keepPlacements != nullptr)
+        keepPlacements(placements);
     if (mainFrame == this)
         mainFrame = nullptr;
 }

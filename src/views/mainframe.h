@@ -19,7 +19,7 @@ class TSXproblempane;
 class TSXtypespane;
 
 // Where the windows stood when they were closed last, as CFrameWnd tells it; empty: as they come.
-struct WindowPlaces {
+struct WindowPlacements {
     std::string main;
     std::string entry;
 };
@@ -54,15 +54,15 @@ public:
     std::int32_t selectedKey = 1;                     // row of the visible keys, from 1
     std::int32_t selectedProblem = 1;                 // row of the problem list, from 1
     std::array<TSXentryframe*, 50> entryWindows = {}; // a free place is null
-    WindowPlaces places;
-    void (*keepPlaces)(const WindowPlaces&) = nullptr; // called at the end of this object
+    WindowPlacements placements;
+    void (*keepPlacements)(const WindowPlacements&) = nullptr; // called at the end of this object
 
 private:
     void rebuildCommand();
     void undoCommand();
     void updateScrollRanges();
     void showAllEntries();
-    bool save();                       // false when something is left unsaved, which has been reported
+    bool save();                       // false when something is left unsaved, which was told
     void say(const std::string& text); // in the status bar, before what it always says
     void solveProblem(std::uint32_t command);
     void solve(const TSXproblem& problem, int number);

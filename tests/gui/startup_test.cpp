@@ -31,7 +31,7 @@ protected:
     }
     void choose() {
         ASSERT_EQ(writeSettingsStore(settings), 1);
-        ASSERT_EQ(writeDatabaseFile(settings), 1);
+        ASSERT_EQ(writeSettingsFile(settings), 1);
     }
     // Starting ends the process with the status and shows a box that begins so.
     void leaves(int status, const std::string& box) {
@@ -59,13 +59,13 @@ TEST_F(StartTest, SettingsComeBackAsTheyWereWritten) {
     settings.backgroundColour[2] = -7;
     choose();
     DatabaseSettings read;
-    EXPECT_EQ(readSettingsStore(read) + readDatabaseFile(read), 2);
+    EXPECT_EQ(readSettingsStore(read) + readSettingsFile(read), 2);
     EXPECT_EQ(read.homeDirectory.view(), settings.homeDirectory.view());
     EXPECT_EQ(read.currentDatabase.view(), settings.currentDatabase.view());
     EXPECT_EQ(read.databaseDirectory.view(), settings.databaseDirectory.view());
     EXPECT_EQ(read.backgroundColour[2], -7);
     diskFaultHook = [](DiskOperation operation) { return operation == DiskOperation::read; };
-    EXPECT_FALSE(readDatabaseFile(read)) << "half of it could name another directory";
+    EXPECT_FALSE(readSettingsFile(read)) << "half of it could name another directory";
     diskFaultHook = nullptr;
 }
 
@@ -116,7 +116,7 @@ TEST_F(StartTest, TheStartWindowOffersWhatCanBeDone) {
               top + "There is no database in the home directory yet. Add one.\n"
                     "&Add... *\n&Directory... -\n&Remove -\n&Changes... -\n&Quit\n&Inspect -\n");
     settings.currentDatabase = "A";
-    ASSERT_EQ(writeDatabaseFile(settings), 1);
+    ASSERT_EQ(writeSettingsFile(settings), 1);
     settings.currentDatabase = "Strains";
     choose();
     const StartWindow window;

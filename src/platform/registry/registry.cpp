@@ -86,10 +86,10 @@ std::string registryFile() {
 
 int RegOpenKeyExA(const char* subkey, HKEY& key) {
     Json store;
-    const Json::json_pointer place(pathOf(subkey));
-    if (!readStore(store) || !store.contains(place) || !store[place].is_object())
+    const Json::json_pointer pointer(pathOf(subkey));
+    if (!readStore(store) || !store.contains(pointer) || !store[pointer].is_object())
         return static_cast<int>(ERROR_FILE_NOT_FOUND);
-    key = std::make_shared<RegistryKey>(RegistryKey{pathOf(subkey), store[place]});
+    key = std::make_shared<RegistryKey>(RegistryKey{pathOf(subkey), store[pointer]});
     return 0;
 }
 

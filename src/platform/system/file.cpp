@@ -17,7 +17,7 @@ constexpr mode_t setIds = S_ISUID | S_ISGID;
 constexpr const char* accessList = "system.posix_acl_access";
 
 // A write beyond the size that the process is allowed is then an error and not its death.
-void refuseOversizedWrites() {
+void failOversizedWrites() {
     [[maybe_unused]] static const auto before = std::signal(SIGXFSZ, SIG_IGN);
 }
 
@@ -161,7 +161,7 @@ Failure File::read(std::int64_t position, std::size_t count, std::string& bytes)
 }
 
 Failure File::write(std::int64_t position, std::string_view bytes) const {
-    refuseOversizedWrites();
+    failOversizedWrites();
     if (const Failure fault = faultOf(DiskOperation::write))
         return fault;
     while (!bytes.empty()) {
@@ -176,7 +176,7 @@ Failure File::write(std::int64_t position, std::string_view bytes) const {
 }
 
 Failure File::cut(std::int64_t size) const {
-    refuseOversizedWrites();
+    failOversizedWrites();
     return made(DiskOperation::write, [&] { return ftruncate(descriptor_, size); });
 }
 

@@ -15,7 +15,7 @@
 
 struct OpenDirectory;
 
-enum class Links { followed, refused }; // at the end of a name; on the way they are always followed
+enum class Links { followed, unfollowed }; // at the end of a name; on the way they are always followed
 
 // An operation on a closed file is a failure.
 class File {

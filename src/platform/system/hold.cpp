@@ -11,7 +11,7 @@ namespace {
 // The file that has the name at this moment; of no file where there is none.
 Failure identityAt(Tree& tree, const std::string& name, FileIdentity& identity) {
     Entry entry;
-    const Failure failure = tree.look(name, Links::refused, entry);
+    const Failure failure = tree.look(name, Links::unfollowed, entry);
     identity = entry.state.identity;
     return failure;
 }
@@ -66,7 +66,7 @@ Failure makeHeld(Tree& tree, const std::string& name, std::string_view content,
 }
 
 Failure openHeld(Tree& tree, const std::string& name, File& file) {
-    Failure failure = tree.openToWrite(name, file, Links::refused);
+    Failure failure = tree.openToWrite(name, file, Links::unfollowed);
     failure = failure ? failure : file.lock();
     return failure ? failure : leadsTo(tree, name, file);
 }

@@ -20,10 +20,10 @@ bool isThere(const std::string& path) {
 }
 
 Failure syncDirectoryOf(const std::string& path) {
-    Tree place;
+    Tree directory;
     std::string name;
-    const Failure failure = place.openDirectoryOf(path, name);
-    return failure ? failure : place.syncDirectoryOf(name);
+    const Failure failure = directory.openDirectoryOf(path, name);
+    return failure ? failure : directory.syncDirectoryOf(name);
 }
 
 } // namespace
@@ -49,7 +49,7 @@ std::string resolvePath(std::string_view path) {
     Spot spot;
     if (given.empty() || isThere(given) || ways.hold(start))
         return given;
-    return ways.find(given, Links::refused, spot) && spot.spelled.empty()
+    return ways.find(given, Links::unfollowed, spot) && spot.spelled.empty()
                ? given
                : (start == "/" ? start : "") + spot.spelled;
 }

@@ -47,25 +47,25 @@ int openIn(const OpenDirectory& directory, const char* name, int flags, mode_t m
 // default list of rights, the system gives all but the owner by that.
 struct Share {
     explicit Share(const OpenDirectory& directory) {
-        if (fstat(directory.descriptor, &place) != 0)
-            place = {};
+        if (fstat(directory.descriptor, &parent) != 0)
+            parent = {};
         const File readable(openDirectoryAgain(directory.descriptor));
         byList = fgetxattr(readable.descriptor(), defaultList, nullptr, 0) > 0;
     }
     // What the system does not allow stays as it is. Another group than the directory's writes nothing.
     void give(int made, mode_t bits) const {
         struct stat state = {};
-        if (place.st_mode == 0 || fstat(made, &state) != 0)
+        if (parent.st_mode == 0 || fstat(made, &state) != 0)
             return;
-        const uid_t owner = geteuid() == 0 ? place.st_uid : state.st_uid;
-        const gid_t group = byList ? state.st_gid : place.st_gid;
+        const uid_t owner = geteuid() == 0 ? parent.st_uid : state.st_uid;
+        const gid_t group = byList ? state.st_gid : parent.st_gid;
         const bool given =
             (owner == state.st_uid && group == state.st_gid) || fchown(made, owner, group) == 0;
-        const mode_t refused = given || group == state.st_gid ? 0 : S_IWGRP;
+        const mode_t withheld = given || group == state.st_gid ? 0 : S_IWGRP;
         if (!byList) [[maybe_unused]]
-            const int changed = fchmod(made, (place.st_mode & bits & ~refused) | (state.st_mode & S_ISGID));
+            const int changed = fchmod(made, (parent.st_mode & bits & ~withheld) | (state.st_mode & S_ISGID));
     }
-    struct stat place = {};
+    struct stat parent = {};
     bool byList = false;
 };
 
@@ -143,7 +143,7 @@ Failure named(const Spot& spot, int result, bool there) {
 Failure Tree::Inside::find(DiskOperation operation, std::string_view name, Spot& spot) {
     const Failure fault = faultOf(operation);
     forgetLooked();
-    return fault ? fault : ways.find(name, Links::refused, spot);
+    return fault ? fault : ways.find(name, Links::unfollowed, spot);
 }
 
 // What stands at a spot is to be changed: it has to be there, and inside.
@@ -226,7 +226,7 @@ std::string Tree::below(std::string_view path) const {
 std::string Tree::spelled(std::string_view path) {
     Spot spot;
     const std::string name = below(path);
-    const Failure failure = inside_->ways.find(name, Links::refused, spot);
+    const Failure failure = inside_->ways.find(name, Links::unfollowed, spot);
     return failure && !failure.isAbsence() ? name : spot.spelled.empty() ? "." : spot.spelled;
 }
 
@@ -265,7 +265,7 @@ void Tree::lookThrough(const std::function<void(const Entry&)>& visit, const std
         return;
     for (const std::string& name : entries) {
         Entry entry;
-        if (look(directory == "." ? name : directory + "/" + name, Links::refused, entry))
+        if (look(directory == "." ? name : directory + "/" + name, Links::unfollowed, entry))
             continue;
         visit(entry);
         if (entry.state.kind == FileState::directory)
@@ -345,8 +345,8 @@ Failure Tree::openEntry(std::string_view name, File& file, Links links) {
 Failure Tree::append(std::string_view name, std::string_view bytes) {
     Spot spot;
     Failure failure = faultOf(DiskOperation::open);
-    const std::string place = withSlashes(name);
-    failure = failure ? failure : inside_->ways.findDirectory(place.substr(0, place.rfind('/') + 1), spot);
+    const std::string path = withSlashes(name);
+    failure = failure ? failure : inside_->ways.findDirectory(path.substr(0, path.rfind('/') + 1), spot);
     if (failure || !spot.outside.empty())
         return failure ? failure : Failure{ERROR_ACCESS_DENIED};
     File file(openIn(spot.directory(), lastComponent(name).c_str(), O_WRONLY | O_APPEND | O_CREAT, 0666));
@@ -465,7 +465,7 @@ Failure Tree::syncDirectoryOf(std::string_view name) {
 
 Failure Tree::mayChangeDirectoryOf(std::string_view name) {
     Spot spot;
-    const Failure failure = inside_->ways.find(name, Links::refused, spot);
+    const Failure failure = inside_->ways.find(name, Links::unfollowed, spot);
     if (failure || spot.directory().descriptor < 0)
         return failure;
     if (!spot.outside.empty())

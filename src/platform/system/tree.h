@@ -76,7 +76,7 @@ public:
     Failure append(std::string_view name, std::string_view bytes);
     Failure readLink(std::string_view name, std::string& target);
     // Opens whatever stands there, to ask or to give what belongs to it beside its content.
-    Failure openEntry(std::string_view name, File& file, Links links = Links::refused);
+    Failure openEntry(std::string_view name, File& file, Links links = Links::unfollowed);
 
     // Makes a plain file that does not show before keep. 183 where any entry has that very name.
     Failure make(std::string_view name, NewFile& file, Rights rights = Rights::asDirectory,

@@ -204,7 +204,7 @@ Failure Ways::enter(Spot& spot) {
     if (!S_ISDIR(spot.found.st_mode))
         return {ERROR_PATH_NOT_FOUND};
     DirectoryHandle next;
-    if (const auto planned = planned_.find(spot.place()); planned != planned_.end())
+    if (const auto planned = planned_.find(spot.key()); planned != planned_.end())
         next = planned->second;
     else if (const Failure failure = open(spot.directory().descriptor, spot.name.c_str(), O_NOFOLLOW, next))
         return failure;
@@ -224,7 +224,7 @@ Failure Ways::lookUp(Spot& spot, const std::string& name) const {
     spot.name = name;
     spot.found = {};
     const int directory = spot.directory().descriptor;
-    if (const auto planned = planned_.find(spot.place()); planned != planned_.end())
+    if (const auto planned = planned_.find(spot.key()); planned != planned_.end())
         spot.found.st_mode = planned->second != nullptr ? S_IFDIR : 0;
     else if (directory >= 0 && fstatat(directory, name.c_str(), &spot.found, AT_SYMLINK_NOFOLLOW) != 0) {
         spot.found = {};
@@ -276,9 +276,9 @@ Failure Ways::list(OpenDirectory& directory) const {
         directory.descriptor < 0 ? Failure() : readNames(directory.descriptor, directory.names);
     if (failure)
         return failure;
-    for (const auto& [place, made] : planned_)
-        if (place.first == directory.identity && made != nullptr)
-            directory.names.push_back(place.second);
+    for (const auto& [key, made] : planned_)
+        if (key.first == directory.identity && made != nullptr)
+            directory.names.push_back(key.second);
     const auto isGone = [&](const std::string& name) {
         const auto planned = planned_.find({directory.identity, name});
         return planned != planned_.end() && planned->second == nullptr;
@@ -292,7 +292,7 @@ Failure Ways::list(OpenDirectory& directory) const {
 
 // It has a number of its own, as the directories of the disk have, but on no device.
 void Ways::plan(const Spot& spot, bool directory) {
-    DirectoryHandle& planned = planned_[spot.place()];
+    DirectoryHandle& planned = planned_[spot.key()];
     if (!directory)
         return spot.directory().removed(spot.name);
     planned = std::make_shared<OpenDirectory>();

@@ -36,7 +36,7 @@ using DirectoryHandle = std::shared_ptr<OpenDirectory>;
 struct Spot {
     bool isThere() const { return found.st_mode != 0; }
     OpenDirectory& directory() const { return *way.back(); }
-    std::pair<FileIdentity, std::string> place() const { return {directory().identity, name}; }
+    std::pair<FileIdentity, std::string> key() const { return {directory().identity, name}; }
 
     std::vector<DirectoryHandle> way;
     std::string name;       // in the last of them; empty: that directory itself

@@ -40,7 +40,7 @@ struct TreeTest : testing::Test {
         const Failure failure = tree.openToRead(name, file);
         return failure || file.read(0, 100, bytes) ? std::to_string(failure.number) : bytes;
     }
-    Entry look(const char* name, Links links = Links::refused) {
+    Entry look(const char* name, Links links = Links::unfollowed) {
         Entry entry;
         EXPECT_EQ(tree.look(name, links, entry), none) << name;
         return entry;
@@ -86,7 +86,7 @@ TEST_F(TreeTest, WalksEveryNameAndKnowsWhatIsInside) {
     for (const auto& c : cases) {
         EXPECT_EQ(read(c.name), c.content) << c.name;
         Entry entry;
-        const Failure failure = tree.look(c.name, Links::refused, entry);
+        const Failure failure = tree.look(c.name, Links::unfollowed, entry);
         EXPECT_TRUE(!failure || failure == nowhere) << c.name;
         EXPECT_EQ(entry.name, c.spelled) << c.name;
         EXPECT_EQ(entry.outside, c.outside) << c.name;

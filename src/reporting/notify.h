@@ -8,19 +8,19 @@
 #include <string>
 #include <vector>
 
-using ReportOperation = std::function<int(const char* text, const char* title, std::uint32_t flags)>;
+using Notifier = std::function<int(const char* text, const char* title, std::uint32_t flags)>;
 
 // What a text says at its end where the disk is to be looked at anew.
 constexpr const char* inspectAgain = "inspect the database again (in the window: \"Rebuild database\")";
 
-// Sets how reports are shown. Until then they go to standard error, and questions are answered with No.
-void setReport(ReportOperation operation);
+// Sets how messages are shown. Until then they go to standard error, and questions are answered with No.
+void setNotifier(Notifier operation);
 
 // Shows the text and returns the answer: IDOK, IDCANCEL, IDYES or IDNO of messagebox.h.
-int report(const char* text, const char* title, std::uint32_t flags);
+int notify(const char* text, const char* title, std::uint32_t flags);
 
 // Shows several texts as one message, the first few of them and how many more; advice is said at the end.
 // Nothing where there is none.
-void reportall(const std::vector<std::string>& texts, const char* advice = "");
+void notifyall(const std::vector<std::string>& texts, const char* advice = "");
 // The same with a question. Whether the answer is Yes.
 bool askall(const std::vector<std::string>& texts, const char* question);

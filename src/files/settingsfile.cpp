@@ -1,4 +1,4 @@
-#include "files/databasefile.h"
+#include "files/settingsfile.h"
 
 #include <cstdio>
 #include <string>
@@ -54,16 +54,16 @@ void readSections(ByteStream& stream, DatabaseSettings& settings) {
 
 } // namespace
 
-std::string databaseFilePath(const DatabaseSettings& settings) {
+std::string settingsFilePath(const DatabaseSettings& settings) {
     return std::string(settings.homeDirectory) + "/" + settings.currentDatabase.c_str() + ".dbs";
 }
 
 std::vector<std::string> databaseNames(const std::string& home) {
     std::vector<std::string> names;
-    Tree place;
-    if (place.open(home))
+    Tree directory;
+    if (directory.open(home))
         return names;
-    TSXfinder finder(place);
+    TSXfinder finder(directory);
     for (int match = finder.findfirst((home + "/*" + std::string(extension)).c_str()); match != 0;
          match = finder.findnext()) {
         const std::string_view name = finder.entryname.view();
@@ -74,9 +74,9 @@ std::vector<std::string> databaseNames(const std::string& home) {
     return names;
 }
 
-bool readDatabaseFile(DatabaseSettings& settings) {
+bool readSettingsFile(DatabaseSettings& settings) {
     ByteStream stream;
-    if (!stream.open(databaseFilePath(settings).c_str(), OpenMode::read))
+    if (!stream.open(settingsFilePath(settings).c_str(), OpenMode::read))
         return false;
     DatabaseSettings found = settings;
     readSections(stream, found);
@@ -86,12 +86,12 @@ bool readDatabaseFile(DatabaseSettings& settings) {
     return true;
 }
 
-bool writeDatabaseFile(const DatabaseSettings& settings) {
+bool writeSettingsFile(const DatabaseSettings& settings) {
     const std::int32_t* const c = settings.backgroundColour;
     std::string text = std::string("[DIR]\n") + settings.databaseDirectory.c_str() + "\n[BACKCOL]\n";
     text += Text<60>().format("%d %d %d\n", c[0], c[1], c[2]);
     ByteStream stream;
-    if (!stream.open(databaseFilePath(settings).c_str(), OpenMode::write))
+    if (!stream.open(settingsFilePath(settings).c_str(), OpenMode::write))
         return false;
     const bool written = stream.write(text.data(), text.size()) == text.size();
     return stream.close() && written;

@@ -1,4 +1,4 @@
-#include "changes/restoreplan.h"
+#include "changes/reversal.h"
 
 #include <algorithm>
 #include <optional>
@@ -208,8 +208,7 @@ private:
 
 } // namespace
 
-RestorePlan::RestorePlan(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup)
-    : tree_(tree), linked_(tree) {
+Reversal::Reversal(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup) : tree_(tree), linked_(tree) {
     std::map<std::string, Steps> steps;
     std::vector<std::string> order, second; // second names come last, when their files are known
     for (std::size_t group = undo.groups.size(); group >= fromgroup && group > 0; --group) {
@@ -223,12 +222,12 @@ RestorePlan::RestorePlan(Tree& tree, const UndoFile& undo, std::uint32_t fromgro
     }
     order.insert(order.end(), second.begin(), second.end());
     for (const std::string& name : order)
-        plan(name, steps[name]);
+        reverse(name, steps[name]);
 }
 
 // Of a file of which something is left, the fields that have not changed since come back, but no file comes
 // or goes.
-void RestorePlan::plan(const std::string& name, const Steps& steps) {
+void Reversal::reverse(const std::string& name, const Steps& steps) {
     FileWalk walk(tree_, linked_, name, going_);
     for (const Change* step : steps)
         walk.undo(*step);
@@ -251,11 +250,11 @@ void RestorePlan::plan(const std::string& name, const Steps& steps) {
 
 // Whether the other name still leads to what both led to: one that is restored too does, else its content
 // tells and not its number, which a file made since may have got.
-bool RestorePlan::leadstosame(const Change& deletion) {
+bool Reversal::leadstosame(const Change& deletion) {
     if (deletion.othername.empty() || same_.count(deletion.othername) != 0)
         return !deletion.othername.empty();
     File file;
     Standing standing = Standing::other;
-    return !tree_.openToRead(deletion.othername, file, Links::refused) &&
+    return !tree_.openToRead(deletion.othername, file, Links::unfollowed) &&
            !compare(file, deletion.content, standing) && standing == Standing::after;
 }

@@ -10,15 +10,15 @@
 // The directory of the user's undo files; empty where neither XDG_STATE_HOME nor HOME says where.
 std::string undodirectory();
 // Opens it; makes it first where that is wanted, for the user alone.
-Failure openundodirectory(Tree& place, bool make);
+Failure openundodirectory(Tree& directory, bool make);
 
 // The names of the undo files in it, and of the links to those that stand elsewhere, the oldest first.
-std::vector<std::string> undonames(Tree& place);
+std::vector<std::string> undonames(Tree& directory);
 // A name that stands behind all others, whatever the clock says.
-std::string newundoname(Tree& place, std::int64_t now, int number);
+std::string newundoname(Tree& directory, std::int64_t now, int number);
 // Removes those that are finished and older than 30 days, but for the last ten of each database, and links to
 // nothing. Nothing where the clock is 30 days beyond the newest other than the one just made.
-void removeoldundofiles(Tree& place, const std::string& justmade);
+void removeoldundofiles(Tree& directory, const std::string& justmade);
 
 struct UndoListEntry {
     std::string path;

@@ -1,4 +1,4 @@
-#include "reporting/report.h"
+#include "reporting/notify.h"
 
 #include <cstdio>
 #include <utility>
@@ -7,12 +7,12 @@
 
 namespace {
 
-int reportToStandardError(const char* text, const char* title, std::uint32_t flags) {
+int notifyOnStandardError(const char* text, const char* title, std::uint32_t flags) {
     std::fprintf(stderr, "%s: %s\n", title, text);
     return (flags & MB_TYPEMASK) == MB_OK ? IDOK : IDNO;
 }
 
-ReportOperation operation = reportToStandardError;
+Notifier operation = notifyOnStandardError;
 
 std::string together(const std::vector<std::string>& texts, const char* ending) {
     constexpr std::size_t few = 5;
@@ -26,19 +26,19 @@ std::string together(const std::vector<std::string>& texts, const char* ending) 
 
 } // namespace
 
-void setReport(ReportOperation newOperation) {
-    operation = newOperation ? std::move(newOperation) : reportToStandardError;
+void setNotifier(Notifier newOperation) {
+    operation = newOperation ? std::move(newOperation) : notifyOnStandardError;
 }
 
-int report(const char* text, const char* title, std::uint32_t flags) {
+int notify(const char* text, const char* title, std::uint32_t flags) {
     return operation(text, title, flags);
 }
 
-void reportall(const std::vector<std::string>& texts, const char* advice) {
+void notifyall(const std::vector<std::string>& texts, const char* advice) {
     if (!texts.empty())
-        report(together(texts, advice).c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
+        notify(together(texts, advice).c_str(), "Error", MB_OK | MB_ICONEXCLAMATION);
 }
 
 bool askall(const std::vector<std::string>& texts, const char* question) {
-    return report(together(texts, question).c_str(), "Warning", MB_YESNO | MB_ICONEXCLAMATION) == IDYES;
+    return notify(together(texts, question).c_str(), "Warning", MB_YESNO | MB_ICONEXCLAMATION) == IDYES;
 }

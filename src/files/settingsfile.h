@@ -18,16 +18,16 @@ struct DatabaseSettings {
     std::int32_t backgroundColour[3] = {192, 192, 192}; // red, green, blue; read by nothing
 };
 
-std::string databaseFilePath(const DatabaseSettings& settings);
+std::string settingsFilePath(const DatabaseSettings& settings);
 
 // The names of the databases whose settings files are in a home directory, in their order.
 std::vector<std::string> databaseNames(const std::string& home);
 
 // Reads the settings file of that database. False if it can't be opened or read;
 // GetLastError then tells why.
-bool readDatabaseFile(DatabaseSettings& settings);
+bool readSettingsFile(DatabaseSettings& settings);
 
 // Makes or replaces the settings file of that database with its directory and its colour. False if it can't
 // be written; GetLastError then tells why. The directory has to fit into a line: at most 598 bytes, no line
 // end.
-bool writeDatabaseFile(const DatabaseSettings& settings);
+bool writeSettingsFile(const DatabaseSettings& settings);

@@ -1,4 +1,4 @@
-#include "changes/place.h"
+#include "changes/undodirectory.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -32,24 +32,24 @@ bool isOld(std::int64_t time) {
 }
 
 // An undo file elsewhere may only be on a medium that is away, and be that of an interrupted run.
-bool leadsNowhere(Tree& place, const std::string& name) {
+bool leadsNowhere(Tree& directory, const std::string& name) {
     Entry entry;
     std::string target;
-    return !place.readLink(name, target) &&
-           place.look(name, Links::followed, entry).number == ERROR_CANT_RESOLVE_FILENAME;
+    return !directory.readLink(name, target) &&
+           directory.look(name, Links::followed, entry).number == ERROR_CANT_RESOLVE_FILENAME;
 }
 
-void take(Tree& place, const std::string& name) {
+void take(Tree& directory, const std::string& name) {
     Entry entry;
-    if (!place.look(name, Links::refused, entry)) [[maybe_unused]]
-        const Failure left = place.remove(name, entry.state);
+    if (!directory.look(name, Links::unfollowed, entry)) [[maybe_unused]]
+        const Failure left = directory.remove(name, entry.state);
 }
 
-UndoListEntry entryOf(Tree& place, const std::string& name) {
+UndoListEntry entryOf(Tree& directory, const std::string& name) {
     UndoFile undo;
     UndoListEntry entry;
-    entry.damage = readundohead(place, name, undo);
-    entry.path = place.path() + "/" + name;
+    entry.damage = readundohead(directory, name, undo);
+    entry.path = directory.path() + "/" + name;
     entry.header = undo.header;
     entry.directory = undo.directory;
     entry.time = timeOf(name);
@@ -60,13 +60,13 @@ UndoListEntry entryOf(Tree& place, const std::string& name) {
 
 // Whether the directory stands under that name. A link in its place may be somebody else's, who would choose
 // where the files of this user are made: 1921.
-Failure standsitself(Tree& place, const std::string& path) {
+Failure standsitself(Tree& directory, const std::string& path) {
     Tree above;
     std::string name;
     Entry named, held;
     Failure failure = above.openDirectoryOf(path, name);
-    failure = failure ? failure : above.look(name, Links::refused, named);
-    failure = failure ? failure : place.look(".", Links::refused, held);
+    failure = failure ? failure : above.look(name, Links::unfollowed, named);
+    failure = failure ? failure : directory.look(".", Links::unfollowed, held);
     return failure || named.state.identity == held.state.identity ? failure
                                                                   : Failure{ERROR_CANT_RESOLVE_FILENAME};
 }
@@ -100,25 +100,25 @@ std::string undodirectory() {
     return home != nullptr && *home == '/' ? std::string(home) + "/.local/state/txinspect" : "";
 }
 
-Failure openundodirectory(Tree& place, bool make) {
+Failure openundodirectory(Tree& directory, bool make) {
     const std::string path = undodirectory();
     if (path.empty())
         return {ERROR_PATH_NOT_FOUND};
     Failure failure = make ? makePrivateDirectories(path) : Failure();
-    failure = failure ? failure : place.open(path);
-    return failure ? failure : standsitself(place, path);
+    failure = failure ? failure : directory.open(path);
+    return failure ? failure : standsitself(directory, path);
 }
 
-std::vector<std::string> undonames(Tree& place) {
+std::vector<std::string> undonames(Tree& directory) {
     std::vector<std::string> names;
-    if (place.names(".", names))
+    if (directory.names(".", names))
         names.clear();
     std::erase_if(names, [](const std::string& name) { return !isUndoName(name); });
     return names; // whose order is that of time
 }
 
-std::string newundoname(Tree& place, std::int64_t now, int number) {
-    const std::vector<std::string> names = undonames(place);
+std::string newundoname(Tree& directory, std::int64_t now, int number) {
+    const std::vector<std::string> names = undonames(directory);
     const std::time_t moment = std::max(now, names.empty() ? 0 : timeOf(names.back()));
     std::tm parts = {};
     gmtime_r(&moment, &parts);
@@ -127,36 +127,36 @@ std::string newundoname(Tree& place, std::int64_t now, int number) {
     return std::string(text) + Text<30>().format("-%03d", number).c_str() + std::string(extension);
 }
 
-void removeoldundofiles(Tree& place, const std::string& justmade) {
-    std::vector<std::string> names = undonames(place);
+void removeoldundofiles(Tree& directory, const std::string& justmade) {
+    std::vector<std::string> names = undonames(directory);
     std::erase(names, justmade);
     if (names.size() < keptOfDatabase || isOld(timeOf(names.back())))
         return;
     std::map<std::string, std::size_t> newer; // of each database
     for (auto name = names.rbegin(); name != names.rend(); ++name) {
-        if (leadsNowhere(place, *name)) {
+        if (leadsNowhere(directory, *name)) {
             if (isOld(timeOf(*name)))
-                take(place, *name);
+                take(directory, *name);
             continue;
         }
-        const UndoListEntry entry = entryOf(place, *name);
+        const UndoListEntry entry = entryOf(directory, *name);
         if (entry.damage.empty() && ++newer[entry.directory] >= keptOfDatabase && !entry.header.isopen() &&
             isOld(entry.time))
-            take(place, *name);
+            take(directory, *name);
     }
 }
 
 std::vector<UndoListEntry> listundofiles(const std::string& directory) {
     std::vector<UndoListEntry> entries;
-    Tree place, wanted;
+    Tree undos, wanted;
     std::string full;
-    if (openundodirectory(place, false) ||
+    if (openundodirectory(undos, false) ||
         (!directory.empty() && (wanted.open(directory) || wanted.fullPath(full))))
         return entries;
-    for (const std::string& name : undonames(place)) {
-        if (leadsNowhere(place, name))
+    for (const std::string& name : undonames(undos)) {
+        if (leadsNowhere(undos, name))
             continue;
-        UndoListEntry entry = entryOf(place, name);
+        UndoListEntry entry = entryOf(undos, name);
         if (!entry.header.isempty() && (directory.empty() || entry.directory == full))
             entries.push_back(std::move(entry));
     }

@@ -10,9 +10,9 @@
 #include "changes/linkednames.h"
 #include "changes/undofile.h"
 
-class RestorePlan {
+class Reversal {
 public:
-    RestorePlan(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup);
+    Reversal(Tree& tree, const UndoFile& undo, std::uint32_t fromgroup);
 
     std::vector<Change> changes;       // looked at, in the order in which they are to be made
     std::vector<std::string> left;     // what has changed since, and how
@@ -22,7 +22,7 @@ public:
 private:
     using Steps = std::vector<const Change*>; // of one file, the last first
 
-    void plan(const std::string& name, const Steps& steps);
+    void reverse(const std::string& name, const Steps& steps);
     bool leadstosame(const Change& deletion);
 
     Tree& tree_;
