@@ -61,19 +61,20 @@ std::string Content::lengthened(std::string text, std::int64_t number, std::size
 }
 
 // The collection and the number of a key.
-std::string Content::beginning(std::int64_t number, bool styled) const {
+std::string Content::beginning(std::int64_t number, KeyStyle style) const {
     const std::uint64_t shape = mix(keyshape, number);
-    const bool ordered = styled && style_ == KeyStyle::ordered;
+    const bool ordered = style == KeyStyle::ordered;
     std::string digits = std::to_string(number);
     const std::size_t width = ordered ? 8 : ((shape & 1) != 0 ? 5 : 0);
     digits.insert(0, width - std::min(width, digits.size()), '0');
     const std::string text = (ordered ? collections[0] : pick(collections, shape >> 8)) + digits;
-    return styled && style_ == KeyStyle::prefixed ? commonbeginning + text : text;
+    return style == KeyStyle::prefixed ? commonbeginning + text : text;
 }
 
 std::string Content::key(std::int64_t number, std::size_t length) const {
     const std::uint64_t shape = mix(keyshape, number);
-    const std::string text = beginning(number, length == 0) + pick(forms, shape >> 16);
+    const std::string text =
+        beginning(number, length == 0 ? style_ : KeyStyle::shuffled) + pick(forms, shape >> 16);
     if (length == 0 && (shape >> 24) % 32 == 0)
         length = maxkeylength;
     if (length == 0 && (shape >> 24) % 2 == 0)

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <string>
 
-// How the keys of a sample are ordered: each behind the one before, in no order, or in no order behind 30
-// bytes that all have in common.
+// How the keys of a sample are ordered: each after the one before; in no order; or in no order,
+// with 30 bytes at the beginning that all have in common.
 enum class KeyStyle { ordered, shuffled, prefixed };
 
 class Content {
@@ -24,7 +24,7 @@ public:
 
 private:
     std::uint64_t mix(std::uint64_t purpose, std::int64_t number) const;
-    std::string beginning(std::int64_t number, bool styled) const;
+    std::string beginning(std::int64_t number, KeyStyle style) const;
     std::string lengthened(std::string text, std::int64_t number, std::size_t length) const;
 
     std::uint32_t seed_;

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::int64_t firstdamagekey = 4000001; // behind the keys of the largest sound sample
+constexpr std::int64_t firstdamagekey = 4000001; // after the keys of the largest sound sample
 constexpr std::int64_t keysofdamage = 1000;
 
 std::string othercase(std::string text) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <stdexcept>
 #include <system_error>
 
 #include "damage.h"
@@ -29,43 +30,12 @@ namespace {
 
 constexpr int damageroom = 20; // files of a class that damages, and the repair of orphans, may add
 
-// The experiment files of one class. No two records of a type have the same place, and places are below the
-// number of entries, so that each names an entry of its own.
-class ClassLayout {
-public:
-    ClassLayout(const SampleOptions& options, int fileclass) : mixed_(fileclass == 1), types_(options.types) {
-        const std::int64_t entries = std::int64_t{options.files} * options.entries;
-        files_ = std::min<std::int64_t>(options.experiments, types_ * entries);
-        if (files_ == 0)
-            return;
-        const std::int64_t filesoftype = (files_ + types_ - 1) / types_;
-        const std::int64_t possible = mixed_ ? types_ * entries / files_ : entries / filesoftype;
-        records_ = std::min<std::int64_t>(fileclass == 5 ? 1 : options.records, possible);
-    }
-
-    int files() const { return static_cast<int>(files_); }
-    int records() const { return static_cast<int>(records_); }
-    // Gel files mix the types of their records; any other file has one type.
-    int typeof_(int file, int record) const {
-        return static_cast<int>((mixed_ ? file * records_ + record : file) % types_);
-    }
-    std::int64_t indexof(int file, int record) const {
-        return mixed_ ? (file * records_ + record) / types_ : file / types_ * records_ + record;
-    }
-
-private:
-    bool mixed_;
-    std::int64_t types_;
-    std::int64_t files_ = 0;
-    std::int64_t records_ = 0;
-};
-
 std::string numberedname(const char* stem, int number) {
     return Text<40>().format("%s%03d", stem, number).c_str();
 }
 
-// The number of the key at a place of a type. A number of entries has no prime factor above 3000, so this
-// prime leads each place to another entry.
+// The number of the key of a record of a type, records counted from 0. A number of entries has no prime
+// factor above 3000, so this prime leads each record to another entry.
 std::int64_t keynumber(const SampleOptions& options, int fileclass, int type, std::int64_t index) {
     const std::int64_t entries = std::int64_t{options.files} * options.entries;
     const std::int64_t first = std::int64_t{fileclass * options.types + type} * 618033989;
@@ -73,7 +43,7 @@ std::int64_t keynumber(const SampleOptions& options, int fileclass, int type, st
 }
 
 void writeentries(SampleTree& tree) {
-    for (int i = 0; i < tree.options.files && !tree.failed(); ++i) {
+    for (int i = 0; i < tree.options.files; ++i) {
         DataFile file{.fileclass = 0, .name = numberedname("DBSF", i + 1)};
         for (int entry = 0; entry < tree.options.entries; ++entry)
             file.records.push_back(
@@ -82,16 +52,42 @@ void writeentries(SampleTree& tree) {
     }
 }
 
+struct ClassSize {
+    std::int64_t files = 0;
+    std::int64_t records = 0; // in each
+};
+
+// Gel files mix the types of their records; any other file has one type.
+bool mixestypes(int fileclass) {
+    return fileclass == 1;
+}
+
+// As many as are asked for, where there are entries enough: each record of a type names an entry of its own.
+ClassSize classsize(const SampleOptions& options, int fileclass) {
+    const std::int64_t types = options.types;
+    const std::int64_t entries = std::int64_t{options.files} * options.entries;
+    const std::int64_t files = std::min<std::int64_t>(options.experiments, types * entries);
+    if (files == 0)
+        return {};
+    const std::int64_t possible =
+        mixestypes(fileclass) ? types * entries / files : entries / ((files + types - 1) / types);
+    return {files, std::min<std::int64_t>(fileclass == 5 ? 1 : options.records, possible)};
+}
+
 void writeexperiments(SampleTree& tree, int fileclass) {
-    const ClassLayout layout(tree.options, fileclass);
-    for (int i = 0; i < layout.files() && !tree.failed(); ++i) {
+    const auto [files, records] = classsize(tree.options, fileclass);
+    const int types = tree.options.types;
+    for (int i = 0; i < files; ++i) {
         DataFile file{.fileclass = fileclass,
                       .name = numberedname("EXP", i + 1),
-                      .type = typenameof(fileclass, i % tree.options.types)};
-        for (int record = 0; record < layout.records(); ++record) {
-            const int type = layout.typeof_(i, record);
-            const std::int64_t number = keynumber(tree.options, fileclass, type, layout.indexof(i, record));
-            file.records.push_back({tree.content.key(number), typenameof(fileclass, type)});
+                      .type = typenameof(fileclass, i % types)};
+        for (int record = 0; record < records; ++record) {
+            const std::int64_t number = i * records + record; // among those of the class
+            const bool mixed = mixestypes(fileclass);
+            const int type = static_cast<int>((mixed ? number : i) % types);
+            const std::int64_t index = mixed ? number / types : i / types * records + record;
+            file.records.push_back({tree.content.key(keynumber(tree.options, fileclass, type, index)),
+                                    typenameof(fileclass, type)});
         }
         tree.write(file);
     }
@@ -109,21 +105,18 @@ void writesidefiles(SampleTree& tree) {
         tree.write(SideFile{path, compheader});
 }
 
-// Makes the directory if it is missing. Returns why it can't be used; empty when it can.
+// Makes the directory if it is missing, and gives its absolute path.
 std::string prepare(const filesystem::path& directory) {
     std::error_code error;
     filesystem::create_directories(directory, error);
-    if (error)
-        return "can't make the directory '" + directory.string() + "': " + error.message();
+    failon(error, "make the directory", directory);
     const bool empty = filesystem::is_empty(directory, error);
-    if (error)
-        return "can't read the directory '" + directory.string() + "': " + error.message();
-    return empty ? "" : "the directory '" + directory.string() + "' is not empty";
-}
-
-// Whether the path can stand in a settings file.
-bool fitsline(const std::string& path) {
-    return path.size() <= maxsettingsline && path.find_first_of("\r\n") == std::string::npos;
+    failon(error, "read the directory", directory);
+    if (!empty)
+        throw std::runtime_error("the directory '" + directory.string() + "' is not empty");
+    const std::string root = filesystem::canonical(directory, error).string();
+    failon(error, "find the directory", directory);
+    return root;
 }
 
 SampleOptions withroomfordamages(SampleOptions options) {
@@ -165,22 +158,10 @@ std::string unusable(const SampleOptions& options) {
 }
 
 SampleResult makeSample(const SampleOptions& options) {
-    SampleResult refused;
-    refused.failure = unusable(options);
-    if (!refused.failure.empty())
-        return refused;
-    const filesystem::path directory = resolvePath(options.directory);
-    refused.failure = prepare(directory);
-    if (!refused.failure.empty())
-        return refused;
-    std::error_code error;
-    const std::string root = filesystem::canonical(directory, error).string();
-    if (error)
-        refused.failure = "can't find the directory '" + directory.string() + "': " + error.message();
-    else if (!options.home.empty() && !fitsline(root))
-        refused.failure = "the path does not fit into a line of a settings file: '" + root + "'";
-    if (!refused.failure.empty())
-        return refused;
+    const std::string root = prepare(resolvePath(options.directory));
+    const bool fitsline = root.size() <= maxsettingsline && root.find_first_of("\r\n") == std::string::npos;
+    if (!options.home.empty() && !fitsline)
+        throw std::runtime_error("the path does not fit into a line of a settings file: '" + root + "'");
     SampleTree tree(root, options.damages.empty() ? options : withroomfordamages(options));
     writeall(tree);
     return tree.result;

@@ -40,13 +40,13 @@ struct SampleResult {
     int records = 0; // in all data files
     int sidefiles = 0;
     std::vector<std::string> damages; // as made: each once, in the order of the table
-    std::string failure; // empty on success, else which file and what was tried; the tree is incomplete
 };
 
 // Why the options can't be used, with the option that is to blame; empty when they can.
 std::string unusable(const SampleOptions& options);
 
-// Where the options ask for more than can be sound, less is made: no key is used twice in an experiment type,
-// and with damages the files and types stay below the limits of a database, so that what is damaged finds
-// room.
+// With options that can be used. Where they ask for more than can be sound, less is made: no key is used
+// twice in an experiment type, and with damages the files and types stay below the limits of a database, so
+// that what is damaged finds room. At the first failure a std::runtime_error tells which file and what was
+// tried, and the tree is incomplete.
 SampleResult makeSample(const SampleOptions& options);

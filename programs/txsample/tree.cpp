@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <stdexcept>
 #include <utility>
 
 #include "files/binfile.h"
@@ -58,52 +59,51 @@ bool hasrecordchunk(const DataFile& data) {
     return !data.records.empty() || data.statedcount >= 0;
 }
 
-} // namespace
-
-SampleTree::SampleTree(std::string root, const SampleOptions& wanted)
-    : options(wanted), content(wanted.seed, wanted.keys), root_(std::move(root)) {}
-
-void SampleTree::check(const std::error_code& error, const char* tried, const std::string& path) {
-    if (error && !failed())
-        result.failure = std::string("can't ") + tried + " '" + path + "': " + error.message();
-}
-
-void SampleTree::makedirectories() {
-    for (const char* directory : directories) {
-        const std::string path = root_ + "/" + directory;
-        std::error_code error;
-        filesystem::create_directory(path, error);
-        check(error, "make", path);
-    }
-}
-
-bool SampleTree::open(TSXbinfile& file, const std::string& path) {
-    if (failed())
-        return false;
-    if (file.openwrite(path.c_str()) == 1)
-        return true;
-    result.failure = "can't make '" + path + "': " + errorText(GetLastError());
-    return false;
-}
-
-// What could not be written shows at the latest here, since a new file reaches the disk when it is closed.
-void SampleTree::close(TSXbinfile& file, const std::string& path, bool broken) {
-    if (broken)
-        file.blockwrite("no chunk here", 13);
-    if (file.close() != 1)
-        result.failure = "can't write '" + path + "': " + errorText(GetLastError());
-}
-
-std::string SampleTree::nameof(const DataFile& file) {
+std::string nameof(const DataFile& file) {
     const char* extension = file.extension == nullptr ? classof(file).extension : file.extension;
     return std::string(classof(file).directory) + "/" + file.name + "." + extension;
 }
 
+// Throws what could not be done with the path, for the last error.
+[[noreturn]] void fail(const char* tried, const std::string& path) {
+    throw std::runtime_error(std::string("can't ") + tried + " '" + path + "': " + errorText(GetLastError()));
+}
+
+void open(TSXbinfile& file, const std::string& path) {
+    if (file.openwrite(path.c_str()) != 1)
+        fail("make", path);
+}
+
+// What could not be written shows at the latest here, since a new file reaches the disk when it is closed.
+void close(TSXbinfile& file, const std::string& path, bool brokentag) {
+    if (brokentag)
+        file.blockwrite("no chunk here", 13);
+    if (file.close() != 1)
+        fail("write", path);
+}
+
+} // namespace
+
+void failon(const std::error_code& error, const char* tried, const std::string& path) {
+    if (error)
+        throw std::runtime_error(std::string("can't ") + tried + " '" + path + "': " + error.message());
+}
+
+SampleTree::SampleTree(std::string root, const SampleOptions& wanted)
+    : options(wanted), content(wanted.seed, wanted.keys), root_(std::move(root)) {}
+
+void SampleTree::makedirectories() {
+    for (const char* directory : directories) {
+        std::error_code error;
+        filesystem::create_directory(pathof(directory), error);
+        failon(error, "make", pathof(directory));
+    }
+}
+
 int SampleTree::write(const DataFile& data) {
-    const std::string path = root_ + "/" + nameof(data);
+    const std::string path = pathof(nameof(data));
     TSXbinfile file;
-    if (!open(file, path))
-        return 0;
+    open(file, path);
     file.writestring(data.header == nullptr ? classof(data).header : data.header);
     writeunknown(file, "INF", 1);
     if (data.fileclass == 0)
@@ -158,10 +158,9 @@ void SampleTree::writerecord(TSXbinfile& file, const DataFile& data, const Sampl
 }
 
 void SampleTree::write(const SideFile& side) {
-    const std::string path = root_ + "/" + side.path;
+    const std::string path = pathof(side.path);
     TSXbinfile file;
-    if (!open(file, path))
-        return;
+    open(file, path);
     if (filesystem::path(side.path).extension() == ".CMP")
         file.blockwrite(side.header.data(), static_cast<int>(side.header.size()));
     else
@@ -174,37 +173,33 @@ void SampleTree::write(const SideFile& side) {
 
 void SampleTree::writecut(const DataFile& data) {
     const int lastkey = write(data);
-    const std::string path = resolvePath(root_ + "/" + nameof(data));
+    const std::string path = resolvePath(pathof(nameof(data)));
     std::error_code error;
-    if (!failed())
-        filesystem::resize_file(path, static_cast<std::uintmax_t>(lastkey) + textoffset + 2, error);
-    check(error, "cut", path);
+    filesystem::resize_file(path, static_cast<std::uintmax_t>(lastkey) + textoffset + 2, error);
+    failon(error, "cut", path);
 }
 
 void SampleTree::writesettings() {
     std::error_code error;
     filesystem::create_directories(resolvePath(options.home), error);
-    check(error, "make", options.home);
+    failon(error, "make", options.home);
     DatabaseSettings settings;
     if (!settings.homeDirectory.take(options.home))
-        check(std::make_error_code(std::errc::filename_too_long), "write settings in", options.home);
+        failon(std::make_error_code(std::errc::filename_too_long), "write settings in", options.home);
     settings.currentDatabase = options.name.c_str();
     settings.databaseDirectory = root_.c_str();
-    if (!failed() && !writeSettingsFile(settings))
-        result.failure = "can't write the settings of '" + options.name + "' in '" + options.home +
-                         "': " + errorText(GetLastError());
+    if (!writeSettingsFile(settings))
+        fail("write the settings of", options.name + "' in '" + options.home);
 }
 
 void SampleTree::rename(const std::string& from, const std::string& to) {
     std::error_code error;
-    if (!failed())
-        filesystem::rename(root_ + "/" + from, root_ + "/" + to, error);
-    check(error, "rename", root_ + "/" + from);
+    filesystem::rename(pathof(from), pathof(to), error);
+    failon(error, "rename", pathof(from));
 }
 
 void SampleTree::remove(const std::string& directory) {
     std::error_code error;
-    if (!failed())
-        filesystem::remove(root_ + "/" + directory, error);
-    check(error, "remove", root_ + "/" + directory);
+    filesystem::remove(pathof(directory), error);
+    failon(error, "remove", pathof(directory));
 }

@@ -1,5 +1,5 @@
-// The tree that is being made: writes its files with all their chunks and counts them. After a first failure
-// nothing more is written.
+// The tree that is being made: writes its files with all their chunks and counts them. A first failure ends
+// the work, as a std::runtime_error.
 #pragma once
 
 #include <string>
@@ -28,7 +28,7 @@ struct DataFile {
     int statedcount = -1;                   // written instead of the number of records
     const char* header = nullptr;           // instead of the class's
     const char* extension = nullptr;        // instead of the class's
-    bool brokentag = false;                 // what stands behind the last chunk is no chunk
+    bool brokentag = false;                 // what stands after the last chunk is no chunk
 };
 
 struct SideFile {
@@ -37,6 +37,9 @@ struct SideFile {
     int chunks = 3;
     bool brokentag = false;
 };
+
+// Throws what could not be done with the path, where there is an error.
+void failon(const std::error_code& error, const char* tried, const std::string& path);
 
 class SampleTree {
 public:
@@ -53,17 +56,12 @@ public:
     void rename(const std::string& from, const std::string& to);
     void remove(const std::string& directory);
 
-    bool failed() const { return !result.failure.empty(); }
-    static std::string nameof(const DataFile& file); // below the database directory
-
     const SampleOptions options;
     const Content content;
     SampleResult result;
 
 private:
-    bool open(TSXbinfile& file, const std::string& path);
-    void close(TSXbinfile& file, const std::string& path, bool broken);
-    void check(const std::error_code& error, const char* tried, const std::string& path);
+    std::string pathof(const std::string& name) const { return root_ + "/" + name; }
     void writefieldnames(TSXbinfile& file) const;
     int writerecords(TSXbinfile& file, const DataFile& data);
     void writerecord(TSXbinfile& file, const DataFile& data, const SampleRecord& record);
