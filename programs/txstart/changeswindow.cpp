@@ -94,13 +94,16 @@ void ChangesWindow::run(const QString& option) {
     updateButtons();
 }
 
+bool ChangesWindow::agreed(const QString& question) {
+    return QMessageBox::question(this, windowTitle(), question, QMessageBox::Yes | QMessageBox::No,
+                                 QMessageBox::No) == QMessageBox::Yes;
+}
+
 void ChangesWindow::restoreAll() {
     const QString what = list_->currentItem()->text(1);
-    if (QMessageBox::question(this, windowTitle(),
-                              QStringLiteral("Bring the database back to what it was before this: %1?\n"
-                                             "The restore can be taken back in turn.")
-                                  .arg(what),
-                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes)
+    if (agreed(QStringLiteral("Bring the database back to what it was before this: %1?\n"
+                              "The restore can be taken back in turn.")
+                   .arg(what)))
         run({});
 }
 
@@ -117,10 +120,7 @@ void ChangesWindow::ended() {
     if (started && !planned && !rest)
         fillList();
     updateButtons();
-    if (rest &&
-        QMessageBox::question(this, windowTitle(),
-                              QStringLiteral("Not all is as these changes left it, as the text tells. "
-                                             "Restore the rest?"),
-                              QMessageBox::Yes | QMessageBox::No, QMessageBox::No) == QMessageBox::Yes)
+    if (rest && agreed(QStringLiteral("Not all is as these changes left it, as the text tells. "
+                                      "Restore the rest?")))
         run(QStringLiteral("--yes"));
 }

@@ -20,6 +20,7 @@ private:
     void run(const QString& option);
     void ended();
     void restoreAll();
+    bool agreed(const QString& question);
 
     const std::string directory_;
     QTreeWidget* list_;

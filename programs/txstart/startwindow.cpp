@@ -8,7 +8,6 @@
 #include <QInputDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QScreen>
@@ -52,16 +51,7 @@ StartWindow::StartWindow()
     list_->setRootIsDecorated(false);
     list_->setAllColumnsShowFocus(true);
     list_->setTextElideMode(Qt::ElideMiddle);
-    homeButton_ = addButton("&Home directory...", homeText, &StartWindow::chooseHomeDirectory);
-    addButton_ = addButton("&Add...", "Makes another database known here", &StartWindow::add);
-    moveButton_ =
-        addButton("&Directory...", "Tells where the database is, when it has moved", &StartWindow::move);
-    forgetButton_ =
-        addButton("&Remove", "Takes the database off this list; its files stay", &StartWindow::forget);
-    changesButton_ = addButton("&Changes...", "What was changed in the database, and can be taken back",
-                               &StartWindow::showChanges);
-    quitButton_ = addButton("&Quit", "", &StartWindow::quit);
-    inspectButton_ = addButton("&Inspect", "", &StartWindow::inspect);
+    makeButtons();
     layOut();
     connect(list_, &QTreeWidget::itemSelectionChanged, this, &StartWindow::updateButtons);
     connect(list_, &QTreeWidget::itemDoubleClicked, this,
@@ -72,24 +62,38 @@ StartWindow::StartWindow()
     resize(wanted.boundedTo(screen()->availableSize() * 0.9)); // room for a long path
 }
 
-QPushButton* StartWindow::addButton(const char* text, const char* hint, void (StartWindow::*action)()) {
-    auto* button = new QPushButton(QString::fromLatin1(text));
-    button->setToolTip(QString::fromLatin1(hint));
-    connect(button, &QPushButton::clicked, this, action);
-    return button;
+void StartWindow::makeButtons() {
+    const struct {
+        const char* text;
+        const char* hint;
+        void (StartWindow::*action)();
+    } rows[] = {
+        {"&Home directory...", homeText, &StartWindow::chooseHomeDirectory},
+        {"&Add...", "Makes another database known here", &StartWindow::add},
+        {"&Directory...", "Tells where the database is, when it has moved", &StartWindow::move},
+        {"&Remove", "Takes the database off this list; its files stay", &StartWindow::forget},
+        {"&Changes...", "What was changed in the database, and can be taken back", &StartWindow::showChanges},
+        {"&Quit", "", &StartWindow::quit},
+        {"&Inspect", "", &StartWindow::inspect},
+    };
+    for (const auto& row : rows) {
+        buttons_.push_back(new QPushButton(QString::fromLatin1(row.text)));
+        buttons_.back()->setToolTip(QString::fromLatin1(row.hint));
+        connect(buttons_.back(), &QPushButton::clicked, this, row.action);
+    }
 }
 
 void StartWindow::layOut() {
     auto* top = new QHBoxLayout;
     top->addWidget(new QLabel(QStringLiteral("Home directory:")));
     top->addWidget(homeField_, 1);
-    top->addWidget(homeButton_);
+    top->addWidget(buttons_[homeButton]);
     auto* bottom = new QHBoxLayout;
-    for (QPushButton* button : {addButton_, moveButton_, forgetButton_, changesButton_})
-        bottom->addWidget(button);
-    bottom->addStretch(1);
-    bottom->addWidget(quitButton_);
-    bottom->addWidget(inspectButton_);
+    for (std::size_t i = addButton; i < buttons_.size(); ++i) {
+        if (i == quitButton)
+            bottom->addStretch(1);
+        bottom->addWidget(buttons_[i]);
+    }
     auto* all = new QVBoxLayout(this);
     all->addLayout(top);
     all->addWidget(list_, 1);
@@ -124,11 +128,10 @@ void StartWindow::fillList(const std::string& selected) {
 
 void StartWindow::updateButtons() {
     const bool selected = !list_->selectedItems().isEmpty();
-    for (QPushButton* button : {moveButton_, forgetButton_, changesButton_, inspectButton_})
-        button->setEnabled(selected && !tool_);
-    addButton_->setEnabled(!home_.empty());
-    QPushButton* next = home_.empty() ? homeButton_ : selected ? inspectButton_ : addButton_;
-    next->setDefault(true);
+    for (const Button needing : {moveButton, forgetButton, changesButton, inspectButton})
+        buttons_[needing]->setEnabled(selected && !tool_);
+    buttons_[addButton]->setEnabled(!home_.empty());
+    buttons_[home_.empty() ? homeButton : selected ? inspectButton : addButton]->setDefault(true);
 }
 
 std::string StartWindow::selectedName() const {
@@ -136,25 +139,32 @@ std::string StartWindow::selectedName() const {
     return row == nullptr ? std::string() : row->data(0, nameRole).toByteArray().toStdString();
 }
 
-bool StartWindow::failed(const std::string& reason) {
-    if (reason.empty())
-        return false;
-    QMessageBox box(QMessageBox::Warning, windowTitle(), shown(reason), QMessageBox::Ok, this);
+QMessageBox::StandardButton StartWindow::ask(QMessageBox::Icon icon, const std::string& text,
+                                             QMessageBox::StandardButtons answers) {
+    QMessageBox box(icon, windowTitle(), shown(text), answers, this);
     box.setTextFormat(Qt::PlainText);
-    box.exec();
-    return true;
+    box.setDefaultButton(QMessageBox::No); // where there is one
+    return static_cast<QMessageBox::StandardButton>(box.exec());
+}
+
+bool StartWindow::failed(const std::string& reason) {
+    if (!reason.empty())
+        ask(QMessageBox::Warning, reason, QMessageBox::Ok);
+    return !reason.empty();
 }
 
 bool StartWindow::agreed(const std::string& question) {
-    QMessageBox box(QMessageBox::Question, windowTitle(), shown(question), QMessageBox::Yes | QMessageBox::No,
-                    this);
-    box.setTextFormat(Qt::PlainText);
-    box.setDefaultButton(QMessageBox::No);
-    return box.exec() == QMessageBox::Yes;
+    return ask(QMessageBox::Question, question, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
 std::string StartWindow::askForDirectory(const char* title, const std::string& present) {
     return bytes(QFileDialog::getExistingDirectory(this, QString::fromLatin1(title), shown(present)));
+}
+
+std::string StartWindow::askForDatabase(const std::string& present, const char* allTheSame) {
+    const std::string directory = askForDirectory("Directory of the database", present);
+    const std::string doubt = directory.empty() ? "" : doubtOf(directory);
+    return doubt.empty() || agreed(doubt + ". " + allTheSame) ? directory : std::string();
 }
 
 void StartWindow::chooseHomeDirectory() {
@@ -167,9 +177,8 @@ void StartWindow::chooseHomeDirectory() {
 }
 
 void StartWindow::add() {
-    const std::string directory = askForDirectory("Directory of the database", "");
-    const std::string doubt = directory.empty() ? "" : doubtOf(directory);
-    if (directory.empty() || (!doubt.empty() && !agreed(doubt + ". Add it all the same?")))
+    const std::string directory = askForDatabase("", "Add it all the same?");
+    if (directory.empty())
         return;
     bool accepted = false;
     const QString name =
@@ -181,12 +190,8 @@ void StartWindow::add() {
 
 void StartWindow::move() {
     const std::string name = selectedName();
-    const std::string directory =
-        askForDirectory("Directory of the database", directoryOfDatabase(home_, name));
-    const std::string doubt = directory.empty() ? "" : doubtOf(directory);
-    if (directory.empty() || (!doubt.empty() && !agreed(doubt + ". Take it all the same?")))
-        return;
-    if (!failed(moveDatabase(home_, name, directory)))
+    const std::string directory = askForDatabase(directoryOfDatabase(home_, name), "Take it all the same?");
+    if (!directory.empty() && !failed(moveDatabase(home_, name, directory)))
         fillList(name);
 }
 

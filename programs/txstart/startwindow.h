@@ -2,7 +2,9 @@
 #pragma once
 
 #include <QDialog>
+#include <QMessageBox>
 #include <memory>
+#include <vector>
 
 #include "platform/system/startprogram.h"
 
@@ -17,13 +19,20 @@ public:
     StartWindow();
 
 private:
+    // The order is that of the table of their texts.
+    enum Button { homeButton, addButton, moveButton, forgetButton, changesButton, quitButton, inspectButton };
+
+    void makeButtons();
     void layOut();
-    QPushButton* addButton(const char* text, const char* hint, void (StartWindow::*action)());
     void fillList(const std::string& selected);
     void updateButtons();
     bool failed(const std::string& reason); // shows a reason that is not empty
     bool agreed(const std::string& question);
+    QMessageBox::StandardButton ask(QMessageBox::Icon icon, const std::string& text,
+                                    QMessageBox::StandardButtons answers);
     std::string askForDirectory(const char* title, const std::string& present);
+    // The directory of a database; empty where none was given, or one that is not meant after all.
+    std::string askForDatabase(const std::string& present, const char* allTheSame);
     std::string selectedName() const; // as on the disk; empty where none is selected
 
     void chooseHomeDirectory();
@@ -41,8 +50,7 @@ private:
     QLineEdit* homeField_;
     QLabel* hint_;
     QTreeWidget* list_;
-    QPushButton *homeButton_, *addButton_, *moveButton_, *forgetButton_, *changesButton_, *quitButton_,
-        *inspectButton_;
+    std::vector<QPushButton*> buttons_;    // by Button
     std::unique_ptr<StartedProgram> tool_; // while its window is waited for
     QProgressDialog* waiting_ = nullptr;   // the same
 };
