@@ -11,7 +11,7 @@
 
 #include "model/database.h"
 #include "model/problem.h"
-#include "platform/window/scrollrange.h"
+#include "platform/window/wnd.h"
 #include "resources/resources.h"
 #include "toolkit/drawing.h"
 #include "views/current.h"

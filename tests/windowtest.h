@@ -29,7 +29,8 @@ inline const CBrush greyBrush{grey};
 
 // Makes and shows a frame of 400 by 300, which deletes itself.
 template <class Frame> Frame* show(Frame* frame, CWnd* parent = nullptr, int menu = 0) {
-    EXPECT_TRUE(frame->Create(AfxRegisterWndClass(&greyBrush), "test", {20, 20, 420, 320}, parent, menu));
+    EXPECT_TRUE(
+        frame->Create(AfxRegisterWndClass(&greyBrush, nullptr, menu), "test", {20, 20, 420, 320}, parent));
     frame->ShowWindow();
     frame->UpdateWindow();
     return frame;
@@ -71,23 +72,21 @@ public:
     }
     void onSize(int, int width, int height) override { note("size", width, height); }
     void onCommand(std::uint32_t id) override { note("command", id); }
-    void onLeftButtonDown(unsigned flags, int x, int y) override {
-        note("left", flags, x, y);
-        this->SetCapture();
+    void onMouse(MouseAction action, unsigned flags, POINT place) override {
+        constexpr const char* names[] = {"left", "left up", "double", "right", "right up", "move"};
+        note(names[static_cast<int>(action)], flags, place.x, place.y);
+        if (action == MouseAction::leftPress)
+            this->SetCapture();
     }
-    void onLeftButtonUp(unsigned flags, int x, int y) override { note("left up", flags, x, y); }
-    void onLeftButtonDoubleClick(unsigned flags, int x, int y) override { note("double", flags, x, y); }
-    void onRightButtonDown(unsigned flags, int x, int y) override { note("right", flags, x, y); }
-    void onRightButtonUp(unsigned flags, int x, int y) override { note("right up", flags, x, y); }
-    void onMouseMove(unsigned flags, int x, int y) override { note("move", flags, x, y); }
     void onMouseLeave() override { note("leave"); }
     void onCaptureChanged() override { note("capture over"); }
     void onKeyDown(std::uint32_t key, std::uint32_t, std::uint32_t flags) override {
         note("key", key, flags);
     }
     void onChar(std::uint32_t letter, std::uint32_t, std::uint32_t) override { note("char", letter); }
-    void onVScroll(int code, int position) override { note("vertical", code, position); }
-    void onHScroll(int code, int position) override { note("horizontal", code, position); }
+    void onScroll(ScrollBarKind bar, int code, int position) override {
+        note(bar == SB_VERT ? "vertical" : "horizontal", code, position);
+    }
 
 protected:
     template <class... Numbers> void note(std::string line, Numbers... numbers) {

@@ -22,3 +22,7 @@ extern Text<2000> rootDirectory; // the working directory at start less its last
 extern Text<2000> homeDirectory;
 extern Text<2000> databaseDirectory;
 extern HANDLE lockHandle; // the open marker file
+
+// Under which names the settings store keeps where the windows stood.
+constexpr const char* mainPlacement = "Main Window";
+constexpr const char* entryPlacement = "Entry Window";

@@ -12,6 +12,8 @@
 TSXapp::~TSXapp() {
     setNotifier({});
     database.reset();
+    writeWindowPlacement(mainPlacement, placements.main);
+    writeWindowPlacement(entryPlacement, placements.entry);
     releaseDrawing();
     endLog();
     CloseHandle(lockHandle); // before the start-up program starts, which may start the tool again at once

@@ -113,14 +113,6 @@ void tellProgress(int percent, const std::string& text) {
     std::_Exit(0);
 }
 
-constexpr const char* mainPlacement = "Main Window"; // values of the settings store
-constexpr const char* entryPlacement = "Entry Window";
-
-void keepPlacements(const WindowPlacements& placements) {
-    writeWindowPlacement(mainPlacement, placements.main);
-    writeWindowPlacement(entryPlacement, placements.entry);
-}
-
 } // namespace
 
 TSXapp::TSXapp() {
@@ -144,9 +136,8 @@ int TSXapp::InitInstance() {
     const auto stands = [] { return holdStands(lockHandle, *heldTree, markerName); };
     database->committer = std::make_unique<Committer>(heldTree, CommitOptions{.ask = true, .holds = stands});
     database->committer->closed = waiting;
+    placements = {readWindowPlacement(mainPlacement), readWindowPlacement(entryPlacement)};
     mainFrame = new TSXmainframe;
-    mainFrame->placements = {readWindowPlacement(mainPlacement), readWindowPlacement(entryPlacement)};
-    mainFrame->keepPlacements = keepPlacements;
     {
         const Progress progress(*database, tellProgress);
         database->load(databaseDirectory);

@@ -39,18 +39,19 @@ int TSXfinder::findfirst(const char* pattern) {
                       (tree.look(folder, Links::followed, entry) || entry.state.kind != FileState::directory);
     missing = away && unread.number == ERROR_PATH_NOT_FOUND;
     failure = away ? ERROR_SUCCESS : unread.number;
-    return take(true);
+    return take();
 }
 
 int TSXfinder::findnext() {
-    return take(false);
+    return take();
 }
 
 // A first match that nobody may write or that is hidden counts as a file, whatever it is.
-int TSXfinder::take(bool first) {
+int TSXfinder::take() {
     constexpr std::uint32_t anyWrite = 0222;
     if (next == matches.size())
         return 0;
+    const bool first = next == 0;
     const std::string& name = matches[next++];
     Entry entry;
     entryfailure = tree.look(folder + name, Links::followed, entry).number;

@@ -38,7 +38,7 @@ public:
     std::vector<std::string> passedover;
 
 private:
-    int take(bool first);
+    int take();
 
     Tree& tree;
     std::string folder; // the directory, with its separator after it

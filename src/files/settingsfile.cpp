@@ -11,7 +11,7 @@ namespace {
 constexpr std::string_view extension = ".dbs";
 
 // Reads one line and cuts it at its first carriage return or line feed. At the end of the file the line is
-// left as it is. False if it may go on behind what was read of it.
+// left as it is. False if it may go on after what was read of it.
 bool readLine(ByteStream& stream, std::string& line) {
     std::string text;
     char byte = '\0';
@@ -70,7 +70,6 @@ std::vector<std::string> databaseNames(const std::string& home) {
         if (finder.entrykind == TSXfinder::file && name.size() > extension.size())
             names.emplace_back(name.substr(0, name.size() - extension.size()));
     }
-    finder.findclose();
     return names;
 }
 

@@ -30,7 +30,7 @@ constexpr int maxtypes = 200; // besides type 0
 // Texts side by side that are let go in one step. None moves or goes as long as the store is there.
 class TextStore {
 public:
-    // A copy of the text with a terminator behind it.
+    // A copy of the text with a terminator after it.
     std::string_view keep(std::string_view text) {
         char* const copy = static_cast<char*>(bytes_.allocate(text.size() + 1, 1));
         copy[text.copy(copy, text.size())] = '\0';
@@ -51,7 +51,7 @@ struct Unread {
         whole, // a data file, a directory of data files, a type: without it no other key can be judged
     };
 
-    // Relative to the database's directory, spelled as on the disk; a type behind its folder.
+    // Relative to the database's directory, spelled as on the disk; a type after its folder.
     std::string name;
     std::string reason; // a sentence in English without line end
     Weight weight = part;
@@ -78,7 +78,7 @@ public:
     // The index of the type of that name, ignoring case, in that class, made if missing. With 200 types
     // there, the last.
     int addexptype(int fileclass, std::string_view name);
-    void forgettypes(std::int32_t last);             // takes all behind that one off again
+    void forgettypes(std::int32_t last);             // takes all after that one off again
     TSXexptype* gettype(int index) const;            // none unless index is from 0 to lasttype
     TSXkeyentry* getvisiblekey(int index) const;     // none unless index is from 1 to visiblecount
     TSXkeyentry& findoraddkey(std::string_view key); // a new one goes to the end of both key arrays
@@ -121,7 +121,7 @@ public:
     void lookatsidefile(const TSXfinder& match, const char* path, const char* header);
     void checkdirectory(const char* fullpath); // adds a problem if it can't be entered
     // Rebuilds the index, the counts, the visible keys and the problem list from memory; looks at the disk
-    // only for side files and directories. Pointers to problems and keys from before are invalid behind it.
+    // only for side files and directories. Pointers to problems and keys from before are invalid after it.
     // What hangs on the keys alone is kept where none has changed since the last one.
     void analyse();
     void keyschanged() { keysjudged = false; } // a key table or the list of valid files is another now
@@ -179,7 +179,7 @@ public:
     // By which all changes are made; set by the program, else without an undo file.
     std::unique_ptr<Committer> committer;
 
-    // Called, where set, behind each data file that load has read.
+    // Called, where set, after each data file that load has read.
     std::function<void(const TSXdatafile&)> fileread;
     // The same before a record gets that key in memory.
     std::function<void(const TSXdatafile&, int record, std::string_view key)> keychanging;

@@ -134,8 +134,9 @@ void TSXdatafile::read() {
     unread = false;
     closed.reset();
     const WholeReading reading = readwhole(
-        *database.tree, path, format.header, [this, known = database.lasttype] { forget(known); },
-        [this](TSXbinfile& file, const char* tag) { return readchunk(file, tag); });
+        {*database.tree, path, format.header},
+        [this](TSXbinfile& file, const char* tag) { return readchunk(file, tag); },
+        [this, known = database.lasttype] { forget(known); });
     onread = reading.file;
     if (reading.outcome == WholeReading::wrongheader && *format.wrongheaderline != '\0')
         logLine(format.wrongheaderline);

@@ -31,7 +31,6 @@ void TSXfilelist::search() {
         if (finder.entrykind == TSXfinder::file)
             take(finder);
     }
-    finder.findclose();
 }
 
 TSXfilelist::~TSXfilelist() = default;
@@ -175,7 +174,6 @@ void TSXfilelist::takewaiting() {
         database.forgettold(pathof(name));
         take(finder);
     }
-    finder.findclose();
     waiting.clear();
     notepassedover(finder);
 }
@@ -198,7 +196,6 @@ std::vector<std::string> TSXfilelist::changedsince() const {
     std::vector<std::string> now = finder.passedover;
     for (; match != 0; match = finder.findnext())
         now.emplace_back(finder.entryname.c_str());
-    finder.findclose();
     for (const std::string& name : now)
         if (!listing.contains(name))
             texts.push_back("'" + pathof(name) +

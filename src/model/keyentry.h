@@ -17,7 +17,7 @@ struct Occurrence {
 
 class TSXkeyentry {
 public:
-    // The text has to stay as long as the entry, with a terminator behind it, and so do the records that it
+    // The text has to stay as long as the entry, with a terminator after it, and so do the records that it
     // may start with, which ascend by type. The key index, which makes the entries, sees to both.
     TSXkeyentry(const TSXdatabase& database, std::string_view text, std::span<Occurrence> firstrecords = {});
     TSXkeyentry(const TSXkeyentry&) = delete;

@@ -20,7 +20,7 @@ constexpr std::size_t piecesize = sizeof(KeyRow::Record::piece);
 
 static_assert(fileclasscount * maxfiles <= UINT16_MAX && maxrecords <= UINT16_MAX && maxtypes <= UINT8_MAX);
 
-// Eight bytes of a text in small letters as a number that is ordered as they are. Behind the end of the text
+// Eight bytes of a text in small letters as a number that is ordered as they are. After the end of the text
 // stand zeros, which no key holds.
 std::uint64_t pieceof(const char* text) {
     std::uint64_t piece = 0;

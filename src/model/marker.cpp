@@ -22,7 +22,6 @@ bool hasPlainFile(Tree& tree, const char* pattern) {
     for (int match = finder.findfirst((tree.path() + "/" + pattern).c_str()); match != 0;
          match = finder.findnext())
         found = found || finder.entrykind == TSXfinder::file;
-    finder.findclose();
     return found;
 }
 

@@ -111,7 +111,7 @@ constexpr KindOfProblem kinds[] = {
        "keeps the key in its first record and takes it from all later ones, whose data stay without a key",
        keyslost, [](Database& d, const Problem& p) { d.removeduplicates(p.subkind); }},
       {renameduplicatescommand, "Rename all duplicate keys", Cost::safe,
-       "keeps the key in its first record; each later one gets it with a number behind it, /#2, /#3 …",
+       "keeps the key in its first record; each later one gets it with a number after it, /#2, /#3 …",
        "The end of a key of more than 56 bytes is lost.",
        [](Database& d, const Problem& p) { d.renameduplicates(p.subkind); }}}},
     {blankkeys,

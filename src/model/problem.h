@@ -53,7 +53,7 @@ struct KindOfProblem {
         int command; // 0: the kind has no such solution
         const char* label;
         Cost cost;
-        const char* effect; // on the data, behind "it"
+        const char* effect; // on the data, after "it"
         const char* price;  // a sentence: what is lost, and whether it can be had back
         // On keys; none where the solution deletes or makes.
         void (*changekeys)(TSXdatabase& database, const TSXproblem& problem);

@@ -33,15 +33,13 @@ void TSXdatabase::scansidefiles(const char* relative, const char* extension, con
                 finder,
                 Text<1200>().format("%s/%s/%s", directory.c_str(), relative, finder.entryname.c_str()),
                 header);
-    finder.findclose();
 }
 
 void TSXdatabase::lookatsidefile(const TSXfinder& match, const char* path, const char* header) {
     logLine(Text<1300>().format("   found file '%s'", path));
     noteoutside(match);
-    const auto leave = [](TSXbinfile&, const char*) { return Chunk::toleave; };
-    const WholeReading reading = readwhole(
-        *tree, path, header, [] {}, leave);
+    const WholeReading reading =
+        readwhole({*tree, path, header}, [](TSXbinfile&, const char*) { return Chunk::toleave; });
     if (const std::uint32_t failure = reading.failure != 0 ? reading.failure : match.entryfailure;
         failure != 0)
         addunreadpath(path, errorText(failure), Unread::part);
@@ -92,7 +90,6 @@ void TSXdatabase::scanlibraries() {
                 "change that to have it read.",
                 Unread::told);
     }
-    finder.findclose();
 }
 
 void TSXdatabase::checkdirectory(const char* fullpath) {

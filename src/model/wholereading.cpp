@@ -8,8 +8,6 @@
 
 namespace {
 
-using TakeChunk = std::function<Chunk(TSXbinfile& file, const char* tag)>;
-
 // These stand in the file as they are; all others as a counted string.
 constexpr std::string_view rawheaders[] = {"TX-COMP-v1.0", "TX-BUNDLE-v01.0", "TX-LIB-v1.0"};
 
@@ -40,31 +38,28 @@ WholeReading::Outcome readchunks(TSXbinfile& file, const TakeChunk& take) {
     return result == -1 ? WholeReading::wrongtag : WholeReading::complete;
 }
 
-WholeReading readonce(Tree& tree, const char* path, const char* header, const TakeChunk& take,
-                      bool& changed) {
+WholeReading readonce(const WholeFile& wanted, const TakeChunk& take) {
     TSXbinfile file;
-    if (file.openread(tree, path) != 1)
+    if (file.openread(wanted.tree, wanted.path) != 1)
         return {WholeReading::unopened, {}, GetLastError()};
     WholeReading reading{WholeReading::wrongheader, file.stateatopen()};
-    if (hasheader(file, header))
+    if (hasheader(file, wanted.header))
         reading.outcome = readchunks(file, take);
     const FileState now = file.state();
-    changed = now != FileState() && !now.isUnchanged(reading.file);
-    reading.failure = changed ? ERROR_FILE_INVALID : file.readfailure();
+    reading.changed = now != FileState() && !now.isUnchanged(reading.file);
+    reading.failure = reading.changed ? ERROR_FILE_INVALID : file.readfailure();
     file.close();
     return reading;
 }
 
 } // namespace
 
-WholeReading readwhole(Tree& tree, const char* path, const char* header, const std::function<void()>& forget,
-                       const TakeChunk& take) {
-    WholeReading reading;
-    bool again = true;
-    for (int attempt = 1; attempt <= 2 && again; ++attempt) {
-        again = false;
+WholeReading readwhole(const WholeFile& wanted, const TakeChunk& take, const std::function<void()>& forget) {
+    forget();
+    WholeReading reading = readonce(wanted, take);
+    if (reading.changed) {
         forget();
-        reading = readonce(tree, path, header, take, again);
+        reading = readonce(wanted, take);
     }
     return reading;
 }

@@ -18,9 +18,17 @@ struct WholeReading {
     enum Outcome : std::uint8_t { unopened, wrongheader, wrongtag, unusable, complete } outcome = unopened;
     FileState file;            // as it stood; of no file where it was not opened
     std::uint32_t failure = 0; // the error number of the opening or of the disk
+    bool changed = false;      // another program has written it meanwhile
 };
 
-// The path begins with that of the tree. Forget is called before each reading, take for each chunk, whose
-// body it may read.
-WholeReading readwhole(Tree& tree, const char* path, const char* header, const std::function<void()>& forget,
-                       const std::function<Chunk(TSXbinfile& file, const char* tag)>& take);
+struct WholeFile {
+    Tree& tree;
+    const char* path; // begins with that of the tree
+    const char* header;
+};
+
+using TakeChunk = std::function<Chunk(TSXbinfile& file, const char* tag)>;
+
+// Take is called for each chunk, whose body it may read, and forget before each reading.
+WholeReading readwhole(
+    const WholeFile& wanted, const TakeChunk& take, const std::function<void()>& forget = [] {});

@@ -1,8 +1,8 @@
 #include "toolkit/barbutton.h"
 
-#include "platform/window/bitmap.h"
 #include "platform/window/dc.h"
 #include "toolkit/drawing.h"
+#include "toolkit/icons.h"
 
 namespace {
 
@@ -40,20 +40,17 @@ void drawButtonIcon(CDC& dc, int x, int y, int code) {
         drawSpark(dc, x + 7, y + 6);
 }
 
-struct EdgePens {
-    const CPen* outer = nullptr;
-    const CPen* inner = nullptr; // none without a double edge
-};
+using Pen = const CPen ButtonLook::*;
+constexpr Pen face = &ButtonLook::facePen;
+constexpr Pen light = &ButtonLook::lightPen;
+constexpr Pen dark = &ButtonLook::darkPen;
+constexpr Pen darkest = &ButtonLook::darkestPen;
 
-// Two sides, from the lower left corner of the rectangle to its upper right one.
-void drawSides(CDC& dc, const CPen* pen, const RECT& at, bool topLeft) {
-    if (pen == nullptr)
-        return;
-    dc.SelectObject(pen);
-    dc.MoveTo(at.left, at.bottom);
-    dc.LineTo(topLeft ? at.left : at.right, topLeft ? at.top : at.bottom);
-    dc.LineTo(at.right, at.top);
-}
+// By state, from flat on, and whether it is latched: the left and upper sides, outer and inner, and then the
+// lower and right ones.
+constexpr Pen edges[3][2][4] = {{{face, nullptr, face, nullptr}, {light, light, darkest, dark}},
+                                {{light, nullptr, dark, nullptr}, {light, light, darkest, dark}},
+                                {{dark, nullptr, light, nullptr}, {dark, dark, light, light}}};
 
 // Every second pixel inside of the edges.
 void dither(CDC& dc, const BarButton& button) {
@@ -65,27 +62,20 @@ void dither(CDC& dc, const BarButton& button) {
 }
 
 void drawEdges(CDC& dc, const BarButton& at, int state, const ButtonLook& look) {
-    const bool latched = at.latched != 0;
-    EdgePens topLeft;
-    EdgePens bottomRight;
-    if (state == buttonPressed) {
-        topLeft = {&look.darkPen, &look.darkPen};
-        bottomRight = {&look.lightPen, &look.lightPen};
-    } else if (latched && (state == buttonRaised || state == buttonFlat)) {
-        topLeft = {&look.lightPen, &look.lightPen};
-        bottomRight = {&look.darkestPen, &look.darkPen};
-    } else if (state == buttonRaised) {
-        topLeft.outer = &look.lightPen;
-        bottomRight.outer = &look.darkPen;
-    } else if (state == buttonFlat) {
-        topLeft.outer = bottomRight.outer = &look.facePen;
+    if (state < buttonFlat || state > buttonPressed)
+        return;
+    for (int i = 0; i < 4; ++i) {
+        const Pen pen = edges[state - buttonFlat][at.latched != 0 ? 1 : 0][i];
+        if (pen == nullptr)
+            continue;
+        const int inset = i % 2;
+        const POINT topLeft = {at.x + inset, at.y + inset};
+        const POINT end = {at.x + at.width - inset, at.y + at.height - inset};
+        dc.SelectObject(&(look.*pen));
+        dc.MoveTo(topLeft.x, end.y);
+        dc.LineTo(i < 2 ? topLeft.x : end.x, i < 2 ? topLeft.y : end.y);
+        dc.LineTo(end.x, topLeft.y);
     }
-    const RECT outside = {at.x, at.y, at.x + at.width, at.y + at.height};
-    const RECT inside = {outside.left + 1, outside.top + 1, outside.right - 1, outside.bottom - 1};
-    drawSides(dc, topLeft.outer, outside, true);
-    drawSides(dc, latched ? topLeft.inner : nullptr, inside, true);
-    drawSides(dc, bottomRight.outer, outside, false);
-    drawSides(dc, latched ? bottomRight.inner : nullptr, inside, false);
     dc.SelectStockObject(BLACK_PEN);
 }
 
@@ -117,9 +107,9 @@ ButtonLook::ButtonLook()
       darkPen(GetSysColor(COLOR_BTNSHADOW)), darkestPen(GetSysColor(COLOR_3DDKSHADOW)),
       faceColour(GetSysColor(COLOR_BTNFACE)) {}
 
-void drawBarButton(CDC& dc, const BarButton& at, const CBitmap* bitmap, int state, const ButtonLook& look) {
-    dc.FillSolidRect(at.x + 1, at.y + 1, at.width - 1, at.height - 1, look.faceColour);
-    drawEdges(dc, at, state, look);
+void ButtonLook::draw(CDC& dc, const BarButton& at, const CBitmap* bitmap, int state) const {
+    dc.FillSolidRect(at.x + 1, at.y + 1, at.width - 1, at.height - 1, faceColour);
+    drawEdges(dc, at, state, *this);
     drawContent(dc, at, bitmap, state == buttonPressed ? 1 : 0);
     if (at.ticked == 1)
         paintIcon(dc, at.x + 3, at.y + 3, 4);

@@ -28,11 +28,10 @@ enum ButtonState : int { buttonFlat = -1, buttonRaised = 0, buttonPressed = 1 };
 struct ButtonLook {
     ButtonLook();
 
-    CPen facePen, lightPen, darkPen, darkestPen;
+    // Fill, edges, label, bitmap where there is one, icon and tick, shifted where it is pressed, and dithered
+    // where it is not enabled.
+    void draw(CDC& dc, const BarButton& button, const CBitmap* bitmap, int state) const;
+
+    const CPen facePen, lightPen, darkPen, darkestPen;
     COLORREF faceColour;
 };
-
-// Fill, edges, label, bitmap where there is one, icon and tick, shifted where it is pressed, and dithered
-// where it is not enabled.
-void drawBarButton(CDC& dc, const BarButton& button, const CBitmap* bitmap, int state,
-                   const ButtonLook& look);

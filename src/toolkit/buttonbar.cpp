@@ -71,7 +71,7 @@ void TSXbuttonbar::paintPane(CDC& dc) {
 
 void TSXbuttonbar::drawButton(CDC& dc, int index, int state) {
     if (index >= 1 && index <= buttonCount)
-        drawBarButton(dc, button(index), bitmaps[static_cast<std::size_t>(index)].get(), state, look);
+        look.draw(dc, button(index), bitmaps[static_cast<std::size_t>(index)].get(), state);
 }
 
 int TSXbuttonbar::stateOf(int index) const {
@@ -182,7 +182,8 @@ void TSXbuttonbar::showHint() {
     if (hoverIndex < 1 || hoverIndex > buttonCount || button(hoverIndex).hintText.empty())
         return;
     const BarButton& at = button(hoverIndex);
-    hint = std::make_unique<TSXhintwindow>(*this, at.x, at.y + at.height + 5, at.hintText, at.hintDetail);
+    hint =
+        std::make_unique<TSXhintwindow>(*this, POINT{at.x, at.y + at.height + 5}, at.hintText, at.hintDetail);
 }
 
 void TSXbuttonbar::hideHint() {

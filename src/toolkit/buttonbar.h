@@ -7,7 +7,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/window/bitmap.h"
+#include "platform/window/dc.h"
 #include "toolkit/barbutton.h"
 #include "toolkit/hintwindow.h"
 #include "toolkit/pane.h"

@@ -2,10 +2,9 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
-#include "platform/window/resources.h"
 #include "platform/window/windowdc.h"
-#include "toolkit/icons.h"
 
 namespace {
 
@@ -13,23 +12,6 @@ constexpr COLORREF black = RGB(0, 0, 0);
 constexpr COLORREF red = RGB(255, 0, 0);
 constexpr COLORREF green = RGB(0, 255, 0);
 constexpr COLORREF blue = RGB(0, 0, 255);
-
-struct FontRow {
-    int number;
-    int height;
-    int escapement;
-    int weight;
-    bool italic;
-    const char* face;
-};
-
-constexpr FontRow fontRows[] = {
-    {plainFont, -11, 0, 400, false, "arial"}, {boldFont, -12, 0, 700, false, "arial"},
-    {3, -11, 0, 400, true, "arial"},          {4, -9, 0, 400, false, "arial"},
-    {5, -14, 0, 400, false, "courier new"},   {6, -7, 0, 400, false, "arial"},
-    {7, -11, 0, 400, true, "arial"},          {101, -11, 900, 400, false, "arial"},
-    {102, -10, 900, 400, false, "arial"},
-};
 
 using Channels = std::array<std::int32_t, 3>;
 
@@ -72,24 +54,40 @@ void makeBrushes() {
     const CClientDC screen(nullptr);
     for (const int number : {1, 2, 3})
         set.brushes.try_emplace(number, screen.GetNearestColor(getColour(number)));
-    set.brushes.try_emplace(4, green);
-    set.brushes.try_emplace(5, blue);
-    set.brushes.try_emplace(6, red);
-    set.brushes.try_emplace(101, getColour(accentColour));
-    set.brushes.try_emplace(buttonFaceBrush, GetSysColor(COLOR_BTNFACE));
+    const std::pair<int, COLORREF> rows[] = {{4, green},
+                                             {5, blue},
+                                             {6, red},
+                                             {101, getColour(accentColour)},
+                                             {buttonFaceBrush, GetSysColor(COLOR_BTNFACE)}};
+    for (const auto& [number, colour] : rows)
+        set.brushes.try_emplace(number, colour);
 }
 
 void makePens() {
-    set.pens.try_emplace(1, getColour(lightEdgeColour));
-    set.pens.try_emplace(darkEdgePen, getColour(darkEdgeColour));
-    set.pens.try_emplace(3, getColour(baseColour));
-    set.pens.try_emplace(5, red);
-    set.pens.try_emplace(6, blue);
-    set.pens.try_emplace(199, GetSysColor(COLOR_3DLIGHT));
-    set.pens.try_emplace(desktopHighlightPen, GetSysColor(COLOR_BTNHIGHLIGHT));
-    set.pens.try_emplace(201, GetSysColor(COLOR_BTNFACE));
-    set.pens.try_emplace(desktopShadowPen, GetSysColor(COLOR_BTNSHADOW));
-    set.pens.try_emplace(203, GetSysColor(COLOR_3DDKSHADOW));
+    const std::pair<int, COLORREF> rows[] = {{1, getColour(lightEdgeColour)},
+                                             {darkEdgePen, getColour(darkEdgeColour)},
+                                             {3, getColour(baseColour)},
+                                             {5, red},
+                                             {6, blue},
+                                             {199, GetSysColor(COLOR_3DLIGHT)},
+                                             {desktopHighlightPen, GetSysColor(COLOR_BTNHIGHLIGHT)},
+                                             {201, GetSysColor(COLOR_BTNFACE)},
+                                             {desktopShadowPen, GetSysColor(COLOR_BTNSHADOW)},
+                                             {203, GetSysColor(COLOR_3DDKSHADOW)}};
+    for (const auto& [number, colour] : rows)
+        set.pens.try_emplace(number, colour);
+}
+
+void makeFonts() {
+    const std::pair<int, LOGFONT> rows[] = {
+        {plainFont, {-11, 0, 400, false, "arial"}}, {boldFont, {-12, 0, 700, false, "arial"}},
+        {3, {-11, 0, 400, true, "arial"}},          {4, {-9, 0, 400, false, "arial"}},
+        {5, {-14, 0, 400, false, "courier new"}},   {6, {-7, 0, 400, false, "arial"}},
+        {7, {-11, 0, 400, true, "arial"}},          {101, {-11, 900, 400, false, "arial"}},
+        {102, {-10, 900, 400, false, "arial"}},
+    };
+    for (const auto& [number, font] : rows)
+        set.fonts.try_emplace(number, font);
 }
 
 // The object of the number, else the first one; null before there is a set.
@@ -107,8 +105,7 @@ void initDrawing(const std::array<std::int32_t, 3>& base) {
     makeColours(base);
     makeBrushes();
     makePens();
-    for (const FontRow& row : fontRows)
-        set.fonts.try_emplace(row.number, row.height, row.escapement, row.weight, row.italic, row.face);
+    makeFonts();
 }
 
 void releaseDrawing() {
@@ -138,17 +135,4 @@ const CFont* getFont(int number) {
 void drawLine(CDC& dc, POINT from, POINT to) {
     dc.MoveTo(from.x, from.y);
     dc.LineTo(to.x, to.y);
-}
-
-void paintIcon(CDC& dc, int x, int y, int number) {
-    for (const IconPart& part : iconParts(number)) {
-        const COLORREF colour =
-            part.colour == iconBaseColour ? getColour(baseColour) : hexColour(part.colour);
-        if (part.width == 0)
-            dc.SetPixel(x + part.x, y + part.y, colour);
-        else
-            dc.FillSolidRect(x + part.x, y + part.y, part.width, part.height, colour);
-    }
-    if (const IconResource* const stored = LoadIconA(storedIcon(number)))
-        dc.DrawIcon(x, y, *stored);
 }

@@ -1,6 +1,6 @@
-// The one set of colours, brushes, pens and fonts that all windows draw with, and the painter of the small
-// pictures. The set is made once from a base colour, when the window system is up, and does not follow a
-// later change of the desktop's colours. What windows use has a name, the rest a number alone.
+// The one set of colours, brushes, pens and fonts that all windows draw with. The set is made once
+// from a base colour, when the window system is up, and does not follow a later change of the desktop's
+// colours. What windows use has a name, the rest a number alone.
 #pragma once
 
 #include <array>
@@ -49,7 +49,3 @@ const CFont* getFont(int number);
 
 // With the pen that is selected, without the end point.
 void drawLine(CDC& dc, POINT from, POINT to);
-
-// Draws icon number (see icons.h) at (x, y), over what is there; a number without a picture draws nothing.
-// Leaves the context's background colour changed.
-void paintIcon(CDC& dc, int x, int y, int number);

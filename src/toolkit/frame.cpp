@@ -11,10 +11,6 @@ constexpr int statusGap = 2;    // from the line above the strip to the bar
 constexpr int statusHeight = 21;
 constexpr std::uint32_t lastCommand = 9001;
 
-int kindOf(unsigned flags) {
-    return (flags & MK_SHIFT) != 0 ? 2 : 1;
-}
-
 } // namespace
 
 TSXframe::TSXframe() = default;
@@ -81,22 +77,12 @@ void TSXframe::onCommand(std::uint32_t id) {
         frameCommand(id);
 }
 
-void TSXframe::onLeftButtonDown(unsigned flags, int x, int y) {
-    leftDown(kindOf(flags), x, y);
-}
-
-void TSXframe::onLeftButtonUp(unsigned /*flags*/, int x, int y) {
-    leftUp(1, x, y);
-}
-
-void TSXframe::onMouseMove(unsigned flags, int x, int y) {
-    frameMouseMove(kindOf(flags), x, y);
-}
-
-void TSXframe::onKeyDown(std::uint32_t key, std::uint32_t repeat, std::uint32_t flags) {
-    keyDown(key, repeat, flags);
-}
-
-void TSXframe::onChar(std::uint32_t unicode, std::uint32_t repeat, std::uint32_t flags) {
-    charTyped(unicode, repeat, flags);
+void TSXframe::onMouse(MouseAction action, unsigned flags, POINT place) {
+    const int kind = (flags & MK_SHIFT) != 0 ? 2 : 1;
+    if (action == MouseAction::leftPress)
+        leftDown(kind, place.x, place.y);
+    else if (action == MouseAction::leftRelease)
+        leftUp(1, place.x, place.y);
+    else if (action == MouseAction::move)
+        frameMouseMove(kind, place.x, place.y);
 }

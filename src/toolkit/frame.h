@@ -49,11 +49,13 @@ private:
     void onPaint() override;
     void onClose() override;
     void onCommand(std::uint32_t id) override;
-    void onLeftButtonDown(unsigned flags, int x, int y) override;
-    void onLeftButtonUp(unsigned flags, int x, int y) override;
-    void onMouseMove(unsigned flags, int x, int y) override;
-    void onKeyDown(std::uint32_t key, std::uint32_t repeat, std::uint32_t flags) override;
-    void onChar(std::uint32_t unicode, std::uint32_t repeat, std::uint32_t flags) override;
+    void onMouse(MouseAction action, unsigned flags, POINT place) override;
+    void onKeyDown(std::uint32_t key, std::uint32_t repeat, std::uint32_t flags) override {
+        keyDown(key, repeat, flags);
+    }
+    void onChar(std::uint32_t unicode, std::uint32_t repeat, std::uint32_t flags) override {
+        charTyped(unicode, repeat, flags);
+    }
 
     void drawBorder(CDC& dc) const;
 };

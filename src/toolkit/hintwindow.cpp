@@ -15,9 +15,9 @@ constexpr int shadowSize = 2;
 
 } // namespace
 
-TSXhintwindow::TSXhintwindow(TSXpane& pane, int left, int top, const char* line1, const char* line2)
+TSXhintwindow::TSXhintwindow(const TSXpane& pane, POINT corner, const char* line1, const char* line2)
     : text1(line1), text2(line2) {
-    const POINT place = pane.ClientToScreen({left, top});
+    const POINT place = pane.ClientToScreen(corner);
     x = place.x;
     y = place.y;
     screenContext.SelectObject(getFont(plainFont));

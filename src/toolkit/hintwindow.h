@@ -5,16 +5,15 @@
 #include <cstdint>
 
 #include "platform/system/text.h"
-#include "platform/window/bitmap.h"
 #include "platform/window/windowdc.h"
 
 class TSXpane;
 
 class TSXhintwindow : public CObject {
 public:
-    // The top-left corner is at (left, top) in client pixels of the pane, or further to the left where the
+    // The top-left corner is there in client pixels of the pane, or further to the left where the
     // screen ends. The second line may be empty.
-    TSXhintwindow(TSXpane& pane, int left, int top, const char* line1, const char* line2);
+    TSXhintwindow(const TSXpane& pane, POINT corner, const char* line1, const char* line2);
     ~TSXhintwindow() override;
 
     // In pixels of the screen, the shadow included.

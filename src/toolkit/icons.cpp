@@ -3,9 +3,27 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
+#include <span>
+
+#include "platform/window/dc.h"
+#include "platform/window/resources.h"
+#include "toolkit/drawing.h"
+
+// The pictures as data: each a list of rectangles and pixels in the order in which they are drawn, or the
+// number of a stored icon of the program.
 
 namespace {
+
+struct IconPart {
+    std::uint32_t colour;              // 0xRRGGBB, or iconBaseColour
+    std::int8_t x, y;                  // relative to the icon's place
+    std::int8_t width = 0, height = 0; // both 0 for a single pixel
+};
+
+// Stands for colour 1 of the drawing set.
+constexpr std::uint32_t iconBaseColour = 0xFF000000;
 
 struct Place {
     std::int8_t x, y;
@@ -122,12 +140,17 @@ template <class Row, std::size_t N> const Row* find(const Row (&table)[N], int n
 
 } // namespace
 
-std::span<const IconPart> iconParts(int number) {
-    const DrawnIcon* const icon = find(drawnIcons, number);
-    return icon == nullptr ? std::span<const IconPart>() : icon->parts;
-}
-
-int storedIcon(int number) {
-    const StoredIcon* const icon = find(storedIcons, number);
-    return icon == nullptr ? 0 : icon->resource;
+void paintIcon(CDC& dc, int x, int y, int number) {
+    const DrawnIcon* const drawn = find(drawnIcons, number);
+    for (const IconPart& part : drawn == nullptr ? std::span<const IconPart>() : drawn->parts) {
+        const COLORREF colour =
+            part.colour == iconBaseColour ? getColour(baseColour) : hexColour(part.colour);
+        if (part.width == 0)
+            dc.SetPixel(x + part.x, y + part.y, colour);
+        else
+            dc.FillSolidRect(x + part.x, y + part.y, part.width, part.height, colour);
+    }
+    if (const StoredIcon* const stored = find(storedIcons, number))
+        if (const IconResource* const icon = LoadIconA(stored->resource))
+            dc.DrawIcon(x, y, *icon);
 }

@@ -21,7 +21,7 @@ enum MouseKind : int {
 class TSXpane : public CWnd {
 public:
     // In client pixels of the parent; the pane comes to lie on top of its sisters.
-    void placeAt(int x, int y, int width, int height);
+    void placeAt(int x, int y, int width, int height) { SetWindowPos(x, y, width, height); }
 
     virtual void paneCreated() {}
     virtual void paneSized(int /*type*/, int /*width*/, int /*height*/) {} // SizeType, new client size
@@ -38,15 +38,9 @@ public:
     virtual void horizontalScroll(int /*code*/, int /*position*/) {}
 
 private:
-    void onCreate() override;
-    void onSize(int type, int width, int height) override;
+    void onCreate() override { paneCreated(); }
+    void onSize(int type, int width, int height) override { paneSized(type, width, height); }
     void onPaint() override;
-    void onLeftButtonDown(unsigned flags, int x, int y) override;
-    void onLeftButtonUp(unsigned flags, int x, int y) override;
-    void onLeftButtonDoubleClick(unsigned flags, int x, int y) override;
-    void onRightButtonDown(unsigned flags, int x, int y) override;
-    void onRightButtonUp(unsigned flags, int x, int y) override;
-    void onMouseMove(unsigned flags, int x, int y) override;
-    void onVScroll(int code, int position) override;
-    void onHScroll(int code, int position) override;
+    void onMouse(MouseAction action, unsigned flags, POINT place) override;
+    void onScroll(ScrollBarKind bar, int code, int position) override;
 };

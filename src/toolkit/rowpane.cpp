@@ -22,7 +22,7 @@ void TSXrowpane::paintPane(CDC& dc) {
     dc.SetTextAlign(TA_LEFT | TA_TOP);
     dc.SetBkMode(OPAQUE);
     for (int row = first; row <= last; ++row)
-        paintRow(dc, row, rowPlace(row).top, client.right);
+        paintRow(dc, row, rowPlace(row));
     const int bottom = rowPlace(last).bottom;
     if (first <= last)
         dc.FillSolidRect(0, bottom, client.right, client.bottom - bottom, rowColour(false));
@@ -32,8 +32,8 @@ void TSXrowpane::paintCell(CDC& dc, int x, const RECT& cell, const char* text) {
     dc.ExtTextOutA(x, cell.top + 2, cell, text);
 }
 
-void TSXrowpane::fillRow(CDC& dc, int left, int top, int width, COLORREF colour) {
-    dc.FillSolidRect(left, top, width - left, rowHeight, colour);
+void TSXrowpane::fillRow(CDC& dc, int left, const RECT& place, COLORREF colour) {
+    dc.FillSolidRect(left, place.top, place.right - left, rowHeight, colour);
 }
 
 std::string TSXrowpane::wider(const std::string& text, int width) const {

@@ -30,12 +30,12 @@ public:
 
 protected:
     // With the plain font, text from the left, black and opaque, as the row before has left it.
-    virtual void paintRow(CDC& dc, int row, int top, int width) = 0;
+    virtual void paintRow(CDC& dc, int row, const RECT& place) = 0;
     static COLORREF rowColour(bool selected) { return getColour(selected ? accentColour : baseColour); }
     // Fills the cell with the background colour and writes the text at x, as the context is set.
     static void paintCell(CDC& dc, int x, const RECT& cell, const char* text);
-    // Fills the row to the right of its last cell, which ends at left, up to the pane's width.
-    static void fillRow(CDC& dc, int left, int top, int width, COLORREF colour);
+    // Fills the row to the right of its last cell, which ends at left, up to its right end.
+    static void fillRow(CDC& dc, int left, const RECT& place, COLORREF colour);
 
     int rowAt(int y) const { return (y + vStep * vPos) / rowHeight + 1; } // may be beyond the last
     bool isRow(int row) const { return row >= 1 && row <= rowCount(); }

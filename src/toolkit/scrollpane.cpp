@@ -56,41 +56,34 @@ void TSXscrollpane::updateScrollBar(ScrollBarKind bar, int range, int page) {
     SetScrollInfo(bar, {std::max(range, keep + info.nPos), page, info.nPos});
 }
 
-// False when the event is ignored.
-bool TSXscrollpane::moveBar(ScrollBarKind bar, int code, int position, int& newPosition, int& oldPosition) {
-    SCROLLINFO info;
-    GetScrollInfo(bar, info);
-    const std::optional<int> target = targetOf(code, position, info);
-    if (!target || *target < lowestTarget)
-        return false;
-    SetScrollPos(bar, std::max(*target, 0));
-    newPosition = GetScrollPos(bar); // the bar has limited it
-    oldPosition = info.nPos;
-    return true;
-}
-
-// What waits to be painted is painted while pixels and position still agree.
-void TSXscrollpane::moveContent(std::int32_t& position, int newPosition, int dx, int dy) {
-    UpdateWindow();
-    position = newPosition;
-    ScrollWindow(dx, dy);
-    UpdateWindow();
-}
-
 void TSXscrollpane::verticalScroll(int code, int position) {
-    int now = 0;
-    int before = 0;
-    if (!moveBar(SB_VERT, code, position, now, before))
-        return;
-    moveContent(vPos, now, 0, (before - now) * vStep);
-    afterVerticalScroll(now, before);
+    scroll(SB_VERT, code, position);
 }
 
 void TSXscrollpane::horizontalScroll(int code, int position) {
-    int now = 0;
-    int before = 0;
-    if (!moveBar(SB_HORZ, code, position, now, before))
+    scroll(SB_HORZ, code, position);
+}
+
+void TSXscrollpane::scroll(ScrollBarKind bar, int code, int position) {
+    SCROLLINFO info;
+    GetScrollInfo(bar, info);
+    const int before = info.nPos;
+    const std::optional<int> target = targetOf(code, position, info);
+    if (!target || *target < lowestTarget)
         return;
-    moveContent(hPos, now, (before - now) * hStep, 0);
-    afterHorizontalScroll(now, before);
+    SetScrollPos(bar, std::max(*target, 0));
+    const int now = GetScrollPos(bar); // the bar has limited it
+    UpdateWindow();                    // what waits to be painted, while pixels and position still agree
+    if (bar == SB_VERT) {
+        vPos = now;
+        ScrollWindow(0, (before - now) * vStep);
+    } else {
+        hPos = now;
+        ScrollWindow((before - now) * hStep, 0);
+    }
+    UpdateWindow();
+    if (bar == SB_VERT)
+        afterVerticalScroll(now, before);
+    else
+        afterHorizontalScroll(now, before);
 }

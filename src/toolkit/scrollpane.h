@@ -34,6 +34,5 @@ public:
 
 private:
     void updateScrollBar(ScrollBarKind bar, int range, int page);
-    bool moveBar(ScrollBarKind bar, int code, int position, int& newPosition, int& oldPosition);
-    void moveContent(std::int32_t& position, int newPosition, int dx, int dy);
+    void scroll(ScrollBarKind bar, int code, int position);
 };

@@ -27,13 +27,13 @@ void TSXentriespane::paintCount(CDC& dc, const RECT& cell, int count, bool marke
     paintCell(dc, cell.right - 3, cell, count > 0 || marked ? Text<20>().format("%d", count).c_str() : ".");
 }
 
-void TSXentriespane::paintRow(CDC& dc, int row, int top, int width) {
+void TSXentriespane::paintRow(CDC& dc, int row, const RECT& place) {
     const TSXkeyentry& key = *database->getvisiblekey(row);
     const bool selected = row == owner.selectedKey;
-    // Without a record a key stands in the index as a changed key leaves it behind.
+    // A key without a record is one that all its records have left.
     const bool bare = key.records().empty();
     const COLORREF textColour = bare ? RGB(128, 128, 128) : RGB(0, 0, 0);
-    RECT cell = {-hStep * hPos, top, -hStep * hPos + keyWidth, top + rowHeight};
+    RECT cell = {-hStep * hPos, place.top, -hStep * hPos + keyWidth, place.bottom};
     dc.SelectObject(getFont(plainFont));
     dc.SetBkColor(rowColour(selected));
     dc.SetTextColor(textColour);
@@ -47,7 +47,7 @@ void TSXentriespane::paintRow(CDC& dc, int row, int top, int width) {
         dc.SetTextColor(textColour);
         paintCount(dc, cell, count, count > 1 || (t == 0 && count == 0 && !bare));
     }
-    fillRow(dc, cell.right, top, width, rowColour(selected));
+    fillRow(dc, cell.right, place, rowColour(selected));
 }
 
 void TSXentriespane::mouseDown(int kind, int /*x*/, int y) {

@@ -21,6 +21,6 @@ public:
     TSXmainframe& owner;
 
 private:
-    void paintRow(CDC& dc, int row, int top, int width) override;
+    void paintRow(CDC& dc, int row, const RECT& place) override;
     static void paintCount(CDC& dc, const RECT& cell, int count, bool marked);
 };

@@ -11,6 +11,7 @@
 #include "platform/window/msgbox.h"
 #include "resources/resources.h"
 #include "toolkit/promptdialog.h"
+#include "views/current.h"
 #include "views/entrygridpane.h"
 #include "views/mainframe.h"
 
@@ -31,7 +32,7 @@ std::string asStored(const TSXdatabase& database, const char* typed) {
 
 TSXentryframe::TSXentryframe(TSXmainframe& main, TSXdatabase& owner, TSXkeyentry& entry)
     : database(owner), mainWindow(main), key(entry) {
-    placement = &main.placements.entry;
+    placement = &placements.entry;
 }
 
 TSXentryframe::~TSXentryframe() {
@@ -40,8 +41,8 @@ TSXentryframe::~TSXentryframe() {
 
 void TSXentryframe::createEntryWindow() {
     const std::string title = "Entry " + std::string(key.key);
-    Create(AfxRegisterWndClass(getBrush(darkBrush), LoadIconA(applicationIcon)), title.c_str(),
-           RECT{120, 120, 650, 500}, &mainWindow, entryMenu);
+    Create(AfxRegisterWndClass(getBrush(darkBrush), LoadIconA(applicationIcon), entryMenu), title.c_str(),
+           RECT{120, 120, 650, 500}, &mainWindow);
     ShowWindow();
 }
 

@@ -33,19 +33,19 @@ void TSXentrygridpane::paneCreated() {
     setGridRange();
 }
 
-void TSXentrygridpane::paintRow(CDC& dc, int row, int top, int width) {
+void TSXentrygridpane::paintRow(CDC& dc, int row, const RECT& place) {
     const int type = row - 1;
     const COLORREF colour = rowColour(type == owner.selectedType);
     const int count = owner.key.occurrences(type);
     const int before = std::min(hStep * hPos / cellWidth, count); // cells to the left of the pane
-    RECT cell = {0, top, cellWidth * before - hStep * hPos, top + rowHeight};
+    RECT cell = {0, place.top, cellWidth * before - hStep * hPos, place.bottom};
     dc.SetBkColor(colour);
-    for (int n = before + 1; n <= count && cell.right < width; ++n) {
+    for (int n = before + 1; n <= count && cell.right < place.right; ++n) {
         cell.left = cell.right;
         cell.right += cellWidth;
         paintOccurrence(dc, type, n, cell);
     }
-    fillRow(dc, cell.right, top, width, colour);
+    fillRow(dc, cell.right, place, colour);
 }
 
 std::string TSXentrygridpane::cellText(int type, int n) const {
@@ -130,10 +130,10 @@ TSXentrytypespane::TSXentrytypespane(TSXentryframe& frame) : TSXrowpane("Data ty
     vRange = 0;
 }
 
-void TSXentrytypespane::paintRow(CDC& dc, int row, int top, int width) {
+void TSXentrytypespane::paintRow(CDC& dc, int row, const RECT& place) {
     dc.SetBkColor(rowColour(false));
-    paintCell(dc, nameX, {0, top, nameRight, top + rowHeight}, owner.database.gettype(row - 1)->name);
-    fillRow(dc, nameRight, top, width, rowColour(false));
+    paintCell(dc, nameX, {0, place.top, nameRight, place.bottom}, owner.database.gettype(row - 1)->name);
+    fillRow(dc, nameRight, place, rowColour(false));
 }
 
 int TSXentrytypespane::rowCount() const {

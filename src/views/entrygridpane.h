@@ -27,7 +27,7 @@ public:
     TSXentryframe& owner;
 
 private:
-    void paintRow(CDC& dc, int row, int top, int width) override;
+    void paintRow(CDC& dc, int row, const RECT& place) override;
     std::string cellText(int type, int n) const;
     void paintOccurrence(CDC& dc, int type, int n, const RECT& cell);
 };
@@ -45,7 +45,7 @@ public:
     TSXentryframe& owner;
 
 private:
-    void paintRow(CDC& dc, int row, int top, int width) override;
+    void paintRow(CDC& dc, int row, const RECT& place) override;
 
     std::int32_t none = 0; // no row is selected
 };

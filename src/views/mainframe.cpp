@@ -23,6 +23,7 @@
 std::unique_ptr<TSXdatabase> database;
 Text<2000> currentDatabase;
 TSXmainframe* mainFrame = nullptr;
+WindowPlacements placements;
 
 namespace {
 
@@ -118,16 +119,14 @@ TSXmainframe::TSXmainframe() {
 }
 
 TSXmainframe::~TSXmainframe() {
-    if (keepPlacements != nullptr)
-        keepPlacements(placements);
     if (mainFrame == this)
         mainFrame = nullptr;
 }
 
 void TSXmainframe::createMainWindow() {
     const std::string title = std::string("Database Check- ") + currentDatabase.c_str();
-    Create(AfxRegisterWndClass(getBrush(baseBrush), LoadIconA(applicationIcon)), title.c_str(),
-           RECT{20, 20, 770, 570}, nullptr, mainMenu);
+    Create(AfxRegisterWndClass(getBrush(baseBrush), LoadIconA(applicationIcon), mainMenu), title.c_str(),
+           RECT{20, 20, 770, 570}, nullptr);
 }
 
 void TSXmainframe::frameCreated() {

@@ -18,12 +18,6 @@ class TSXproblem;
 class TSXproblempane;
 class TSXtypespane;
 
-// Where the windows stood when they were closed last, as CFrameWnd tells it; empty: as they come.
-struct WindowPlacements {
-    std::string main;
-    std::string entry;
-};
-
 class TSXmainframe : public TSXframe {
 public:
     TSXmainframe(); // makes no window
@@ -54,8 +48,6 @@ public:
     std::int32_t selectedKey = 1;                     // row of the visible keys, from 1
     std::int32_t selectedProblem = 1;                 // row of the problem list, from 1
     std::array<TSXentryframe*, 50> entryWindows = {}; // a free place is null
-    WindowPlacements placements;
-    void (*keepPlacements)(const WindowPlacements&) = nullptr; // called at the end of this object
 
 private:
     void rebuildCommand();

@@ -55,11 +55,11 @@ void TSXproblempane::paintPane(CDC& dc) {
     TSXrowpane::paintPane(dc);
 }
 
-void TSXproblempane::paintRow(CDC& dc, int row, int top, int width) {
+void TSXproblempane::paintRow(CDC& dc, int row, const RECT& place) {
     dc.SetBkColor(rowColour(row == owner.selectedProblem));
     dc.SetTextColor(RGB(0, 0, 0));
-    paintCell(dc, messageX, {0, top, width, top + rowHeight}, database->getproblem(row)->message.c_str());
-    paintSolveButton(dc, solveX, top, false);
+    paintCell(dc, messageX, place, database->getproblem(row)->message.c_str());
+    paintSolveButton(dc, solveX, place.top, false);
 }
 
 void TSXproblempane::mouseDown(int kind, int x, int y) {

@@ -25,7 +25,7 @@ public:
     TSXmainframe& owner;
 
 private:
-    void paintRow(CDC& dc, int row, int top, int width) override;
+    void paintRow(CDC& dc, int row, const RECT& place) override;
     void placeButtons(CDC& dc, int width);
     void openMenu(int row);
 

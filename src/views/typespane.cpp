@@ -2,6 +2,7 @@
 
 #include "model/database.h"
 #include "model/exptype.h"
+#include "toolkit/icons.h"
 #include "views/current.h"
 #include "views/mainframe.h"
 
@@ -31,22 +32,22 @@ void TSXtypespane::updateScrollRange() {
     setRanges(0, rowHeight * rowCount());
 }
 
-void TSXtypespane::paintRow(CDC& dc, int row, int top, int width) {
+void TSXtypespane::paintRow(CDC& dc, int row, const RECT& place) {
     const int type = row - 1;
     const auto paintCount = [&](int left, int right, int count) {
-        paintCell(dc, right - 5, {left, top, right, top + rowHeight}, Text<20>().format("%d", count));
+        paintCell(dc, right - 5, {left, place.top, right, place.bottom}, Text<20>().format("%d", count));
     };
     const TSXexptype& shown = *database->gettype(type);
     const COLORREF colour = rowColour(type == owner.selectedType);
     dc.SetBkColor(colour);
     dc.SetTextAlign(TA_LEFT | TA_TOP);
-    paintCell(dc, nameX, {0, top, nameRight, top + rowHeight}, shown.name);
-    paintTypeIcon(dc, type, shown.classid, top);
+    paintCell(dc, nameX, {0, place.top, nameRight, place.bottom}, shown.name);
+    paintTypeIcon(dc, type, shown.classid, place.top);
     dc.SetBkColor(colour);
     dc.SetTextAlign(TA_RIGHT | TA_TOP);
     paintCount(nameRight, filesRight, shown.filecount);
     paintCount(filesRight, entriesRight, shown.entrycount);
-    fillRow(dc, entriesRight, top, width, colour);
+    fillRow(dc, entriesRight, place, colour);
 }
 
 int TSXtypespane::rowCount() const {

@@ -19,5 +19,5 @@ public:
 
 private:
     std::int32_t keyboardRow = 1; // what is read; the row that is marked stays the first
-    void paintRow(CDC& dc, int row, int top, int width) override;
+    void paintRow(CDC& dc, int row, const RECT& place) override;
 };

@@ -31,6 +31,7 @@ protected:
         };
         answers.beep = [this] { ++beeps; };
         currentDatabase = "Strains";
+        placements = {};
         load();
         ::database = std::move(database);
         main = new TSXmainframe; // deletes itself

@@ -158,13 +158,13 @@ TEST_F(ButtonBar, ShowsTheHintOfTheButtonUnderTheMouseAfterADelay) {
     EXPECT_EQ(edges(3), flat);
     move(1); // the delay has to pass anew
     EXPECT_FALSE(hintOnScreen());
-    const TSXhintwindow one(bar, 10, 20, "one", "");
+    const TSXhintwindow one(bar, {10, 20}, "one", "");
     const QImage shown = hintOnScreen()->grab().toImage();
     int shadow = 0;
     for (int i = 0; i < shown.width() * shown.height(); ++i)
         shadow += shown.pixel(i % shown.width(), i / shown.width()) == 0xFF646464 ? 1 : 0;
     EXPECT_EQ(shadow, 2 * (one.width - 2) + 2 * (one.height - 2) - 4);
-    const TSXhintwindow two(bar, GetSystemMetrics(SM_CXSCREEN), 20, "one", "and the other");
+    const TSXhintwindow two(bar, {GetSystemMetrics(SM_CXSCREEN), 20}, "one", "and the other");
     EXPECT_EQ(widget->mapToGlobal(QPoint(10, 20)), QPoint(one.x, one.y));
     EXPECT_EQ(std::pair(one.height, two.height), std::pair(18, 34));
     EXPECT_TRUE(two.width > one.width && two.x + two.width == GetSystemMetrics(SM_CXSCREEN) - 2);

@@ -1,3 +1,4 @@
+#include "toolkit/icons.h"
 #include "windowtest.h"
 
 TEST(DrawingSet, ColoursFollowTheBaseColour) {

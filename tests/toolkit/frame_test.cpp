@@ -98,7 +98,7 @@ TEST(Frame, TellsMouseButtonsAndKeysAsOneKind) {
     EXPECT_NE(journal.find("down2 "), std::string::npos);
 }
 
-// A preset text, what is typed or pasted in its place, the keys behind it, and what comes of it.
+// A preset text, what is typed or pasted in its place, the keys after it, and what comes of it.
 TEST(Prompt, GivesBackWhatTheFieldHoldsInItsEncodingUpToTheLimit) {
     const OnShow<TSXframe> frame;
     const std::string longest(99, 'n');

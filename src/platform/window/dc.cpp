@@ -5,12 +5,8 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "platform/window/bitmap.h"
-#include "platform/window/internal/conversion.h"
 #include "platform/window/internal/drawingstate.h"
-#include "platform/window/internal/textface.h"
 #include "platform/window/resources.h"
-#include "platform/window/testaccess.h"
 
 namespace {
 
@@ -21,51 +17,6 @@ QRect rectangleOf(int left, int top, int right, int bottom) {
 }
 
 } // namespace
-
-void DrawingState::fill(const QRect& logical, COLORREF colour) {
-    if (!canvas || logical.isEmpty() || outOfSight(logical))
-        return;
-    const QRect device = canvas->toDevice(logical);
-    canvas->fill(device, colour, clip);
-    if (drawn)
-        drawn(device);
-}
-
-const TextFace& DrawingState::currentFace() {
-    if (face == nullptr)
-        face = &textFaceFor(font, scale);
-    return *face;
-}
-
-void DrawingState::text(int x, int y, const char* bytes, const QRegion& textClip) {
-    if (!canvas || *bytes == '\0' || textClip.isEmpty())
-        return;
-    if (answers.text)
-        return answers.text(x, y, alignment, bytes, font, textColour);
-    const TextFace& shape = currentFace();
-    // Level text lies within the lines of its cell, whatever it is: most rows of a long list need no more.
-    if (shape.escapement == 0 && (y > clipBox.bottom() + 1 || y + shape.height + 1 < clipBox.top()))
-        return;
-    const int width = shape.width(bytes);
-    const int left = alignment == TA_RIGHT ? -width : (alignment == TA_CENTER ? -width / 2 : 0);
-    const QTransform turn = QTransform::fromTranslate(canvas->toDevice(x, y).x(), canvas->toDevice(x, y).y())
-                                .rotate(-shape.escapement / 10.0);
-    const QRect cell(left, 0, width, shape.height);
-    // Slanted letters reach out of their cell a little, hence the margin.
-    const QRect touched = turn.mapRect(cell).adjusted(-shape.height, -1, shape.height, 1);
-    if (!textClip.intersects(touched))
-        return;
-    QPainter painter(&canvas->image());
-    painter.setClipRegion(textClip);
-    painter.setTransform(turn);
-    if (backgroundMode == OPAQUE)
-        painter.fillRect(cell, QColor(rgbOf(backgroundColour)));
-    painter.setFont(shape.font);
-    painter.setPen(QColor(rgbOf(textColour)));
-    painter.drawText(QPoint(left, shape.ascent), unicodeOf(bytes));
-    if (drawn)
-        drawn(touched);
-}
 
 CDC::CDC() : state_(std::make_unique<DrawingState>()) {
     state_->font = systemFont;
@@ -117,7 +68,7 @@ void CDC::SelectStockObject(StockObject object) {
         state_->face = nullptr;
         return;
     }
-    const bool brush = object <= NULL_BRUSH; // the pens come behind them
+    const bool brush = object <= NULL_BRUSH; // the pens come after them
     (brush ? state_->brushColour : state_->penColour) =
         object == WHITE_BRUSH || object == WHITE_PEN ? RGB(255, 255, 255) : RGB(0, 0, 0);
     (brush ? state_->hasBrush : state_->hasPen) = object != NULL_BRUSH && object != NULL_PEN;
@@ -204,9 +155,7 @@ void CDC::ExtTextOutA(int x, int y, const RECT& rectangle, const char* text) {
 }
 
 SIZE CDC::GetTextExtentPoint32A(const char* text) const {
-    const TextFace& face = state_->currentFace();
-    const auto logical = [this](int device) { return static_cast<int>(std::ceil(device / state_->scale)); };
-    return {logical(face.width(text)), logical(face.height)};
+    return state_->extent(text);
 }
 
 void CDC::BitBlt(int x, int y, int width, int height, const CDC& source, int sourceX, int sourceY) {

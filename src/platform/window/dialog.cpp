@@ -6,7 +6,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <utility>
 
@@ -19,10 +18,12 @@
 #include "platform/window/testaccess.h"
 
 struct DialogWidgets {
-    explicit DialogWidgets(QWidget* parent)
-        : dialog(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                             Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint) {}
+    explicit DialogWidgets(const CWnd& window)
+        : owner(window.host() == nullptr ? nullptr : dynamic_cast<WindowHost*>(window.host()->window())),
+          dialog(owner, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                            Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint) {}
 
+    WindowHost* owner; // the frame; null where there is none
     QDialog dialog;
 
     QWidget* control(int id) const { return dialog.findChild<QWidget*>(QString::number(id)); }
@@ -86,7 +87,7 @@ void allowAnswer(QDialog* dialog, bool allowed) {
 }
 
 // Shows the dialog until it ends, by itself, with its parent or with the program. The one that was open
-// before, of another window, goes on only behind this one: an answer given to it meanwhile would have no
+// before, of another window, goes on only after this one: an answer given to it meanwhile would have no
 // effect yet.
 void run(QDialog& window, WindowHost& parent) {
     const ModalScope modal;
@@ -109,38 +110,31 @@ void run(QDialog& window, WindowHost& parent) {
 
 } // namespace
 
-CDialog::CDialog(int resourceNumber, CWnd& parent) : resourceNumber_(resourceNumber), parent_(parent) {}
+CDialog::CDialog(int resourceNumber, CWnd& parent)
+    : resourceNumber_(resourceNumber), widgets_(std::make_unique<DialogWidgets>(parent)) {}
 
 CDialog::~CDialog() = default;
 
 int CDialog::DoModal() {
     const DialogResource* const resource = findDialog(resourceNumber_);
-    auto* const owner =
-        parent_.host() == nullptr ? nullptr : dynamic_cast<WindowHost*>(parent_.host()->window());
-    if (resource == nullptr || owner == nullptr)
+    if (resource == nullptr || widgets_->owner == nullptr)
         return 0;
-    widgets_ = std::make_unique<DialogWidgets>(owner);
     build(*resource, *this, widgets_->dialog);
     OnInitDialog();
     for (auto* const field : widgets_->dialog.findChildren<QLineEdit*>())
         field->selectAll();
     if (!answers.dialog)
-        run(widgets_->dialog, *owner);
+        run(widgets_->dialog, *widgets_->owner);
     else if (answers.dialog(*this) == IDOK)
         OnOK();
-    const bool confirmed = widgets_->dialog.result() == QDialog::Accepted;
-    widgets_.reset();
-    return confirmed ? IDOK : IDCANCEL;
+    return widgets_->dialog.result() == QDialog::Accepted ? IDOK : IDCANCEL;
 }
 
 void CDialog::SetWindowTextA(const char* title) {
-    if (widgets_)
-        widgets_->dialog.setWindowTitle(titleOf(title));
+    widgets_->dialog.setWindowTitle(titleOf(title));
 }
 
 void CDialog::SetDlgItemTextA(int control, const char* text) {
-    if (!widgets_)
-        return;
     if (ByteField* const field = widgets_->field(control))
         field->setBytes(text);
     else if (auto* const label = dynamic_cast<QLabel*>(widgets_->control(control)))
@@ -148,21 +142,17 @@ void CDialog::SetDlgItemTextA(int control, const char* text) {
 }
 
 void CDialog::GetDlgItemTextA(int control, char* buffer, std::size_t size) const {
-    const ByteField* const field = widgets_ ? widgets_->field(control) : nullptr;
+    const ByteField* const field = widgets_->field(control);
     const std::string text = field == nullptr ? std::string() : field->bytes();
-    if (size == 0)
-        return;
-    const std::size_t length = cutBetweenCharacters(text, size - 1);
-    std::memcpy(buffer, text.data(), length);
-    buffer[length] = '\0';
+    if (size > 0)
+        buffer[text.copy(buffer, cutBetweenCharacters(text, size - 1))] = '\0';
 }
 
 void CDialog::LimitText(int control, int bytes) {
-    if (ByteField* const field = widgets_ ? widgets_->field(control) : nullptr)
+    if (ByteField* const field = widgets_->field(control))
         field->setByteLimit(bytes);
 }
 
 void CDialog::OnOK() {
-    if (widgets_)
-        widgets_->dialog.accept();
+    widgets_->dialog.accept();
 }

@@ -16,8 +16,8 @@ public:
     CDialog(int resourceNumber, CWnd& parent);
     ~CDialog() override;
 
-    // Runs the dialog and returns IDOK or IDCANCEL when it has ended; 0 when there is no such resource or the
-    // parent has no window.
+    // Runs the dialog, once, and returns IDOK or IDCANCEL when it has ended; 0 when there is no such resource
+    // or the parent has no window.
     int DoModal();
 
     // All of these need a dialog that runs. A control that does not exist takes no text and has the empty
@@ -34,6 +34,5 @@ public:
 
 private:
     const int resourceNumber_;
-    CWnd& parent_;
-    std::unique_ptr<DialogWidgets> widgets_; // while it runs
+    const std::unique_ptr<DialogWidgets> widgets_;
 };

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "platform/system/cobject.h"
 #include "platform/window/colour.h"
@@ -34,8 +35,7 @@ struct LOGFONT {
 
 class CFont : public CObject {
 public:
-    CFont(int height, int escapement, int weight, bool italic, const char* face)
-        : description{height, escapement, weight, italic, face} {}
+    explicit CFont(LOGFONT font) : description(std::move(font)) {}
     const LOGFONT description;
 };
 

@@ -4,7 +4,6 @@
 #include <QScreen>
 #include <algorithm>
 
-#include "platform/window/bitmap.h"
 #include "platform/window/dc.h"
 #include "platform/window/internal/conversion.h"
 #include "platform/window/internal/host.h"
@@ -21,8 +20,11 @@ QIcon pictureOf(const IconResource& icon) {
     return QPixmap::fromImage(picture.canvas()->image());
 }
 
-// On a screen that is smaller than the window, the window is as large as that.
-QRect onScreen(const RECT& wanted, const QRect& screen) {
+// On a screen that is smaller than the window, the window is as large as that, with room for the title that
+// the desktop will draw.
+QRect onScreen(const RECT& wanted, const QRect& available) {
+    constexpr int title = 40; // pixels
+    const QRect screen = available.adjusted(0, 0, 0, -title);
     QRect place(wanted.left, wanted.top, std::min(wanted.right - wanted.left, screen.width()),
                 std::min(wanted.bottom - wanted.top, screen.height()));
     place.moveRight(std::min(place.right(), screen.right()));
@@ -32,8 +34,8 @@ QRect onScreen(const RECT& wanted, const QRect& screen) {
 
 } // namespace
 
-bool CFrameWnd::Create(const WindowClass& windowClass, const char* title, const RECT& rectangle, CWnd* parent,
-                       int menuNumber) {
+bool CFrameWnd::Create(const WindowClass& windowClass, const char* title, const RECT& rectangle,
+                       CWnd* parent) {
     if (host_ != nullptr || (parent != nullptr && parent->host_ == nullptr))
         return false;
     WindowHost* const owner = parent == nullptr ? nullptr : parent->host_;
@@ -45,7 +47,7 @@ bool CFrameWnd::Create(const WindowClass& windowClass, const char* title, const 
     host_ = new WindowHost(*this, windowClass, owner, flags); // goes with the window
     if (windowClass.icon != nullptr)
         host_->setWindowIcon(pictureOf(*windowClass.icon));
-    if (const MenuResource* const menu = findMenu(menuNumber))
+    if (const MenuResource* const menu = findMenu(windowClass.menu))
         host_->setMenu(*menu);
     SetWindowTextA(title);
     const QRect place = onScreen(rectangle, host_->screen()->availableGeometry());

@@ -10,9 +10,8 @@ class CFrameWnd : public CWnd {
 public:
     // Makes the window, hidden. The rectangle is on the screen, with the menu and without the border that the
     // desktop draws; a desktop may choose another place. With a parent it stays in front of it and goes with
-    // it. The menu is that resource; all its entries are enabled at all times. Otherwise as CWnd's Create.
-    bool Create(const WindowClass& windowClass, const char* title, const RECT& rectangle, CWnd* parent,
-                int menuNumber);
+    // it. All entries of its menu are enabled at all times. Otherwise as CWnd's Create.
+    bool Create(const WindowClass& windowClass, const char* title, const RECT& rectangle, CWnd* parent);
 
     // Another text for an entry of the menu; the key that chooses it is that of its first letter.
     void SetMenuText(std::uint32_t id, const std::string& text);

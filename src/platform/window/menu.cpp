@@ -6,7 +6,6 @@
 #include "platform/window/internal/conversion.h"
 #include "platform/window/internal/host.h"
 #include "platform/window/internal/modal.h"
-#include "platform/window/internal/strayinput.h"
 #include "platform/window/testaccess.h"
 
 namespace {

@@ -4,10 +4,13 @@
 #include <cstdint>
 
 #include "platform/system/cobject.h"
+#include "platform/window/geometry.h"
 
 // Bits of the flags of a mouse operation.
 constexpr unsigned MK_SHIFT = 0x04;
 constexpr unsigned MK_CONTROL = 0x08;
+
+enum class MouseAction { leftPress, leftRelease, leftDouble, rightPress, rightRelease, move };
 
 // Codes of keys; those of letters and digits are their ASCII codes.
 enum VirtualKey : std::uint32_t {
@@ -24,6 +27,8 @@ enum VirtualKey : std::uint32_t {
 };
 
 enum SizeType : int { SIZE_RESTORED = 0, SIZE_MAXIMIZED = 2 };
+
+enum ScrollBarKind : unsigned { SB_HORZ = 0, SB_VERT = 1 };
 
 enum ScrollCode : int {
     SB_LINEUP = 0,
@@ -48,14 +53,9 @@ public:
     virtual void onCommand(std::uint32_t /*id*/) {} // chosen from a menu
     virtual void onTimer(std::uint32_t /*id*/) {}
 
-    // x and y are client pixels, also outside of the client area while a button is held. Flags: MK_SHIFT,
+    // The place is in client pixels, also outside of the client area while a button is held. Flags: MK_SHIFT,
     // MK_CONTROL. A double click is press, release, double click, release.
-    virtual void onLeftButtonDown(unsigned /*flags*/, int /*x*/, int /*y*/) {}
-    virtual void onLeftButtonUp(unsigned /*flags*/, int /*x*/, int /*y*/) {}
-    virtual void onLeftButtonDoubleClick(unsigned /*flags*/, int /*x*/, int /*y*/) {}
-    virtual void onRightButtonDown(unsigned /*flags*/, int /*x*/, int /*y*/) {}
-    virtual void onRightButtonUp(unsigned /*flags*/, int /*x*/, int /*y*/) {}
-    virtual void onMouseMove(unsigned /*flags*/, int /*x*/, int /*y*/) {}
+    virtual void onMouse(MouseAction /*action*/, unsigned /*flags*/, POINT /*place*/) {}
     virtual void onMouseLeave() {}     // the mouse has left the client area, with no button held
     virtual void onCaptureChanged() {} // the capture that SetCapture took is over, for whatever reason
 
@@ -66,6 +66,5 @@ public:
 
     // From the window's own bars, and in lines, three a notch, from wheel and touchpad. The code is a
     // ScrollCode; the position is the thumb's.
-    virtual void onVScroll(int /*code*/, int /*position*/) {}
-    virtual void onHScroll(int /*code*/, int /*position*/) {}
+    virtual void onScroll(ScrollBarKind /*bar*/, int /*code*/, int /*position*/) {}
 };

@@ -15,7 +15,7 @@ class QWidget;
 // Answers given before anything is shown. Where one is set, nothing appears on the screen.
 struct Answers {
     std::function<int(const char* text, const char* title, std::uint32_t flags)> messageBox;
-    // Called when the dialog stands, its OnInitDialog behind it: may set and read its controls as the person
+    // Called when the dialog stands, after its OnInitDialog: may set and read its controls as the person
     // would. IDOK then takes the way of the OK button, anything else that of Cancel.
     std::function<int(CDialog& dialog)> dialog;
     // The id of the chosen entry, or 0 for none.

@@ -6,8 +6,7 @@
 
 #include "platform/system/startprogram.h"
 #include "platform/window/framewnd.h"
-#include "platform/window/internal/application.h"
-#include "platform/window/internal/strayinput.h"
+#include "platform/window/internal/modal.h"
 
 namespace {
 
@@ -34,12 +33,8 @@ CWinApp::~CWinApp() {
     theApplication = nullptr;
 }
 
-CFrameWnd* AfxGetMainWnd() {
-    return theApplication == nullptr ? nullptr : theApplication->m_pMainWnd;
-}
-
 void endApplicationWith(const CWnd& window) {
-    if (AfxGetMainWnd() != &window)
+    if (theApplication == nullptr || theApplication->m_pMainWnd != &window)
         return;
     theApplication->m_pMainWnd = nullptr;
     QCoreApplication::exit(0);

@@ -4,6 +4,7 @@
 #include "platform/system/cobject.h"
 
 class CFrameWnd;
+class CWnd;
 
 class CWinApp : public CObject {
 public:
@@ -16,8 +17,8 @@ public:
     CFrameWnd* m_pMainWnd = nullptr; // set back to null when that window goes, which ends the message loop
 };
 
-// The main window of the one application object, or null.
-CFrameWnd* AfxGetMainWnd();
+// For the layer itself: ends the message loop when this was the main window.
+void endApplicationWith(const CWnd& window);
 
 // Brings up the window system, then calls the function that hands out the application object, a static inside
 // of it: an exit in its constructor leaves without its destructor, and at a normal end that runs last, when

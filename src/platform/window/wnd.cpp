@@ -2,13 +2,13 @@
 
 #include <algorithm>
 
-#include "platform/window/internal/application.h"
 #include "platform/window/internal/conversion.h"
 #include "platform/window/internal/host.h"
+#include "platform/window/winapp.h"
 #include "platform/window/windowdc.h"
 
-WindowClass AfxRegisterWndClass(const CBrush* background, const IconResource* icon) {
-    return {background->colour, icon};
+WindowClass AfxRegisterWndClass(const CBrush* background, const IconResource* icon, int menu) {
+    return {background->colour, icon, menu};
 }
 
 CWnd::CWnd() = default;
@@ -114,38 +114,35 @@ void CWnd::ShowScrollBar(ScrollBarKind bar) {
 }
 
 bool CWnd::GetScrollInfo(ScrollBarKind bar, SCROLLINFO& info) const {
-    info = host_ == nullptr ? SCROLLINFO() : host_->range(bar).info();
+    info = host_ == nullptr ? SCROLLINFO() : host_->range(bar);
     return host_ != nullptr && host_->hasBar(bar);
 }
 
 void CWnd::SetScrollInfo(ScrollBarKind bar, const SCROLLINFO& info) {
-    if (host_ == nullptr)
-        return;
-    ScrollRange range;
-    range.set(info);
-    host_->setRange(bar, range);
+    if (host_ != nullptr)
+        host_->setRange(bar, info);
 }
 
 int CWnd::GetScrollPos(ScrollBarKind bar) const {
-    return host_ == nullptr ? 0 : host_->range(bar).info().nPos;
+    return host_ == nullptr ? 0 : host_->range(bar).nPos;
 }
 
 void CWnd::SetScrollPos(ScrollBarKind bar, int position) {
     if (host_ == nullptr)
         return;
-    ScrollRange range = host_->range(bar);
-    range.setPosition(position);
-    host_->setRange(bar, range);
+    SCROLLINFO info = host_->range(bar);
+    info.nPos = position;
+    host_->setRange(bar, info);
 }
 
 void CWnd::SetTimer(std::uint32_t id, unsigned milliseconds) {
     if (host_ != nullptr)
-        host_->setTimer(id, static_cast<int>(milliseconds));
+        host_->timers[id].start(static_cast<int>(milliseconds), host_->client());
 }
 
 void CWnd::KillTimer(std::uint32_t id) {
     if (host_ != nullptr)
-        host_->killTimer(id);
+        host_->timers.erase(id);
 }
 
 void CWnd::SetCapture() {

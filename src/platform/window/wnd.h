@@ -5,21 +5,29 @@
 #include "platform/window/drawingobjects.h"
 #include "platform/window/geometry.h"
 #include "platform/window/messages.h"
-#include "platform/window/scrollrange.h"
 
 class RowSource;
 class WindowHost;
 struct IconResource;
 
-enum ScrollBarKind : unsigned { SB_HORZ = 0, SB_VERT = 1 };
+// What is set on a scroll bar and read from it. The minimum is always 0.
+struct SCROLLINFO {
+    int nMax = 0;  // highest value of the range
+    int nPage = 0; // values in view at a time
+    int nPos = 0;  // first value in view
+
+    // The highest position: the last page in view, or the maximum itself when the page is 0.
+    int limit() const { return nMax - (nPage > 0 ? nPage - 1 : 0); }
+};
 
 // What windows of a class share. All show the arrow cursor and tell double clicks.
 struct WindowClass {
     COLORREF background = 0;
     const IconResource* icon = nullptr;
+    int menu = 0; // of a frame: the number of its menu resource; 0 for none
 };
 
-WindowClass AfxRegisterWndClass(const CBrush* background, const IconResource* icon = nullptr);
+WindowClass AfxRegisterWndClass(const CBrush* background, const IconResource* icon = nullptr, int menu = 0);
 
 class CWnd : public MessageTarget {
 public:
@@ -51,6 +59,7 @@ public:
     // A bar that can't be moved stays on show, disabled.
     void ShowScrollBar(ScrollBarKind bar);
     bool GetScrollInfo(ScrollBarKind bar, SCROLLINFO& info) const; // false when the bar is not on show
+    // Limits the page to the size of the range, and the position to limit(). A maximum below 0 counts as 0.
     void SetScrollInfo(ScrollBarKind bar, const SCROLLINFO& info);
     int GetScrollPos(ScrollBarKind bar) const;
     void SetScrollPos(ScrollBarKind bar, int position);
@@ -63,8 +72,8 @@ public:
     void SetCapture();
     void ReleaseCapture();
 
-    // Takes part in the keyboard: gets the focus by a click and by Tab, behind the window that called this
-    // before it in the same frame; the first has it from the start.
+    // Takes part in the keyboard: gets the focus by a click, and by Tab after the window that called this
+    // before it in the same frame. The first has the focus from the start.
     void SetTabStop();
     void SetRows(const RowSource& rows); // which are read to the person and shown whole where they are cut
     void RowSelected();                  // tells that another of them is selected now

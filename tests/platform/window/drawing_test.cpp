@@ -1,7 +1,7 @@
 // What each drawing operation leaves on the surface. Run at scale factors 1, 1.5 and 2.
 #include <random>
 
-#include "platform/window/bitmap.h"
+#include "platform/window/dc.h"
 #include "windowtest.h"
 
 namespace {
@@ -112,8 +112,8 @@ TEST_F(Drawing, EveryPixelIsAsASmallModelHasIt) {
 }
 
 TEST_F(Drawing, TextHasItsPlaceItsBackgroundAndItsFont) {
-    const CFont plain(-11, 0, 400, false, "arial"), bold(-11, 0, 700, false, "arial");
-    const CFont fixed(-14, 0, 400, false, "courier new"), upward(-11, 900, 400, false, "arial");
+    const CFont plain({-11, 0, 400, false, "arial"}), bold({-11, 0, 700, false, "arial"});
+    const CFont fixed({-14, 0, 400, false, "courier new"}), upward({-11, 900, 400, false, "arial"});
     SIZE size{};
     const auto show = [&](const CFont& font, unsigned alignment, BackgroundMode mode, const char* text) {
         paintPane([&](CDC& dc) {

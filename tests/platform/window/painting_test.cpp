@@ -29,7 +29,7 @@ TEST_F(Painting, InvalidPartsArePaintedOnceAndErasedOnlyAsAsked) {
 TEST_F(Painting, ScrollMovesWhatIsPaintedAndWhatIsNot) {
     const struct {
         int dx, dy;
-        const char *once, *twice; // what is painted behind one scroll and behind two
+        const char *once, *twice; // what is painted after one scroll and after two
     } cases[] = {{0, -16, "paint 0 84 200 100", "paint 0 68 200 100"},
                  {0, 16, "paint 0 0 200 16", "paint 0 0 200 32"},
                  {-16, 0, "paint 184 0 200 100", "paint 168 0 200 100"},

@@ -3,7 +3,9 @@
 #include <QPainter>
 #include <QToolTip>
 #include <QWheelEvent>
+#include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "platform/window/internal/conversion.h"
 #include "platform/window/internal/host.h"
@@ -11,18 +13,22 @@
 
 namespace {
 
+constexpr struct MouseRow {
+    QEvent::Type event;
+    Qt::MouseButton button;
+    MouseAction action;
+} mouseActions[] = {
+    {QEvent::MouseButtonPress, Qt::LeftButton, MouseAction::leftPress},
+    {QEvent::MouseButtonRelease, Qt::LeftButton, MouseAction::leftRelease},
+    {QEvent::MouseButtonDblClick, Qt::LeftButton, MouseAction::leftDouble},
+    {QEvent::MouseButtonPress, Qt::RightButton, MouseAction::rightPress},
+    {QEvent::MouseButtonRelease, Qt::RightButton, MouseAction::rightRelease},
+    {QEvent::MouseMove, Qt::NoButton, MouseAction::move},
+};
+
 unsigned flagsOf(const QMouseEvent& event) {
     return (event.modifiers() & Qt::ShiftModifier ? MK_SHIFT : 0U) |
            (event.modifiers() & Qt::ControlModifier ? MK_CONTROL : 0U);
-}
-
-using MouseOperation = void (MessageTarget::*)(unsigned, int, int);
-
-void sendMouse(WindowHost& host, MouseOperation operation, const QMouseEvent& event) {
-    const QPointF place = event.position();
-    if (host.wnd() != nullptr)
-        (host.wnd()->*operation)(flagsOf(event), static_cast<int>(std::floor(place.x())),
-                                 static_cast<int>(std::floor(place.y())));
 }
 
 } // namespace
@@ -92,29 +98,20 @@ void ClientArea::focusOutEvent(QFocusEvent* /*event*/) {
     update();
 }
 
-void ClientArea::mousePressEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton)
-        sendMouse(host_, &MessageTarget::onLeftButtonDown, *event);
-    else if (event->button() == Qt::RightButton)
-        sendMouse(host_, &MessageTarget::onRightButtonDown, *event);
+void ClientArea::sendMouse(const QMouseEvent& event) const {
+    const auto action = std::ranges::find_if(mouseActions, [&event](const MouseRow& row) {
+        return row.event == event.type() && row.button == event.button();
+    });
+    if (host_.wnd() != nullptr && action != std::end(mouseActions))
+        host_.wnd()->onMouse(action->action, flagsOf(event),
+                             {static_cast<int>(std::floor(event.position().x())),
+                              static_cast<int>(std::floor(event.position().y()))});
 }
 
 void ClientArea::mouseReleaseEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton)
-        sendMouse(host_, &MessageTarget::onLeftButtonUp, *event);
-    else if (event->button() == Qt::RightButton)
-        sendMouse(host_, &MessageTarget::onRightButtonUp, *event);
+    sendMouse(*event);
     if (event->buttons() == Qt::NoButton)
         host_.endCapture();
-}
-
-void ClientArea::mouseDoubleClickEvent(QMouseEvent* event) {
-    if (event->button() == Qt::LeftButton)
-        sendMouse(host_, &MessageTarget::onLeftButtonDoubleClick, *event);
-}
-
-void ClientArea::mouseMoveEvent(QMouseEvent* event) {
-    sendMouse(host_, &MessageTarget::onMouseMove, *event);
 }
 
 void ClientArea::wheelEvent(QWheelEvent* event) {

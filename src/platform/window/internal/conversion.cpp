@@ -5,7 +5,6 @@
 
 #include "platform/system/utf8.h"
 #include "platform/system/windows1252.h"
-#include "platform/window/encoding.h"
 
 namespace {
 
@@ -58,14 +57,6 @@ QByteArray bytesOf(const QString& text, TextEncoding encoding) {
             bytes.append(windows1252Of(letter.unicode()));
     }
     return bytes;
-}
-
-std::string inOtherEncoding(std::string_view bytes) {
-    const QString text = unicodeOf(bytes);
-    const TextEncoding other =
-        encodingOf(bytes) == TextEncoding::utf8 ? TextEncoding::windows1252 : TextEncoding::utf8;
-    std::string turned = bytesOf(text, other).toStdString();
-    return unicodeOf(turned) == text ? turned : std::string(bytes);
 }
 
 std::size_t cutBetweenCharacters(std::string_view bytes, std::size_t limit) {

@@ -35,5 +35,6 @@ struct DrawingState {
     void fill(const QRect& logical, COLORREF colour);
     void text(int x, int y, const char* bytes, const QRegion& textClip);
     bool outOfSight(const QRect& logical) const { return !clipBox.intersects(logical); }
+    SIZE extent(const char* bytes); // of one line in the font, in logical pixels, rounded up
     const TextFace& currentFace();
 };

@@ -1,6 +1,7 @@
 #include "platform/window/internal/host.h"
 
 #include <QCoreApplication>
+#include <QGridLayout>
 #include <QMenu>
 #include <QMenuBar>
 #include <QWheelEvent>
@@ -8,11 +9,9 @@
 #include <cmath>
 #include <string_view>
 #include <utility>
-#include <vector>
 
 #include "platform/window/internal/conversion.h"
 #include "platform/window/internal/modal.h"
-#include "platform/window/internal/strayinput.h"
 #include "platform/window/resources.h"
 
 namespace {
@@ -53,13 +52,11 @@ QString withLetter(QString label, QString& taken) {
     return label.insert(free - label.cbegin(), '&');
 }
 
-std::vector<WindowHost*> childHosts(const QObject& parent) {
-    std::vector<WindowHost*> found;
-    for (QObject* child : parent.children()) {
-        if (auto* const host = dynamic_cast<WindowHost*>(child))
-            found.push_back(host);
-    }
-    return found;
+// The hosts of windows that go stay for a while.
+void destroyWindowsIn(const QObject& parent) {
+    for (QObject* child : QObjectList(parent.children()))
+        if (auto* const host = dynamic_cast<WindowHost*>(child); host != nullptr && host->wnd() != nullptr)
+            host->wnd()->DestroyWindow();
 }
 
 } // namespace
@@ -69,6 +66,14 @@ WindowHost::WindowHost(CWnd& wnd, const WindowClass& windowClass, QWidget* paren
       client_(new ClientArea(*this)) {
     setFocusPolicy(Qt::NoFocus);
     setAutoFillBackground(true); // the corner between the bars
+    auto* const grid = new QGridLayout(this);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setSpacing(0);
+    grid->setSizeConstraint(QLayout::SetNoConstraint);
+    grid->setRowStretch(0, 1);
+    grid->setColumnStretch(0, 1);
+    grid->addWidget(client_, 0, 0);
+    client_->show(); // as soon as this is: what is hidden has no size
 }
 
 WindowHost::~WindowHost() {
@@ -77,46 +82,20 @@ WindowHost::~WindowHost() {
 }
 
 void WindowHost::detach() {
-    for (WindowHost* owned : childHosts(*this)) {
-        if (owned->wnd() != nullptr)
-            owned->wnd()->DestroyWindow();
-    }
-    hide(); // at once with all that is in it
-    for (WindowHost* child : childHosts(*client_)) {
-        if (child->wnd() != nullptr)
-            child->wnd()->DestroyWindow();
-    }
+    destroyWindowsIn(*this); // frames that belong to this one
+    hide();                  // at once with all that is in it
+    destroyWindowsIn(*client_);
     wnd_ = nullptr;
-    timers_.clear();
+    timers.clear();
     endCapture();
     if (dialog_)
         dialog_->reject();
     retire(this);
 }
 
-QRect WindowHost::clientRectangle() const {
-    const auto extent = [](const Bar& bar, bool wide) {
-        if (bar.widget == nullptr)
-            return 0;
-        return wide ? bar.widget->sizeHint().width() : bar.widget->sizeHint().height();
-    };
-    const int top = menu_ == nullptr ? 0 : menu_->heightForWidth(width());
-    const int right = std::max(width() - extent(bars_[SB_VERT], true), 0);
-    const int bottom = std::max(height() - extent(bars_[SB_HORZ], false), top);
-    return {0, top, right, bottom - top};
-}
-
 void WindowHost::arrange() {
-    const QRect area = clientRectangle();
-    const int right = area.left() + area.width();
-    const int bottom = area.top() + area.height();
-    client_->setGeometry(area);
-    if (menu_ != nullptr)
-        menu_->setGeometry(0, 0, width(), area.top());
-    if (bars_[SB_VERT].widget != nullptr)
-        bars_[SB_VERT].widget->setGeometry(right, area.top(), width() - right, area.height());
-    if (bars_[SB_HORZ].widget != nullptr)
-        bars_[SB_HORZ].widget->setGeometry(area.left(), bottom, area.width(), height() - bottom);
+    layout()->update();
+    layout()->activate();
 }
 
 void WindowHost::tellSize() {
@@ -132,16 +111,16 @@ bool WindowHost::event(QEvent* event) {
     const bool done = QWidget::event(event);
     const bool changesPlaces = event->type() == QEvent::Resize || event->type() == QEvent::Show ||
                                event->type() == QEvent::LayoutRequest; // the menu wants another height
-    if (changesPlaces) {
-        arrange();
+    if (changesPlaces)
         tellSize();
-    }
     return done;
 }
 
 void WindowHost::setMenu(const MenuResource& menu) {
     menu_ = new QMenuBar(this);
     menu_->setNativeMenuBar(false);
+    layout()->setMenuBar(menu_);
+    menu_->show();
     QMenu* column = nullptr;
     const char* title = nullptr;
     QString titleLetters;
@@ -252,28 +231,33 @@ void WindowHost::showBar(ScrollBarKind kind) {
     connect(shown.widget, &QScrollBar::actionTriggered, this,
             [this, kind](int action) { barMoved(kind, action); });
     connect(shown.widget, &QScrollBar::sliderReleased, this,
-            [this, kind] { sendScroll(kind, SB_THUMBPOSITION, range(kind).info().nPos); });
+            [this, kind] { sendScroll(kind, SB_THUMBPOSITION, range(kind).nPos); });
     connect(shown.widget, &QScrollBar::valueChanged, this, [this, kind](int value) {
-        if (value == range(kind).info().nPos)
+        if (value == range(kind).nPos)
             return;
         sendScroll(kind, SB_THUMBTRACK, value); // a screen reader sets the value itself
         setRange(kind, range(kind));
     });
     setRange(kind, shown.range);
+    dynamic_cast<QGridLayout&>(*layout()).addWidget(shown.widget, kind == SB_VERT ? 0 : 1,
+                                                    kind == SB_VERT ? 1 : 0);
     shown.widget->show();
     arrange();
     tellSize();
 }
 
-void WindowHost::setRange(ScrollBarKind kind, const ScrollRange& range) {
+void WindowHost::setRange(ScrollBarKind kind, SCROLLINFO range) {
+    range.nMax = std::max(range.nMax, 0);
+    range.nPage = std::clamp(range.nPage, 0, range.nMax + 1);
+    range.nPos = std::clamp(range.nPos, 0, range.limit());
     bars_[kind].range = range;
     QScrollBar* const widget = bars_[kind].widget;
     if (widget == nullptr)
         return;
     const QSignalBlocker quiet(widget);
     widget->setRange(0, range.limit());
-    widget->setPageStep(std::max(range.info().nPage, 1));
-    widget->setValue(range.info().nPos);
+    widget->setPageStep(std::max(range.nPage, 1));
+    widget->setValue(range.nPos);
     widget->setEnabled(range.limit() > 0);
 }
 
@@ -282,29 +266,17 @@ void WindowHost::barMoved(ScrollBarKind kind, int action) {
     const int wanted = widget->sliderPosition();
     const int code = scrollCodes[action];
     sendScroll(kind, code, code == SB_THUMBTRACK ? wanted : 0);
-    widget->setSliderPosition(bars_[kind].range.info().nPos); // the window has the last word
+    widget->setSliderPosition(bars_[kind].range.nPos); // the window has the last word
 }
 
 void WindowHost::sendScroll(ScrollBarKind kind, int code, int position) {
-    if (wnd_ == nullptr)
-        return;
-    if (kind == SB_VERT)
-        wnd_->onVScroll(code, position);
-    else
-        wnd_->onHScroll(code, position);
-}
-
-void WindowHost::setTimer(std::uint32_t id, int milliseconds) {
-    timers_[id].start(milliseconds, client_);
-}
-
-void WindowHost::killTimer(std::uint32_t id) {
-    timers_.erase(id);
+    if (wnd_ != nullptr)
+        wnd_->onScroll(kind, code, position);
 }
 
 void WindowHost::timeOut(int timer) {
     const auto isIt = [timer](const auto& entry) { return entry.second.timerId() == timer; };
-    const auto found = std::find_if(timers_.begin(), timers_.end(), isIt);
-    if (wnd_ != nullptr && found != timers_.end())
+    const auto found = std::find_if(timers.begin(), timers.end(), isIt);
+    if (wnd_ != nullptr && found != timers.end())
         wnd_->onTimer(found->first);
 }

@@ -28,7 +28,7 @@ public:
     WindowHost(CWnd& wnd, const WindowClass& windowClass, QWidget* parent, Qt::WindowFlags flags);
     ~WindowHost() override;
 
-    void arrange();  // lays out menu, bars and client area
+    void arrange();  // lays out menu, bars and client area at once: a hidden window is not told of its size
     void tellSize(); // onSize, when the client size is not the one told before
     // The window is gone; gives up the host, after the windows that belong to it and its child windows.
     void detach();
@@ -51,19 +51,18 @@ public:
     void scroll(int dx, int dy);
 
     void setTabStop();
-    void setRows(const RowSource& rows);
+    void setRows(const RowSource& rows); // and makes them known to screen readers, as a list of texts
     void rowSelected();
     const RowSource* rows() const { return wnd_ == nullptr ? nullptr : rows_; } // null without any
 
     void showBar(ScrollBarKind kind);
     bool hasBar(ScrollBarKind kind) const { return bars_[kind].widget != nullptr; }
-    const ScrollRange& range(ScrollBarKind kind) const { return bars_[kind].range; }
-    void setRange(ScrollBarKind kind, const ScrollRange& range);
+    const SCROLLINFO& range(ScrollBarKind kind) const { return bars_[kind].range; }
+    void setRange(ScrollBarKind kind, SCROLLINFO range);
     void sendScroll(ScrollBarKind kind, int code, int position);
     void wheel(const QWheelEvent& event);
 
-    void setTimer(std::uint32_t id, int milliseconds);
-    void killTimer(std::uint32_t id);
+    std::map<std::uint32_t, QBasicTimer> timers; // by the number that onTimer gets; of the client area
     void timeOut(int timer);
 
     void takeCapture();
@@ -79,10 +78,9 @@ protected:
 private:
     struct Bar {
         QScrollBar* widget = nullptr; // null: not on show
-        ScrollRange range;
+        SCROLLINFO range;
     };
 
-    QRect clientRectangle() const;
     void postCommand(std::uint32_t id);
     void barMoved(ScrollBarKind kind, int action);
     void sendLines(ScrollBarKind kind, int delta);
@@ -98,7 +96,6 @@ private:
     QRegion erase_; // the part of update_ that is to be erased
     bool painting_ = false;
     QSize toldSize_;
-    std::map<std::uint32_t, QBasicTimer> timers_;
     QPointer<QDialog> dialog_;
     const RowSource* rows_ = nullptr;
     QPointer<QWidget> lastTabStop_; // of a frame

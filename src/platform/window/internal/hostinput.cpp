@@ -1,5 +1,4 @@
 // Keys, wheel and the capture of the mouse.
-#include <QAccessible>
 #include <QApplication>
 #include <QMenuBar>
 #include <QWheelEvent>
@@ -7,9 +6,7 @@
 #include <cmath>
 #include <iterator>
 
-#include "platform/window/internal/accessiblerows.h"
 #include "platform/window/internal/host.h"
-#include "platform/window/rowsource.h"
 
 namespace {
 
@@ -92,11 +89,6 @@ void WindowHost::closeEvent(QCloseEvent* event) {
         wnd_->onClose();
 }
 
-void WindowHost::setRows(const RowSource& rows) {
-    rows_ = &rows;
-    makeRowsAccessible();
-}
-
 void WindowHost::setTabStop() {
     auto& frame = dynamic_cast<WindowHost&>(*window());
     client_->setFocusPolicy(Qt::StrongFocus);
@@ -105,12 +97,6 @@ void WindowHost::setTabStop() {
     else
         client_->setFocus();
     frame.lastTabStop_ = client_;
-}
-
-void WindowHost::rowSelected() {
-    QAccessibleEvent event(client_, QAccessible::Focus);
-    event.setChild(rows_->selectedRow() - 1);
-    QAccessible::updateAccessibility(&event);
 }
 
 void WindowHost::keyPressEvent(QKeyEvent* event) {

@@ -1,5 +1,4 @@
-#include "platform/window/internal/accessiblerows.h"
-
+// The rows of a window as a list of texts for screen readers.
 #include <QAccessibleWidget>
 #include <map>
 
@@ -93,6 +92,13 @@ QAccessibleInterface* accessibleOf(const QString& /*className*/, QObject* object
 
 } // namespace
 
-void makeRowsAccessible() {
+void WindowHost::setRows(const RowSource& rows) {
+    rows_ = &rows;
     QAccessible::installFactory(accessibleOf); // a second time has no effect
+}
+
+void WindowHost::rowSelected() {
+    QAccessibleEvent event(client_, QAccessible::Focus);
+    event.setChild(rows_->selectedRow() - 1);
+    QAccessible::updateAccessibility(&event);
 }
