@@ -414,7 +414,8 @@ def strays(display, work):
 
 def running():
     return [int(process.name) for process in pathlib.Path("/proc").glob("[0-9]*")
-            if (process / "comm").read_text() == "txinspect\n" and (process / "exe").exists()]  # else it has ended
+            if (process / "comm").read_text() == "txinspect\n" and (process / "exe").exists()  # else it has ended
+            and (process / "exe").samefile(PROGRAMS / "txinspect")]  # else it is another run's
 
 
 def waiting(display, work):
