@@ -66,10 +66,12 @@ std::string ChangeAtWork::who() const {
 }
 
 Failure AtWork::begin(Tree& tree, const ChangeAtWork& change) {
-    Failure failure = makeHeld(tree, name, encode(change), readableForAll, file_);
+    File place; // has its times again where nothing comes of it
+    Failure failure = tree.openEntry(".", place);
+    failure = failure ? failure : makeHeld(tree, name, encode(change), readableForAll, file_);
     failure = failure ? failure : tree.syncDirectoryOf(name);
-    if (failure && stands()) [[maybe_unused]]
-        const Failure left = end(tree);
+    if (failure && stands() && !end(tree)) [[maybe_unused]]
+        const Failure left = place.giveTimes(place.opened().read, place.opened().changed);
     return failure;
 }
 

@@ -187,11 +187,18 @@ Failure applymaking(Tree& tree, Change& change) {
     return failure || change.parts[0] != Standing::other ? failure : Failure{ERROR_FILE_INVALID};
 }
 
+Failure stillthere(Tree& tree, const Change& change) {
+    FileState now;
+    const Failure failure = lookexactly(tree, change.file, now);
+    return failure || now.kind == FileState::missing ? failure : Failure{ERROR_FILE_INVALID};
+}
+
 Failure applydeletion(Tree& tree, Change& change) {
-    const Failure failure = change.state.kind == FileState::directory
-                                ? tree.removeDirectory(change.file)
-                                : tree.remove(change.file, change.judged);
-    if (failure && !failure.isAbsence()) // one that has gone is what was asked for
+    Failure failure = change.state.kind == FileState::directory ? tree.removeDirectory(change.file)
+                                                                : tree.remove(change.file, change.judged);
+    if (failure.isAbsence()) // one that has gone is what was asked for
+        failure = stillthere(tree, change);
+    if (failure)
         return failure;
     change.parts = {Standing::after};
     return {};

@@ -249,12 +249,21 @@ void Reversal::reverse(const std::string& name, const Steps& steps) {
 }
 
 // Whether the other name still leads to what both led to: one that is restored too does, else its content
-// tells and not its number, which a file made since may have got.
+// tells and not its number, which a file made since may have got. Where it can't be read only the person can
+// want a file of its own.
 bool Reversal::leadstosame(const Change& deletion) {
     if (deletion.othername.empty() || same_.count(deletion.othername) != 0)
         return !deletion.othername.empty();
     File file;
+    FileState there;
     Standing standing = Standing::other;
-    return !tree_.openToRead(deletion.othername, file, Links::unfollowed) &&
-           !compare(file, deletion.content, standing) && standing == Standing::after;
+    Failure failure = lookexactly(tree_, deletion.othername, there);
+    if (!failure && there.kind != FileState::plain)
+        return false;
+    failure = failure ? failure : tree_.openToRead(deletion.othername, file, Links::unfollowed);
+    failure = failure ? failure : compare(file, deletion.content, standing);
+    if (failure)
+        left.push_back(tree_.path() + "/" + deletion.file + ": its other name '" + deletion.othername +
+                       "' can't be read (" + failure.text() + ")");
+    return !failure && standing == Standing::after;
 }

@@ -34,11 +34,8 @@ int TSXfinder::findfirst(const char* pattern) {
     for (const std::string& name : names)
         if (matchesPattern(name, std::string_view(whole).substr(last, star - last), suffix))
             (opensItself(names, name, suffix) ? matches : passedover).push_back(name);
-    Entry entry; // a directory that is there was away for a moment
-    const bool away = unread.isAbsence() &&
-                      (tree.look(folder, Links::followed, entry) || entry.state.kind != FileState::directory);
-    missing = away && unread.number == ERROR_PATH_NOT_FOUND;
-    failure = away ? ERROR_SUCCESS : unread.number;
+    missing = unread.number == ERROR_PATH_NOT_FOUND;
+    failure = unread.isAbsence() ? ERROR_SUCCESS : unread.number;
     return take();
 }
 
@@ -55,11 +52,14 @@ int TSXfinder::take() {
     const std::string& name = matches[next++];
     Entry entry;
     entryfailure = tree.look(folder + name, Links::followed, entry).number;
+    if (entryfailure == ERROR_SUCCESS && entry.state.kind == FileState::missing) // it was listed
+        entryfailure = ERROR_FILE_NOT_FOUND;
     const bool attributes = name[0] == '.' || (entry.state.permissions & anyWrite) == 0;
     const bool counts = entry.state.kind == FileState::directory && !(first && attributes);
     entryname = name.c_str();
     entrykind = counts ? directory : file;
     entryidentity = entry.state.identity;
+    entrynames = entry.state.names;
     entryoutside = entryfailure == ERROR_SUCCESS ? entry.outside : "";
     return 1;
 }

@@ -28,6 +28,7 @@ public:
     Text<400> entryname;            // no directory
     std::int32_t entrykind = 0;     // a Kind; a first match is a directory only if it has no other attribute
     FileIdentity entryidentity;     // none where the disk did not tell
+    std::uint64_t entrynames = 0;   // that this file has
     std::string entryoutside;       // the link by which it lies outside of the tree; else empty
     std::uint32_t entryfailure = 0; // the error number where it did not tell what the match is; else 0
     std::uint32_t failure = 0;      // of the directory: the error number; 0 also where there is none

@@ -9,6 +9,7 @@
 #include "model/datafile.h"
 #include "model/fileclass.h"
 #include "model/problem.h"
+#include "platform/system/errors.h"
 #include "platform/system/letters.h"
 #include "reporting/log.h"
 
@@ -44,6 +45,7 @@ void TSXfilelist::reread() {
     names.clear();
     listing.clear();
     listed.clear();
+    unknown.clear();
     passedover.clear();
     waiting.clear();
     search();
@@ -106,9 +108,18 @@ void TSXfilelist::take(const TSXfinder& match) {
 
 // A second name of a file would double its keys, and repairs of the one name would undo those of the other.
 bool TSXfilelist::issecondname(const TSXfinder& match) {
-    if (match.entryidentity == FileIdentity())
-        return false;
     const std::string name = match.entryname.c_str();
+    if (match.entryidentity == FileIdentity()) {
+        if (match.entryfailure != ERROR_CANT_RESOLVE_FILENAME) // of no file at all
+            unknown = name;
+        return false;
+    }
+    if (match.entrynames > 1 && !unknown.empty() && !listed.contains(match.entryidentity)) {
+        database.addunreadpath(pathof(name),
+                               "It may be another name of '" + unknown + "', which could not be read.",
+                               Unread::whole);
+        return true;
+    }
     const auto [known, first] = listed.try_emplace(match.entryidentity, name);
     if (first)
         return false;
@@ -247,6 +258,9 @@ int TSXfilelist::newfile() {
     if (!entry.outside.empty())
         database.leftout.push_back("'" + entry.outside +
                                    "' is a link that leads out of the database, and no file is made there");
+    if (failure)
+        database.leftout.push_back(std::string(format.directory) + ": whether the name " + name.c_str() +
+                                   " is free can't be read (" + failure.text() + ")");
     if (failure || !entry.outside.empty())
         return -1;
     auto made = std::make_unique<TSXdatafile>(database, *this, name, classid);

@@ -64,12 +64,13 @@ private:
     std::string pathof(const std::string& name) const;
     std::size_t positionof(const std::string& name) const;
 
-    std::string pattern;                                // of its files
-    std::set<std::string, BeforeIgnoringCase> names;    // of the files
-    int lowestnumber = 1;                               // files of all numbers below are in the list
-    std::set<std::string> listing;                      // names in the directory that matched at the load
-    std::map<FileIdentity, std::string> listed;         // the name under which each file is read
-    std::multimap<std::string, std::string> passedover; // by the name that is read in their place
-    std::set<std::string> waiting;                      // passed over for what has left the list
+    std::string pattern;                             // of its files
+    std::set<std::string, BeforeIgnoringCase> names; // of the files
+    int lowestnumber = 1;                            // files of all numbers below are in the list
+    std::set<std::string> listing;                   // names in the directory that matched at the load
+    std::map<FileIdentity, std::string> listed;      // the name under which each file is read
+    std::string unknown; // a name of which the disk did not tell the file; empty: there is none
+    std::multimap<std::string, std::string> passedover;          // by the name that is read in their place
+    std::set<std::string> waiting;                               // passed over for what has left the list
     std::map<std::string, std::unique_ptr<TSXdatafile>> earlier; // by name, while the list is read anew
 };

@@ -48,8 +48,6 @@ KINDS = [
     ("stale", "FROM", errno.ESTALE, "^"), ("signal", "AT", errno.EINTR, "^(open|openat|p?read|p?write|f(data)?sync) "),
     ("end", "END", 0, "^p?read .*/db"), ("touched", "PAUSE", 0, "^(open|openat|p?read|fstat|f?statat?) .*/db/.*/"),
 ]
-# A directory that is told to be away at one look is a missing one, which no program can know better; tried where --kind names it.
-NOT_YET = ["gone"]
 
 
 def said(document):
@@ -138,6 +136,7 @@ class Scenario:
         before, after, now = map(contents, (self.before, self.after, tree))
         if found.status & FAILED:
             now.pop(AT_WORK, None)
+            self.judge_new(found, before, now)
         judge_contents(before, after, now)
         if found.status & FAILED:
             return judge(found.said or self.plain.status & FAILED, "status", found.status, "without a word")
@@ -147,6 +146,13 @@ class Scenario:
         judge(now == after, "status", found.status, ", and not all was done")
         restored = self.name.startswith("restore") and not touched
         judge(not restored or tree == self.after, "not all came back", differences(tree, self.after))
+
+    def judge_new(self, found, before, now):
+        """Where a solution could not do all, a new file has entries for the keys that are left; it is sound all the same."""
+        for name in {*now} - {*before} if any(step["result"] == 0 for step in (found.document or {}).get("solved", [])) else []:
+            keys = [now[name][at + 8:at + 8 + now[name][at]] for at in range(41, len(now[name] or b""), FIELD)]
+            if name.endswith(".DBS") and now[name] == oracle.dbs(keys) and len({*keys}) == len(keys):
+                now[name] = contents(self.after).get(name, now[name])
 
     def judge_next(self, place):
         """Keys may get other numbers: of two blank keys of which one was written the other is no problem any more."""
@@ -174,7 +180,7 @@ class Scenario:
 
 def main():
     given = arguments(("--step", 1), ("--scenario", ""), ("--kind", ""), ("--sectors", False))
-    kinds = [kind for kind in KINDS if (kind[0].startswith(given.kind) if given.kind else kind[0] not in NOT_YET)]
+    kinds = [kind for kind in KINDS if kind[0].startswith(given.kind)]
     total = wrong = 0
     for row in [row for row in SCENARIOS if row[0].startswith(given.scenario)]:
         with tempfile.TemporaryDirectory() as work:

@@ -343,4 +343,51 @@ def no_new_file(place):
     judge(b"Could not open file" in pathlib.Path(place.home, "TXLOG.TXT").read_bytes(), "not in the log")
 
 
+@case(("names in other letters", "seq/{:b}.cnf", []), ("corrupted side files", "seq/S{}.CNF", ["--solve-all", "side:1"]),
+      ("a directory that is touched", "DBASE/N{}.DBS", []))
+def twice_as_many(place, _, form, words):
+    """Twice as many names take twice as many calls, and not four times, whatever another program does meanwhile."""
+    listed, touch = [], "cd $0; while touch other; do rm other; done"
+    for count in (64, 128):
+        tried = place.copy(f"{place.root}-{count}")
+        for i in range(count):
+            put(tried, form.format(i + count).translate(str.maketrans("01", "aA") if "b" in form else {}), b"junk")
+        with subprocess.Popen(["sh", "-c", touch, os.path.join(tried.db, "DBASE")]) as other:
+            listed.append(len(tried.listed(*words)))
+            other.terminate()
+    judge(listed[1] < 2.2 * listed[0], listed)
+
+
+@case(("types", 201, 1), ("files", 3001, 0))
+def key_beside_a_limit(place, _, count, other):
+    """What lies beyond a limit keeps no key from being changed."""
+    path, document = pathlib.Path(place.db, "seq/EXP001.DEF"), place.check("--all").document
+    name = next(kind["name"] for kind in document["types"] if kind["class"] == 3).encode()
+    for i in range(count):
+        put(place, f"seq/N{i}.DEF", path.read_bytes().replace(name, b"%0*d" % (len(name), i * other)))
+    key = next(key for key in document["keys"] if key["counts"][0])
+    status, document, said = place.check("--change-key", "hex:" + bytes_of(key, "key").hex(), "0", "1", "another", "--save")
+    judge(status & CHANGED and len(document["changes"]) == 1 and document["unread"], status, said)
+
+
+@case()
+def plain_file_in_place_of_a_directory(place):
+    os.rename(os.path.join(place.db, "DBASE"), os.path.join(place.db, "dbase"))
+    put(place, "DBASE", b"")
+    status, _, said = place.check()
+    judge(status & FAILED and "'DBASE' is no directory" in said and "in its place" not in said, status, said)
+
+
+@case()
+def settings_that_are_a_link(place):
+    """What a link in place of the settings leads to is not written."""
+    store, other = pathlib.Path(place.home, "txinspect/settings.json"), pathlib.Path(place.root, "other")
+    place.run("txstart", "--home", place.home, "--database", "Tried")
+    store.rename(other)
+    store.symlink_to(other)
+    before = other.read_bytes()
+    done = place.run("txstart", "--home", place.home + "/.", "--database", "Tried")
+    judge(store.is_symlink() and other.read_bytes() == before and done.returncode, done.returncode, done.stderr)
+
+
 sys.exit(try_cases())

@@ -1,16 +1,14 @@
 #include "platform/registry/registry.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <vector>
 
 #include "platform/system/bytestream.h"
 #include "platform/system/errors.h"
-#include "platform/system/faults.h"
 #include "platform/system/person.h"
+#include "platform/system/tree.h"
 #include "platform/system/utf8.h"
 
 using Json = nlohmann::json;
@@ -43,16 +41,11 @@ bool readStore(Json& store) {
 }
 
 bool writeStore(const std::string& text) {
-    std::error_code failed;
-    const std::string path = std::filesystem::weakly_canonical(registryFile(), failed); // a link stays one
-    const std::string made = path + ".new";
-    std::remove(made.c_str()); // of a run that was interrupted
-    ByteStream file;
-    if (failed || makePrivateDirectories(path.substr(0, path.rfind('/'))) ||
-        !file.open(made.c_str(), OpenMode::create))
-        return false;
-    file.write(text.data(), text.size());
-    return file.close() && !diskFault(DiskOperation::link) && std::rename(made.c_str(), path.c_str()) == 0;
+    const std::string path = registryFile();
+    Tree place;
+    std::string name;
+    return !makePrivateDirectories(path.substr(0, path.rfind('/'))) && !place.openDirectoryOf(path, name) &&
+           !place.replace(name, text);
 }
 
 // JSON has no place for bytes that are no text: they stand as numbers.

@@ -19,8 +19,8 @@ int RegQueryValueExA(const HKEY& key, const char* name, std::string& value);
 // Opens a key of the current user for writing, made with its first value if missing.
 void RegCreateKeyExA(const char* subkey, HKEY& key);
 
-// Writes a value of an open key as a text. 0 on success, and it is on disk; else 5, the store can't be
-// written.
+// Writes a value of an open key as a text. 0 on success, and it is on disk; else 5: the store can't be
+// written, or is a link, which somebody else may have laid.
 int RegSetValueExA(const HKEY& key, const char* name, const std::string& value);
 
 void RegCloseKey(HKEY& key);

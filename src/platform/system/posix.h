@@ -31,6 +31,11 @@ inline Failure answer(int result) {
     return result == 0 ? Failure() : failureFrom(errno);
 }
 
+// Of what was there a moment ago: that it is away now does not say that nothing stands there.
+inline Failure meanwhile(Failure failure) {
+    return failure.isAbsence() ? Failure{ERROR_FILE_INVALID} : failure;
+}
+
 constexpr const char* defaultList = "system.posix_acl_default"; // of rights, for what is made in a directory
 
 FileState stateFrom(const struct stat& found);

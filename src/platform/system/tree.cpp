@@ -290,7 +290,7 @@ Failure Tree::enter(std::string_view directory) {
     const Failure failure = inside_->ways.findDirectory(directory, spot);
     if (failure || spot.directory().descriptor < 0)
         return failure;
-    return answer(fstatat(spot.directory().descriptor, ".", &spot.found, 0));
+    return meanwhile(answer(fstatat(spot.directory().descriptor, ".", &spot.found, 0)));
 }
 
 // Looked at before the open, which alone can have effects on a pipe or a device.
@@ -338,7 +338,7 @@ Failure Tree::openEntry(std::string_view name, File& file, Links links) {
     if (spot.name.empty())
         return openAt(spot, ".", O_RDONLY, file);
     const bool readable = S_ISREG(spot.found.st_mode) || S_ISDIR(spot.found.st_mode);
-    return spot.isThere() ? openAt(spot, spot.name.c_str(), readable ? O_RDONLY : O_PATH, file)
+    return spot.isThere() ? meanwhile(openAt(spot, spot.name.c_str(), readable ? O_RDONLY : O_PATH, file))
                           : Failure{ERROR_FILE_NOT_FOUND};
 }
 
@@ -353,6 +353,24 @@ Failure Tree::append(std::string_view name, std::string_view bytes) {
     if (!file.isOpen())
         return failureFrom(errno);
     return appendTo(file, bytes);
+}
+
+Failure Tree::replace(std::string_view name, std::string_view bytes) {
+    Spot spot;
+    Failure failure = inside_->findToChange(DiskOperation::link, name, spot);
+    if (!failure && !S_ISREG(spot.found.st_mode))
+        failure = {ERROR_ACCESS_DENIED};
+    if (failure && failure.number != ERROR_FILE_NOT_FOUND)
+        return failure;
+    const int directory = spot.directory().descriptor;
+    const std::string made = spot.name + ".new";
+    unlinkat(directory, made.c_str(), 0); // of a run that was interrupted
+    File file(makeNamed(spot.directory(), made, 0666));
+    failure = file.isOpen() ? file.write(0, bytes) : failureFrom(errno);
+    failure = failure ? failure : file.sync();
+    failure = failure ? failure : file.close();
+    failure = failure ? failure : answer(renameat(directory, made.c_str(), directory, spot.name.c_str()));
+    return failure ? failure : syncDirectoryOf(name);
 }
 
 Failure Tree::readLink(std::string_view name, std::string& target) {

@@ -74,6 +74,9 @@ public:
     // Appends to a plain file, which is made where it is missing, in one piece: an open, a write and a close,
     // and nothing else, since a log does this for each of its lines. A link is refused.
     Failure append(std::string_view name, std::string_view bytes);
+    // Puts a plain file with that content in the place of the one that has the name, or of none: whole and on
+    // the disk itself, or not at all. Anything else there is refused (5), a link too.
+    Failure replace(std::string_view name, std::string_view bytes);
     Failure readLink(std::string_view name, std::string& target);
     // Opens whatever stands there, to ask or to give what belongs to it beside its content.
     Failure openEntry(std::string_view name, File& file, Links links = Links::unfollowed);

@@ -207,7 +207,7 @@ Failure Ways::enter(Spot& spot) {
     if (const auto planned = planned_.find(spot.key()); planned != planned_.end())
         next = planned->second;
     else if (const Failure failure = open(spot.directory().descriptor, spot.name.c_str(), O_NOFOLLOW, next))
-        return failure;
+        return meanwhile(failure);
     spot.way.push_back(next);
     spot.name.clear();
     return {};
@@ -239,12 +239,11 @@ Failure Ways::lookAround(Spot& spot, const std::string& component) {
     if (failure || spot.isThere() || spot.depth > 0)
         return failure;
     failure = list(spot.directory());
-    if (failure)
-        return failure.isAbsence() ? Failure() : failure; // it has gone meanwhile
     const std::string* other = findName(spot.directory().names, component);
-    if (other == nullptr || *other == component)
-        return {};
-    failure = lookUp(spot, *other);
+    if (failure || other == nullptr)
+        return failure;
+    for (int tries = 0; tries < 2 && !failure && !spot.isThere(); ++tries)
+        failure = lookUp(spot, *other); // which another program may have moved for a moment
     if (!failure && !spot.isThere())
         spot.name = component;
     return failure;
@@ -275,7 +274,7 @@ Failure Ways::list(OpenDirectory& directory) const {
     const Failure failure =
         directory.descriptor < 0 ? Failure() : readNames(directory.descriptor, directory.names);
     if (failure)
-        return failure;
+        return meanwhile(failure);
     for (const auto& [key, made] : planned_)
         if (key.first == directory.identity && made != nullptr)
             directory.names.push_back(key.second);
