@@ -2,6 +2,7 @@
 library that sees their calls (calls.c), what stands there in every respect, and how two states of it may differ."""
 import argparse
 import collections
+import contextlib
 import concurrent.futures
 import json
 import os
@@ -125,8 +126,10 @@ class Place:
             info, key = os.lstat(path), os.path.relpath(path, root)
             if not stat.S_ISDIR(info.st_mode):
                 names[info.st_ino].append(key)
-            attributes = [(name, os.getxattr(path, name, follow_symlinks=False)) for name in sorted(os.listxattr(
-                path, follow_symlinks=False))]
+            attributes = []
+            with contextlib.suppress(OSError):  # of a file system that has none
+                attributes = [(name, os.getxattr(path, name, follow_symlinks=False)) for name in sorted(
+                    os.listxattr(path, follow_symlinks=False))]
             content = (os.readlink(path) if stat.S_ISLNK(info.st_mode) else
                        pathlib.Path(path).read_bytes() if stat.S_ISREG(info.st_mode) else None)
             found[key] = Entry(info.st_mode, info.st_uid, info.st_gid, info.st_mtime_ns, attributes, names[info.st_ino], content)

@@ -390,4 +390,31 @@ def settings_that_are_a_link(place):
     judge(store.is_symlink() and other.read_bytes() == before and done.returncode, done.returncode, done.stderr)
 
 
+@case(("tmpfs", "mount -t tmpfs none db"), ("overlay", "mkdir up work && mount -t overlay -o lowerdir=home,upperdir=up,workdir=work none db"),
+      ("bindfs", "mkdir below && bindfs below db"), ("fuse2fs", "mkfs.ext4 -q image && fuse2fs image db"),
+      ("exfat", "mkfs.exfat image && it=$(losetup -f --show image) && mount.exfat-fuse $it db && losetup -d $it"),
+      ("sshfs", "command -v sshfs && mkdir below && (socat tcp-listen:7722,bind=localhost exec:/usr/lib/openssh/sftp-server >log 2>&1 &) && sleep 1 && "
+       "sshfs -o directport=7722 localhost:$PWD/below db"),
+      ("ntfs", "mkfs.ntfs -F -Q image && ntfs-3g image db"), ("xfs", "mkfs.xfs -q image && mount -o loop image db"),
+      ("btrfs", "mkfs.btrfs -q image && mount -o loop image db"), needs_root=True)
+def file_system(place, name, command):
+    """A save that is killed and finished, deletions and restores, on another one, which has to be on this machine."""
+    put(place, "fprint/BAD.DEF", b"no experiment")
+    os.rename(place.db, place.root + "/content")
+    os.mkdir(place.db)
+    put(place, "../image", b"", 400 << 20)
+    if subprocess.run(["sh", "-c", command], cwd=place.root, capture_output=True).returncode:
+        return print(f"left out, this machine can't mount it: {name}")
+    try:
+        subprocess.run(["cp", "-r", place.root + "/content/.", place.db], check=True)
+        before, after = interrupted(place)
+        is_finished(place, after)
+        judge(not place.check(*DELETE).status & FAILED and not os.path.exists(place.db + "/fprint/BAD.DEF"), "not deleted")
+        for undo in reversed(place.undo_files()):
+            place.restore(undo)
+        judge(place.contents() == before, differences(place.contents(), before))
+    finally:
+        subprocess.run(["umount", "-l", place.db], check=True)
+
+
 sys.exit(try_cases())
