@@ -1,6 +1,5 @@
 #include "platform/window/internal/host.h"
 
-#include <QCoreApplication>
 #include <QGridLayout>
 #include <QMenu>
 #include <QMenuBar>
@@ -29,12 +28,6 @@ protected:
 
 private:
     WindowHost& host_;
-};
-
-class WorkEvent : public QEvent {
-public:
-    explicit WorkEvent(std::function<void()> what) : QEvent(QEvent::User), work(std::move(what)) {}
-    const std::function<void()> work;
 };
 
 // By QAbstractSlider::SliderAction.
@@ -133,7 +126,8 @@ void WindowHost::setMenu(const MenuResource& menu) {
         title = entry.menu;
         QAction* const action = column->addAction(withLetter(labelOf(entry.text), letters));
         action->setData(entry.id);
-        connect(action, &QAction::triggered, this, [this, id = entry.id] { postCommand(id); });
+        connect(action, &QAction::triggered, this,
+                [this, id = entry.id] { post([this, id] { wnd_->onCommand(id); }); });
     }
 }
 
@@ -144,24 +138,16 @@ void WindowHost::setDialog(QDialog* dialog) {
         menu_->setEnabled(dialog == nullptr);
 }
 
-void WindowHost::post(std::function<void()> work) {
-    QCoreApplication::postEvent(this, new WorkEvent(std::move(work))); // owned by the queue
-}
-
-void WindowHost::postCommand(std::uint32_t id) {
-    post([this, id] { wnd_->onCommand(id); });
-}
-
 // The menu has gone from the screen before the work begins, and nothing that was typed while it went on meets
 // what it leaves.
-void WindowHost::customEvent(QEvent* event) {
-    const auto* const posted = dynamic_cast<WorkEvent*>(event);
-    if (posted == nullptr)
-        return;
-    discardInput();
-    if (wnd_ != nullptr)
-        posted->work();
-    discardInput();
+void WindowHost::post(std::function<void()> work) {
+    const auto carryOut = [this, work = std::move(work)] {
+        discardInput();
+        if (wnd_ != nullptr)
+            work();
+        discardInput();
+    };
+    QMetaObject::invokeMethod(this, carryOut, Qt::QueuedConnection);
 }
 
 const std::shared_ptr<Canvas>& WindowHost::surface() {

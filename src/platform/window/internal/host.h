@@ -71,7 +71,6 @@ public:
 
 protected:
     bool event(QEvent* event) override;
-    void customEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
@@ -81,7 +80,6 @@ private:
         SCROLLINFO range;
     };
 
-    void postCommand(std::uint32_t id);
     void barMoved(ScrollBarKind kind, int action);
     void sendLines(ScrollBarKind kind, int delta);
 
