@@ -155,6 +155,7 @@ void TSXfilelist::removeat(int position) {
         database.keyschanged();
     database.forgetrecords(file.unreadname);
     names.erase(file.name.c_str());
+    listing.erase(file.entryname);
     lowestnumber = 1;
     const auto [first, last] = passedover.equal_range(file.entryname);
     for (auto name = first; name != last; ++name)

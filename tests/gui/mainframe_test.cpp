@@ -89,15 +89,28 @@ TEST_F(DesktopTest, WhatWasNotReadOrNotSavedIsToldAndKeepsTheWindowOpen) {
 }
 
 TEST_F(DesktopTest, UndoTakesBackWhatWasDoneTheLastFirst) {
-    setenv("XDG_STATE_HOME", home.path().c_str(), 1);
-    ::database->committer = std::make_unique<Committer>(::database->tree, CommitOptions{});
     const auto choose = [&](int kind, std::uint32_t solution) {
         select(kind);
         command(solution);
     };
     const auto bytes = [&] { return readFile(root / "DBASE/DBSF001.DBS"); };
     const auto status = [&] { return outerWidget(*main->statusBar)->accessibleName().toStdString(); };
-    const std::string before = bytes();
+    const std::string before = bytes(), emptyFile = readFile(root / "seq/EMPTY.DEF");
+    setenv("XDG_STATE_HOME", (root / "DBASE/DBSF001.DBS").c_str(), 1); // no place for undo files
+    ::database->committer = std::make_unique<Committer>(::database->tree, CommitOptions{.ask = true});
+    for (const int refused : {IDNO, IDYES}) {
+        answer = refused;
+        choose(emptyfiles, removeemptyfilescommand);
+        EXPECT_EQ(std::filesystem::exists(root / "seq/EMPTY.DEF"), refused == IDNO);
+        EXPECT_NE(reports.back().find("can't be undone without it: "), std::string::npos);
+    }
+    EXPECT_EQ(status().find("Deleted 1 file; 7 problems"), 0U) << status();
+    command(202);
+    EXPECT_EQ(std::exchange(beeps, 0), 2) << "nothing can be undone";
+    put("seq/EMPTY.DEF", emptyFile); // by another program
+    command(102);
+    setenv("XDG_STATE_HOME", home.path().c_str(), 1);
+    ::database->committer = std::make_unique<Committer>(::database->tree, CommitOptions{});
     choose(emptyfiles, removeemptyfilescommand);
     EXPECT_EQ(status().find("Deleted 1 file; Undo takes it back; 7 problems"), 0U) << status();
     choose(duplicatekeys, renameduplicatescommand);
