@@ -6,6 +6,8 @@
 TEST_F(DesktopTest, MainWindowHasItsTitleSizeAndPanes) {
     EXPECT_EQ(outerWidget(*main)->windowTitle(), "Database Check- Strains");
     EXPECT_EQ(outerWidget(*main)->size(), QSize(750, 550));
+    const QImage icon = outerWidget(*main)->windowIcon().pixmap(32).toImage();
+    EXPECT_NE(icon.pixel(0, 0), icon.pixel(16, 16));
     const RECT client = main->GetClientRect();
     const int right = client.right - 1;
     const int bottom = client.bottom - 20;

@@ -1,6 +1,7 @@
 // What is painted when, and what only moves: the update region, erasing, scrolling and drawing outside of a
 // paint; and who goes with whom.
 #include <QMenuBar>
+#include <QPointer>
 
 #include "windowtest.h"
 
@@ -111,8 +112,11 @@ TEST_F(Painting, WindowsThatBelongToAFrameGoBeforeItAndPanesOutliveTheirWindows)
         EXPECT_FALSE(shortLived.Create(AfxRegisterWndClass(&greyBrush), {0, 0, 50, 50}, *frame));
         taken();
     }
+    const QPointer<QWidget> window = outerWidget(*frame);
     frame->DestroyWindow();
     frame = nullptr;
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(window.isNull());
     EXPECT_EQ(taken(), Events({"frame deleted", "frame deleted"}));
     pane.InvalidateRect(true); // without a window nothing of this has an effect
     pane.SetWindowPos(0, 0, 10, 10);
