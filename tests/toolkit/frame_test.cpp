@@ -140,6 +140,8 @@ TEST(Prompt, GivesBackWhatTheFieldHoldsInItsEncodingUpToTheLimit) {
             row.paste ? field->paste() : QTest::keyClicks(field, QString::fromStdString(row.typed));
             for (const Qt::Key key : row.keys)
                 QTest::keyClick(dialog->focusWidget(), key);
+            EXPECT_LE(static_cast<std::size_t>(field->text().size()), std::max(99UL, row.preset.size()))
+                << row.typed;
             if (dialog->isVisible())
                 QTest::keyClick(dialog->focusWidget(), Qt::Key_Return);
         });
