@@ -43,7 +43,6 @@ private:
             base = key;
             digits = 0;
             end = 2;
-            number = nullptr;
         }
         for (;;) {
             while (number == nullptr || *number >= end)

@@ -370,10 +370,11 @@ def starting(display, work):
     told = unseen("txstart", "--inspect")
     expect(told[0] == 8 and "txstart: No window can be opened" in told[1], told)
     expect(unseen("txstart")[0] == unseen("txinspect")[0] == 8, "no status 8 without a display")
-    told = unseen("txinspect", "--help")
-    expect(told[0] == 0 and "txstart" in told[1], told)
+    for program in "txinspect", "txstart":
+        told = unseen(program, "--help")
+        expect(told[0] == 0 and "txstart" in told[1], told)
     expect("\\x1B" in unseen("txstart", "\x1b")[1], "a control byte reaches the terminal")
-    expect(display.run("txstart", "--add", "Other") == 16 and display.run("txstart", "--help") == 0, "usage")
+    expect(display.run("txstart", "--add", "Other") == 16, "usage")
     shutil.rmtree(work / "config")
     tool = chosen_by_hand(display, place)
     refused("Return", 0)  # the database is held

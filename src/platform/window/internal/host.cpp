@@ -57,7 +57,6 @@ void destroyWindowsIn(const QObject& parent) {
 WindowHost::WindowHost(CWnd& wnd, const WindowClass& windowClass, QWidget* parent, Qt::WindowFlags flags)
     : QWidget(parent, flags), wnd_(&wnd), background_(windowClass.background),
       client_(new ClientArea(*this)) {
-    setFocusPolicy(Qt::NoFocus);
     setAutoFillBackground(true); // the corner between the bars
     auto* const grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
