@@ -118,6 +118,10 @@ class Display:
     def click(self, window, x, y, *more):
         self.xdotool("mousemove", "--window", window, x, y, "click", *more, 1)
 
+    def open_by_click(self, title, *place):
+        """Clicks once more where the window was not ready for it."""
+        return wait("a window '%s'" % title, lambda: self.windows(title) or self.click(*place) or time.sleep(0.5))
+
     def box(self, window):
         told = subprocess.run(["xwininfo", "-id", window], env=self.environment, capture_output=True, text=True).stdout
         return re.findall(r"(?:Absolute upper-left .|Width|Height): +(\d+)", told)
@@ -321,7 +325,7 @@ def chosen_by_hand(display, place):
     display.answer("Home directory", place.home, "Return")
     width, height = map(int, display.box(window)[2:])
     for ending in "Escape", "Return":
-        display.click(window, 40, height - 25)
+        display.open_by_click("Directory of the database", window, 40, height - 25)
         display.answer("Directory of the database", place.database, "Return")
         display.answer("Add a database", "Zoo", ending)
         expect((place.home / "Zoo.dbs").exists() == (ending == "Return"), "added, or not, against the answer")
@@ -435,8 +439,7 @@ def waiting(display, work):
     os.kill(tool, signal.SIGCONT)
     wait("the tool to go", lambda: not running())
     expect(place.check()["problems"] == [], "a reading that was given up kept the lock")
-    time.sleep(0.5)  # by which "Inspect" can be pressed again
-    display.click(start, width - 40, height - 25)
+    display.open_by_click("Database Check- ", start, width - 40, height - 25)
     Tool(display, place.name).leave()
 
 
