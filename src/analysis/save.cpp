@@ -21,6 +21,11 @@ std::string message(const char* form, const TSXdatafile& file, const std::string
 }
 
 void settlefile(TSXdatafile& file, const Change& change) {
+    if (change.kind == Change::making) {
+        file.settlewhole(change.judged);
+        file.list.notemade(change.file);
+        return;
+    }
     foreachfield(change,
                  [&](const KeyField& field) { file.settle(field.record, keyin(field.after.whole())); });
     file.onread = change.judged;
@@ -138,16 +143,16 @@ private:
             troubles.push_back(message(whole ? toform : inform, file, failure.text()));
             return;
         }
-        if (!database.planning && whole && !settlenew(file, change))
+        if (!database.planning && whole && !keepnew(file, change))
             return;
-        if (!database.planning && !whole)
+        if (!database.planning)
             settlefile(file, change);
         database.addchange(std::move(change));
     }
 
     // One beside which a name in other letters has appeared meanwhile would hide that file, and is taken away
     // again.
-    bool settlenew(TSXdatafile& file, const Change& change) {
+    bool keepnew(const TSXdatafile& file, const Change& change) {
         if (const Failure failure = tree.standsAlone(change.file)) {
             troubles.push_back(message(toform, file, failure.text()));
             std::vector<Change> back{deletionof(change.file, {})};
@@ -156,8 +161,6 @@ private:
                 database.committer->commit(back, failures);
             return false;
         }
-        file.settlewhole(change.judged);
-        file.list.notemade(change.file);
         return true;
     }
 

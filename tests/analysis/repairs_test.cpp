@@ -140,6 +140,16 @@ TEST_F(Repairs, AKeyIsChangedWhereNothingIsInTheWay) {
         EXPECT_EQ(database->saveall(), 0);
         EXPECT_EQ(database->committer->groups(), kept) << "what was refused stays in the undo file";
     }
-    diskFaultHook = nullptr;
     EXPECT_TRUE(database->changes.empty()) << "a new file that failed is told as made";
+    links = 0;
+    diskFaultHook = [](DiskOperation kind) {
+        links += kind == DiskOperation::link ? 1 : 0;
+        return kind == DiskOperation::sync && links > 1;
+    };
+    for (int earlier = 0; earlier < 2; ++earlier) {
+        EXPECT_EQ(database->saveall(), 0);
+        EXPECT_TRUE(database->committer->isopen());
+    }
+    diskFaultHook = nullptr;
+    EXPECT_EQ(database->saveall(), 1);
 }

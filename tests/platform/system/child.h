@@ -6,8 +6,6 @@
 
 #include "platform/system/errors.h"
 
-constexpr int notPossibleHere = 77; // the status of a child that this machine does not let do its work
-
 inline std::uint32_t errorOf(bool succeeded) {
     return succeeded ? 0 : GetLastError();
 }
