@@ -119,8 +119,13 @@ class Display:
         self.xdotool("mousemove", "--window", window, x, y, "click", *more, 1)
 
     def open_by_click(self, title, *place):
-        """Clicks once more where the window was not ready for it."""
-        return wait("a window '%s'" % title, lambda: self.windows(title) or self.click(*place) or time.sleep(0.5))
+        """Clicks once more where the window was not ready for it; it may also have gone for the new one."""
+        def opened():
+            if not self.windows(title):
+                self.call("mousemove", "--window", *place, "click", 1)
+                time.sleep(0.5)
+            return self.windows(title)
+        wait("a window '%s'" % title, opened)
 
     def box(self, window):
         told = subprocess.run(["xwininfo", "-id", window], env=self.environment, capture_output=True, text=True).stdout
