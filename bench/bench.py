@@ -89,21 +89,122 @@ def measure_tree(work, label, tree, records, pairs=PAIRS):
     return [(run["load"] + run["analysis"]) / records for run in runs]
 
 
-def instructions(function, *arguments):
-    """What a function of bench_steps and all that it calls take."""
-    done = subprocess.run(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null", f"--toggle-collect={function}",
-                           PROGRAMS / "bench/bench_steps", *map(str, arguments)], check=True, capture_output=True, text=True)
+def fresh(path):
+    subprocess.run(["rm", "-rf", path], check=True)
+    return path
+
+
+def limit(figure, found, goal, unit=""):
+    row(figure, f"{goal:,}{unit}", [found / goal], 1)
+
+
+def instructions(program, *arguments, function=None):
+    """What a program takes, or a function of it with all that it calls."""
+    done = subprocess.run(["valgrind", "--tool=callgrind", "--callgrind-out-file=/dev/null",
+                           *([f"--toggle-collect={function}"] if function else []), PROGRAMS / program, *map(str, arguments)],
+                          capture_output=True, text=True)
     return int(re.search(r"Collected : (\d+)", done.stderr)[1])
+
+
+def used(*arguments):
+    """The seconds of the processor, and the MB of memory at its height, of a run of txcheck."""
+    started = subprocess.Popen([PROGRAMS / "txcheck", *map(str, arguments)], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    taken = os.wait4(started.pid, 0)[2]
+    return taken.ru_utime + taken.ru_stime, taken.ru_maxrss / 1024
+
+
+def calls(*arguments, which="all"):
+    """The system calls of a run of txcheck."""
+    with tempfile.NamedTemporaryFile() as lines:
+        subprocess.run(["strace", "-qq", "-o", lines.name, "-e", f"trace={which}", PROGRAMS / "txcheck", *map(str, arguments)],
+                       stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        return sum(1 for _ in lines)
 
 
 def measure_instructions(work):
     """Of which a busy machine makes no more."""
-    found = instructions("TSXdatabase::readlists(char const*)", "load", work / "shuffled55", work / "keys")
-    row("load, 55,000 shuffled, instructions", "40 million", [found / 40e6], 1)
-    one, many = [instructions("TSXdatabase::readlists(char const*)", "load", sample(work / f"types{types}", "--files", 40,
-                              "--entries", 1000, "--experiments", 40, "--records", 1000, "--types", types), work / "keys")
+    load, tree, keys = "TSXdatabase::readlists(char const*)", work / "shuffled55", 55000
+    limit("load, 55,000 shuffled, instructions", instructions("bench/bench_steps", "load", tree, work / "keys", function=load), 40 * 10**6)
+    one, many = [instructions("bench/bench_steps", "load", sample(work / f"types{types}", "--files", 40, "--entries", 1000,
+                              "--experiments", 40, "--records", 1000, "--types", types), work / "keys", function=load)
                  for types in (1, 40)]
     row("load, 200,000 records with 200 types, instructions", "with 5 types", [many / one], 1.2)
+    plain = instructions("txcheck", "--no-lock", tree)
+    for options, goal in ((["--all"], 2000), (["--json", "--all"], 3000)):
+        limit(f"{' '.join(options)}, instructions a key", (instructions("txcheck", "--no-lock", *options, tree) - plain) / keys, goal)
+    made = instructions("bench/bench_steps", "repairs", work / "empty", 100000, function="TSXdatabase::createkeys()")
+    limit("a key for a blank one, of 100,000, instructions", made / 100000, 1500)
+
+
+def measure_processor(work):
+    """What the processor does for steps that a busy disk disturbs, the least of five."""
+    for style in ("shuffled", "ordered"):
+        found = min(steps("load", work / f"{style}550", work / "keys")["load-processor"] for _ in range(5))
+        limit(f"load, 550,000 {style}, seconds of the processor", found, 0.05)
+
+
+def bare(tree):
+    """A sound tree without a data file."""
+    return sample(fresh(tree), "--files", 0, "--experiments", 0)
+
+
+def damaged(tree, count, name):
+    """The tree with so many damaged files of that name."""
+    for number in range(count):
+        (tree / name.format(number)).write_bytes(b"damaged")
+    return tree
+
+
+def measure_files(work):
+    """What many files, and many problems, take."""
+    def small(files):
+        return sample(fresh(work / f"small{files}"), "--files", files, "--entries", 1, "--experiments", 1)
+
+    limit("system calls for a small file", (calls("--no-lock", small(2000)) - calls("--no-lock", small(1000))) // 1000, 6)
+    side = "seq/S{:05}.CNF"
+    few, many = [used("--no-undo", "--solve-all", "side:1", damaged(bare(work / f"side{count}"), count, side))[0] for count in (400, 4000)]
+    row("--solve-all side:1, 4,000 files, processor", "400 files", [many / few], 12)
+    tree = damaged(sample(fresh(work / "corrupt"), "--files", 550, "--entries", 1000, "--experiments", 0), 500, "DBASE/BAD{:03}.DBS")
+    once = used("--no-lock", tree)[0]
+    limit("--solve-all corrupt:1 with 550,000 records, ms a file", (used("--no-undo", "--solve-all", "corrupt:1", tree)[0] - once) * 2, 5)
+    known, tree = work / "known.list", damaged(bare(work / "known"), 18000, side)
+    limit("memory of a problem, KB", steps("problems", tree, "-")["kilobytes"], 0.3)
+    plain = calls("--no-lock", tree, which="newfstatat")
+    used("--no-lock", "--write-known", known, tree)
+    limit("--known with 18,000 problems, looks at each", (calls("--no-lock", "--known", known, tree, which="newfstatat") - plain) // 18000, 1)
+
+
+def equal(tree, records):
+    """A tree with so many entries of one key."""
+    subprocess.run([PROGRAMS / "bench/bench_steps", "equal", bare(tree), str(records)], check=True)
+    return tree
+
+
+def measure_large(work):
+    """What large reports and large saves take."""
+    tree = equal(work / "equal", 100000)
+    limit("--explain of 100,000 equal keys, looks at each of 100 files",
+          (calls("--no-lock", "--explain", "duplicate:Database", tree, which="newfstatat")
+           - calls("--no-lock", tree, which="newfstatat")) // 100, 1)
+    limit("--all --report, a page of 60 MB, MB", used("--no-lock", "--all", "--quiet", "--report", work / "page.html",
+                                                      work / "shuffled550")[1], 110)
+    tree, undo = equal(work / "equal", 1000000), work / "equal.undo"
+    limit("--preen --save of 1,000,000 keys, MB", used("--no-undo", "--preen", "--save", tree)[1], 300)
+    limit("the same with its undo file, MB", used("--undo", undo, "--preen", "--save", equal(tree, 1000000))[1], 320)
+    limit("its restore, MB", used("--restore", undo, tree)[1], 350)
+    undo.unlink()
+    fresh(tree)
+
+
+def measure_undo_files(work):
+    tree = damaged(bare(work / "undone"), 1, "seq/S{:05}.CNF")
+    plain = instructions("txcheck", tree)
+    used("--solve-all", "side:1", tree)
+    one = next((work / "state").rglob("*.undo"))
+    for number in range(2000):
+        one.with_name(f"20200101-{number:06}.undo").write_bytes(one.read_bytes())
+    row("a check beside 2,000 undo files, instructions", "with none", [instructions("txcheck", tree) / plain], 1.05)
+    fresh(work / "state")
 
 
 def cold(command):
@@ -158,11 +259,6 @@ def measure_repairs(work):
     for step, figure in (("rename", "rename 500,000 duplicates"), ("create", "keys for 500,000 blank ones"),
                          ("add", "entries for 250,000 orphans")):
         row(figure, "a tenth of them", [b[step] / a[step] for a, b in zip(small, large)], 12)
-
-
-def fresh(path):
-    subprocess.run(["rm", "-rf", path], check=True)
-    return path
 
 
 def measure_writing(work):

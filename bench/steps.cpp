@@ -9,10 +9,12 @@
 #include <memory>
 #include <string>
 
+#include <malloc.h>
 #include <sys/resource.h>
 
 #include "model/database.h"
 #include "model/datafile.h"
+#include "model/problem.h"
 #include "reporting/log.h"
 
 namespace {
@@ -112,6 +114,14 @@ void measureSave(const char* path, bool undo) {
     measure("save", [&] { save(database); });
 }
 
+// The entries that all have one key, on the disk.
+void makeEqual(const char* path, int records) {
+    TSXdatabase database("");
+    database.readlists(path);
+    addFiles(database, records, false);
+    save(database);
+}
+
 // Makes new files with a hundred entries each.
 void measureNewFiles(const char* path, int files) {
     TSXdatabase database("");
@@ -123,6 +133,15 @@ void measureNewFiles(const char* path, int files) {
             list.files.back()->addentry(std::to_string(i * 100 + r).c_str());
     }
     measure("make", [&] { save(database); });
+}
+
+// What a problem of the database takes.
+void measureProblems(const char* path) {
+    TSXdatabase database("");
+    database.load(path);
+    const double taken = static_cast<double>(mallinfo2().uordblks), count = database.problemcount;
+    database.clearproblems();
+    std::printf("kilobytes %.6f\n", (taken - static_cast<double>(mallinfo2().uordblks)) / count / 1024);
 }
 
 // The largest database there can be, every key of its own, in memory: what it takes at its height, in GiB.
@@ -165,6 +184,10 @@ bool run(const std::string& step, const char* first, const char* second) {
         measureSave(first, std::strcmp(second, "undo") == 0);
     else if (step == "make")
         measureNewFiles(first, std::atoi(second));
+    else if (step == "problems")
+        measureProblems(first);
+    else if (step == "equal")
+        makeEqual(first, std::atoi(second));
     else if (step == "memory")
         measureMemory(first, std::atoi(second));
     else
@@ -179,6 +202,7 @@ int main(int argc, char** argv) {
         return 0;
     std::fprintf(stderr,
                  "usage: bench_steps load DATABASE KEYFILE | log LINES DIRECTORY | repairs DATABASE N | "
-                 "save DATABASE -|undo | make DATABASE N | memory DATABASE TYPES\n");
+                 "save DATABASE -|undo | make DATABASE N | equal DATABASE N | problems DATABASE - | memory "
+                 "DATABASE TYPES\n");
     return 2;
 }

@@ -141,13 +141,11 @@ void fillUses(std::string& numbers, const TSXkeyentry& entry, int lasttype) {
 }
 
 // How many records there are of each type, in a line of a text.
-std::string countsOf(const TSXdatabase& database, const TSXkeyentry& entry) {
-    std::string counts;
+void fillCounts(std::string& counts, const TSXdatabase& database, const TSXkeyentry& entry) {
     entry.foreachlist([&](std::span<const Occurrence> records) {
-        counts += (counts.empty() ? "" : "  ") + typeName(database, records.front().type) + ':' +
-                  std::to_string(records.size());
+        counts.append(counts.empty() ? "" : "  ").append(typeName(database, records.front().type));
+        counts.append(":").append(std::to_string(records.size()));
     });
-    return counts;
 }
 
 void fillPlaces(std::string& lines, const TSXdatabase& database, const TSXkeyentry& entry) {
@@ -158,13 +156,16 @@ void fillPlaces(std::string& lines, const TSXdatabase& database, const TSXkeyent
 
 void fillKey(Row& row, const TSXdatabase& database, std::size_t n, Form form) {
     const TSXkeyentry& entry = *database.getvisiblekey(static_cast<int>(n) + 1);
-    row.text("key", "", entry.key);
-    if (form == Form::document)
+    if (form == Form::document) {
+        row.text("key", "", entry.key);
         return fillUses(row.numbers("counts"), entry, database.lasttype);
+    }
     row.text("", "Key", shownKey(entry.key), 34);
     const std::string wrong = entry.shown == 1 ? wrongWith(database, entry) : "";
     if (form == Form::text) {
-        row.text("", "Records", countsOf(database, entry) + (wrong.empty() ? "" : "  (" + wrong + ")"));
+        std::string& records = row.text("Records");
+        fillCounts(records, database, entry);
+        records += wrong.empty() ? "" : "  (" + wrong + ")";
         return;
     }
     row.text("", "What is wrong", wrong);

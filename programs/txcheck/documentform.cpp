@@ -1,18 +1,14 @@
 #include "documentform.h"
 
-#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "platform/system/utf8.h"
+#include "reporting/printable.h"
 #include "shown.h"
 
 namespace {
 
-// Whether the bytes stand in JSON as they are; most keys do.
-bool isPlain(std::string_view bytes) {
-    return std::ranges::all_of(
-        bytes, [](char byte) { return byte >= ' ' && byte < 0x7F && byte != '"' && byte != '\\'; });
-}
+constexpr PlainText isPlain("\"\\"); // stands in JSON as it is
 
 void addBytes(std::string& line, std::string_view member, std::string_view bytes) {
     line.append("\"").append(member).append("\":");

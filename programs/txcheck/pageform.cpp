@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <cstring>
 #include <ctime>
 #include <filesystem>
 #include <string_view>
@@ -54,10 +53,7 @@ fieldset { border: 1px solid var(--line); margin: .5em 0; } label { display: inl
 }
 )";
 
-bool isPlain(std::string_view bytes) {
-    return std::ranges::all_of(
-        bytes, [](char byte) { return byte >= ' ' && byte < 0x7F && !std::strchr("&<>\"'\\", byte); });
-}
+constexpr PlainText isPlain("&<>\"'\\");
 
 // Text of this program or of a database: nothing of it ever becomes markup.
 std::string text(std::string_view bytes) {

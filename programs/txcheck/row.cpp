@@ -39,6 +39,10 @@ Row& Row::truth(const char* member, bool value) {
     return *this;
 }
 
+std::string& Row::text(const char* title) {
+    return add("", title, Field::bytes).text;
+}
+
 std::string& Row::lines(const char* title) {
     return add("", title, Field::lines).text;
 }

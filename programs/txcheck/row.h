@@ -35,6 +35,7 @@ public:
     Row& text(const char* member, const char* title, std::string_view bytes, std::size_t width = 0);
     Row& truth(const char* member, bool value); // of the document alone
     // These are filled by the caller.
+    std::string& text(const char* title);
     std::string& lines(const char* title);
     std::string& numbers(const char* member);
     std::vector<Row>& rows(const char* member);

@@ -72,10 +72,5 @@ std::streamsize TextFile::xsputn(const char* bytes, std::streamsize count) {
 }
 
 std::string TextFile::close() {
-    const std::uint32_t reason = text ? 0 : GetLastError();
-    if (stream.close() && reason == 0)
-        return {};
-    if (reason != 0)
-        SetLastError(reason);
-    return failure(name, "The file can't be written");
+    return stream.close() ? std::string() : failure(name, "The file can't be written");
 }

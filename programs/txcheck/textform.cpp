@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -14,102 +15,117 @@ constexpr std::size_t narrowest = 40;
 constexpr std::size_t leastRoom = 10; // behind an indent
 constexpr std::size_t least = 2;      // columns in front of each row
 
-// What standard output is.
-struct Screen {
+constexpr const char* bold = "\x1B[1m";
+
+class TextForm {
+public:
+    explicit TextForm(std::ostream& place);
+    // Printable text behind the first words of a line, in that colour; what does not fit goes on below it.
+    void writeLine(std::string_view first, std::string_view bytes, const char* colour);
+    void writeSection(const Section& section);
+
+private:
+    void addAligned(std::string_view bytes, const Field& field);
+    void writeTitles(const Row& row);
+    void writeRow(const Row& row);
+    void writeBeside();
+
     std::ostream& out;
-    std::size_t width = 0; // 0: as long as a line is
+    std::size_t width = 0; // of the terminal that standard output is; 0: as long as a line is
     bool coloured = false;
+    std::string line;
+    std::string beside; // what stands beside others in one line
 };
 
-Screen screenOf(std::ostream& out) {
+TextForm::TextForm(std::ostream& place) : out(place) {
     if (isatty(STDOUT_FILENO) == 0)
-        return {out};
+        return;
     winsize size = {};
     const bool known = ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
     const char* wish = std::getenv("NO_COLOR");
-    return {out, known ? std::max(narrowest, std::size_t{size.ws_col}) : 80,
-            wish == nullptr || *wish == '\0'};
+    width = known ? std::max(narrowest, std::size_t{size.ws_col}) : 80;
+    coloured = wish == nullptr || *wish == '\0';
 }
 
-// A line of printable text behind its first words, in that colour; what does not fit goes on below the text.
-void writeLine(const Screen& screen, std::string_view first, std::string_view text, const char* colour) {
-    const bool marked = screen.coloured && *colour != '\0';
-    const std::size_t indent = columns(first);
-    screen.out << (marked ? colour : "") << first;
-    if (screen.width == 0)
-        screen.out << text;
-    else
-        screen.out << wrapped(text, std::max(leastRoom, screen.width - std::min(indent, screen.width)),
-                              indent);
-    screen.out << (marked ? "\x1B[0m" : "") << '\n';
+void TextForm::writeLine(std::string_view first, std::string_view bytes, const char* colour) {
+    const bool marked = coloured && *colour != '\0';
+    line = marked ? colour : "";
+    line += first;
+    if (width == 0)
+        addPrintable(line, bytes);
+    else {
+        const std::size_t indent = columns(first);
+        line += wrapped(printable(bytes), std::max(leastRoom, width - std::min(indent, width)), indent);
+    }
+    line += marked ? "\x1B[0m\n" : "\n";
+    out << line;
 }
 
-constexpr const char* bold = "\x1B[1m";
-
-// Adds what stands beside others in one line, numbers to the right of their columns.
-void addAligned(std::string& line, std::string_view text, const Field& field) {
-    const bool right = field.sort == Field::number;
-    const std::size_t used = columns(text);
+// Numbers stand to the right of their columns.
+void TextForm::addAligned(std::string_view bytes, const Field& field) {
+    const std::size_t begin = beside.size();
+    addPrintable(beside, bytes);
+    const std::size_t used = columns(std::string_view(beside).substr(begin));
     const std::size_t blanks = std::max(field.width, used) - used;
-    line.append(right ? blanks : 0, ' ').append(text).append(right ? 2 : blanks + 2, ' ');
+    beside.insert(field.sort == Field::number ? begin : beside.size(), blanks, ' ').append(2, ' ');
 }
 
-void writeBare(const Screen& screen, std::string_view text) {
-    writeLine(screen, "", text.substr(0, text.find_last_not_of(' ') + 1), "");
+void TextForm::writeBeside() {
+    writeLine("", std::string_view(beside).substr(0, beside.find_last_not_of(' ') + 1), "");
 }
 
 // The fields with a width stand in one line; each of the others begins below the first of them.
-void writeRow(const Screen& screen, const Row& row) {
+void TextForm::writeRow(const Row& row) {
     constexpr const char* colours[] = {"", "\x1B[32m", "\x1B[31m"};
-    std::string first(least, ' ');
+    beside.assign(least, ' ');
     bool isFirst = true;
     for (const Field& field : row.fields()) {
         if (*field.title == '\0' || field.text.empty())
             continue;
         if (field.width > 0) {
-            addAligned(first, printable(field.text), field);
+            addAligned(field.text, field);
             continue;
         }
-        eachLine(field, [&](std::string_view line) {
-            writeLine(screen, isFirst ? first : std::string(columns(first), ' '), printable(line),
-                      colours[static_cast<int>(row.mood)]);
-            isFirst = false;
+        eachLine(field, [&](std::string_view text) {
+            if (!std::exchange(isFirst, false))
+                beside.assign(columns(beside), ' ');
+            writeLine(beside, text, colours[static_cast<int>(row.mood)]);
         });
     }
     if (isFirst)
-        writeBare(screen, first);
+        writeBeside();
 }
 
-void writeTitles(const Screen& screen, const Row& row) {
-    std::string line(least, ' ');
+void TextForm::writeTitles(const Row& row) {
+    beside.assign(least, ' ');
     for (const Field& field : row.fields())
         if (*field.title != '\0')
-            addAligned(line, field.title, field);
-    writeBare(screen, line);
+            addAligned(field.title, field);
+    writeBeside();
 }
 
-void writeSection(const Screen& screen, const Section& section) {
+void TextForm::writeSection(const Section& section) {
     Row row;
     for (bool isFirst = true; section.next(row); isFirst = false) {
         if (isFirst) {
-            screen.out << '\n';
-            writeLine(screen, "", printable(section.title), bold);
+            out << '\n';
+            writeLine("", section.title, bold);
         }
         if (isFirst && section.shape == Section::table)
-            writeTitles(screen, row);
-        writeRow(screen, row);
+            writeTitles(row);
+        writeRow(row);
     }
 }
 
 } // namespace
 
 void writeText(std::ostream& out, const std::string& title, const std::vector<Section>& sections) {
-    const Screen screen = screenOf(out);
+    TextForm form(out);
     if (!title.empty())
-        writeLine(screen, "", printable(title), bold);
+        form.writeLine("", title, bold);
     for (const Section& section : sections)
         if (!section.title.empty())
-            writeSection(screen, section);
+            form.writeSection(section);
 }
 
 std::string counted(long count, const char* one, const char* many) {

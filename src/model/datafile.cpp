@@ -66,10 +66,11 @@ bool TSXdatafile::ischangeable(int i) const {
 
 // Asked once, when something of the file is to be changed.
 Failure TSXdatafile::whyclosed() const {
-    File file;
-    if (!closed)
+    if (!closed) {
+        File file;
         closed =
             ondisk == 1 ? database.tree->openToWrite(database.tree->below(path.view()), file) : Failure();
+    }
     return *closed;
 }
 

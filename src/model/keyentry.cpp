@@ -19,9 +19,10 @@ std::span<const Occurrence> TSXkeyentry::list(int t) const {
 void TSXkeyentry::addoccurrence(int t, TSXdatafile& file, int record) {
     if (t < 0 || t > lasttype)
         return;
+    const auto end = list(t).end();
     Occurrence* const larger = file.database.keytree.makerecords(count + 1);
-    Occurrence* const at = std::copy(records().begin(), list(t).end(), larger);
-    std::copy(list(t).end(), records().end(), at + 1);
+    Occurrence* const at = std::copy(records().begin(), end, larger);
+    std::copy(end, records().end(), at + 1);
     *at = {&file, record, t};
     first = larger;
     ++count;

@@ -30,26 +30,23 @@ TSXkeyentry* TSXkeytree::find(std::string_view key) const {
 
 // Insertion by balance factors: on the way back up, as long as the subtree just left has grown in height.
 TSXkeyentry& TSXkeytree::findoradd(std::string_view key) {
-    constexpr std::size_t highest = 64; // more than a balanced tree of all that memory holds
-    Link* way[highest];                 // the links that were passed, and the sides that were gone to
-    int sides[highest];
+    Link* way[64]; // the links that were passed: more than a balanced tree of all that memory holds
+    way[0] = &root;
     std::size_t depth = 0;
-    Link* link = &root;
     added = 0;
-    while (*link != nullptr) {
-        const int order = compareIgnoringCase(key, (*link)->key);
+    for (; *way[depth] != nullptr; ++depth) {
+        TSXkeyentry& entry = **way[depth];
+        const int order = compareIgnoringCase(key, entry.key);
         if (order == 0)
-            return **link;
-        way[depth] = link;
-        sides[depth++] = order < 0 ? -1 : 1;
-        link = order < 0 ? &(*link)->left : &(*link)->right;
+            return entry;
+        way[depth + 1] = order < 0 ? &entry.left : &entry.right;
     }
     added = 1;
     ++size;
     TSXkeyentry& made = *new (allocate<TSXkeyentry>(1)) TSXkeyentry(database, database.keytexts.keep(key));
-    *link = &made;
+    *way[depth] = &made;
     for (bool taller = true; taller && depth > 0; --depth)
-        taller = grow(*way[depth - 1], sides[depth - 1]);
+        taller = grow(*way[depth - 1], way[depth] == &(*way[depth - 1])->left ? -1 : 1);
     return made;
 }
 

@@ -22,10 +22,7 @@ constexpr Range unseen[] = {{0, 0x1F},          {0x7F, 0x9F},      {0xAD, 0xAD},
                             {0xFE00, 0xFE0F},   {0xFEFF, 0xFEFF},  {0xFFA0, 0xFFA0}, {0xFFF0, 0xFFFB},
                             {0x1D173, 0x1D17A}, {0xE0000, 0xE0FFF}};
 
-// Whether each byte is a visible sign of one column, as those of most texts are.
-bool isPlain(std::string_view text) {
-    return std::ranges::all_of(text, [](char byte) { return byte >= ' ' && byte < 0x7F; });
-}
+constexpr PlainText isPlain("");
 
 // Whether a terminal shows the character of that number as a visible sign.
 bool visible(std::uint32_t number) {
@@ -51,10 +48,17 @@ std::size_t width(std::uint32_t number) {
 } // namespace
 
 std::string printable(std::string_view bytes) {
-    constexpr char digits[] = "0123456789ABCDEF";
     std::string text;
-    if (isPlain(bytes))
-        return text.assign(bytes);
+    addPrintable(text, bytes);
+    return text;
+}
+
+void addPrintable(std::string& text, std::string_view bytes) {
+    constexpr char digits[] = "0123456789ABCDEF";
+    if (isPlain(bytes)) {
+        text += bytes;
+        return;
+    }
     while (!bytes.empty()) {
         const Utf8Character character = utf8Character(bytes);
         const bool shown = character.length > 0 && visible(character.number);
@@ -65,7 +69,6 @@ std::string printable(std::string_view bytes) {
             text += {'\\', 'x', digits[byte >> 4], digits[byte & 15]};
         bytes.remove_prefix(shown ? character.length : 1);
     }
-    return text;
 }
 
 std::size_t columns(std::string_view text) {

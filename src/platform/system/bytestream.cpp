@@ -9,8 +9,7 @@
 
 namespace {
 
-constexpr std::int64_t bufferSize = 65536;         // most files are read in one or two pieces
-constexpr std::int64_t largestContent = INT32_MAX; // of a new file, whose offsets are 32-bit numbers
+constexpr std::int64_t bufferSize = 65536; // most files are read in one or two pieces
 
 } // namespace
 
@@ -61,22 +60,31 @@ std::string ByteStream::takeMemory() {
 }
 
 bool ByteStream::close() {
-    const bool good = !writing_ || (!incomplete_ && succeeded(store()));
-    const bool closed = !file_.isOpen() || succeeded(file_.close());
+    const Failure failure = writing_ ? store() : Failure();
+    const Failure closed = file_.isOpen() ? file_.close() : Failure();
     made_.reset();
     writing_ = false;
     buffer_.clear();
-    return good && closed;
+    return succeeded(failure ? failure : closed);
 }
 
-// Writes the whole content, and gives a new file its name.
+// Writes the rest of the content, and gives a new file its name.
 Failure ByteStream::store() {
-    if (made_ == nullptr)
-        return file_.write(0, buffer_);
-    Failure failure = made_->file.write(0, buffer_);
-    failure = failure ? failure : made_->keep(mode_ == OpenMode::create);
+    Failure failure = flush();
+    if (failure || made_ == nullptr)
+        return failure;
+    failure = made_->keep(mode_ == OpenMode::create);
     const Failure closed = made_->file.close();
     return failure ? failure : closed;
+}
+
+// Writes the piece that is held back; another one begins at the position. After a failure nothing goes out.
+Failure ByteStream::flush() {
+    if (!writeFailure_ && !buffer_.empty())
+        writeFailure_ = filled().write(bufferStart_, buffer_);
+    buffer_.clear();
+    bufferStart_ = position_;
+    return writeFailure_;
 }
 
 // Keeps the reason of the first failure to read.
@@ -122,22 +130,15 @@ std::size_t ByteStream::read(void* bytes, std::size_t count) {
     return done;
 }
 
-// Nothing goes out before the close.
 std::size_t ByteStream::write(const void* bytes, std::size_t count) {
-    if (count == 0)
+    const bool apart = static_cast<std::uint64_t>(position_ - bufferStart_) > buffer_.size();
+    const bool full = filled().isOpen() && buffer_.size() >= bufferSize;
+    if (!writing_ || !succeeded(apart || full ? flush() : writeFailure_))
         return 0;
-    constexpr auto largest = static_cast<std::size_t>(largestContent);
-    const auto start = static_cast<std::size_t>(position_);
-    if (writing_ && count <= largest && start <= largest - count) {
-        buffer_.resize(std::max(buffer_.size(), start));
-        buffer_.replace(start, count, static_cast<const char*>(bytes), count);
-        pass(count);
-        return count;
-    }
-    if (writing_)
-        SetLastError(ERROR_DISK_FULL);
-    incomplete_ = true;
-    return 0;
+    const auto at = static_cast<std::size_t>(position_ - bufferStart_);
+    buffer_.replace(at, count, static_cast<const char*>(bytes), count);
+    pass(count);
+    return count;
 }
 
 bool ByteStream::seek(std::int64_t position) {

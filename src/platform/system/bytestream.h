@@ -40,7 +40,7 @@ public:
 
     // The bytes that came, from 0 to count; fewer than asked only at the end of the file or after a failure.
     std::size_t read(void* bytes, std::size_t count);
-    // The bytes that were accepted, from 0 to count.
+    // All bytes, or none after a failure, of which the close tells too.
     std::size_t write(const void* bytes, std::size_t count);
     // Of the open file; that of no file, and a failure of reading, where the disk does not tell.
     FileState state();
@@ -67,18 +67,20 @@ public:
 
 private:
     Failure openToFill(Tree& tree, std::string_view name, Links links);
+    const File& filled() const { return made_ != nullptr ? made_->file : file_; }
     Failure store();
+    Failure flush();
     bool fill();
     bool good(Failure failure);
 
     File file_; // that is read, or emptied to be filled
     std::unique_ptr<NewFile> made_;
     bool writing_ = false;
-    bool incomplete_ = false; // a write was not accepted, so the content must not appear
+    Failure writeFailure_; // the first one: the content must not appear
     OpenMode mode_ = OpenMode::read;
     std::int64_t position_ = 0;
     bool atEnd_ = false;
     std::uint32_t readFailure_ = 0;
-    std::string buffer_;           // reading: a piece of the file; writing: the whole content
-    std::int64_t bufferStart_ = 0; // where in the file the buffer's first byte stands
+    std::string buffer_;           // a piece of the file; without one the whole content
+    std::int64_t bufferStart_ = 0; // where in the file its first byte stands
 };

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <cstdint>
@@ -12,9 +13,14 @@
 #include <vector>
 
 // The byte with an ASCII capital turned into its small letter, and the other way round.
+constexpr auto smallLetters = [] {
+    std::array<unsigned char, 256> table = {};
+    for (unsigned i = 0; i < 256; ++i)
+        table[i] = static_cast<unsigned char>(i >= 'A' && i <= 'Z' ? i + ('a' - 'A') : i);
+    return table;
+}();
 constexpr unsigned char smallLetter(char byte) {
-    const auto value = static_cast<unsigned char>(byte);
-    return value >= 'A' && value <= 'Z' ? static_cast<unsigned char>(value + ('a' - 'A')) : value;
+    return smallLetters[static_cast<unsigned char>(byte)];
 }
 constexpr unsigned char capitalLetter(char byte) {
     const auto value = static_cast<unsigned char>(byte);
@@ -22,7 +28,8 @@ constexpr unsigned char capitalLetter(char byte) {
 }
 
 // Below 0, 0 or above 0 as a stands before, with or behind b. A text that begins another is the smaller.
-template <unsigned char (*letter)(char)> int compareLetters(std::string_view a, std::string_view b) {
+// Inline, so that the walk down the key index has it inside of its loop.
+template <unsigned char (*letter)(char)> inline int compareLetters(std::string_view a, std::string_view b) {
     constexpr std::size_t step = sizeof(std::uint64_t);
     const std::size_t common = std::min(a.size(), b.size());
     const auto difference = [&](std::size_t at) {
@@ -32,15 +39,14 @@ template <unsigned char (*letter)(char)> int compareLetters(std::string_view a, 
         return pieces[0] ^ pieces[1];
     };
     std::size_t i = 0;
-    while (i + step <= common && difference(i) == 0)
-        i += step;
     if (common >= step && std::endian::native == std::endian::little) { // the first byte that differs
-        i = std::min(i, common - step);
+        while (difference(i) == 0 && i < common - step)
+            i = std::min(i + step, common - step);
         i += static_cast<std::size_t>(std::countr_zero(difference(i))) / 8;
     }
     for (; i < common; ++i)
-        if (letter(a[i]) != letter(b[i]))
-            return letter(a[i]) - letter(b[i]);
+        if (const int order = letter(a[i]) - letter(b[i]); order != 0)
+            return order;
     return a.size() == b.size() ? 0 : (a.size() < b.size() ? -1 : 1);
 }
 
