@@ -11,7 +11,6 @@ namespace {
 constexpr PlainText isPlain("\"\\"); // stands in JSON as it is
 
 void addBytes(std::string& line, std::string_view member, std::string_view bytes) {
-    line.append("\"").append(member).append("\":");
     if (isPlain(bytes)) {
         line.append("\"").append(bytes).append("\"");
         return;
@@ -24,9 +23,9 @@ void addBytes(std::string& line, std::string_view member, std::string_view bytes
 void addRow(std::string& line, const Row& row);
 
 void addField(std::string& line, const Field& field) {
+    line.append("\"").append(field.member).append("\":");
     if (field.sort == Field::bytes)
         return addBytes(line, field.member, field.text);
-    line.append("\"").append(field.member).append("\":");
     if (field.sort == Field::number) {
         line += field.text;
         return;

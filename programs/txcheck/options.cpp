@@ -78,6 +78,26 @@ struct Words {
     bool noProgress = false;
 };
 
+struct Step {
+    const char* name;
+    std::vector<std::string> Words::*given;
+    const char* form;
+    int words;
+    const char* help;
+};
+constexpr Step steps[] = {
+    {solveOption, &Words::solve, "WHAT:N", 1,
+     "Apply solution N of the problem WHAT: its row in the list that a plain check prints, or "
+     "its id; may be repeated"},
+    {solveAllOption, &Words::solveAll, "KIND:N", 1,
+     "The same for all problems of a kind, by its number or word"},
+    {changeKeyOption, &Words::changeKey, "KEY TYPE N NEW", 4,
+     "Give occurrence N of KEY in experiment type TYPE the key NEW; refused where NEW is in "
+     "use there. A key is given as it is, or as hex: and its bytes in hex"},
+    {renameOption, &Words::rename, "KEY NEW", 2,
+     "Give every record that uses KEY the key NEW; refused where NEW is in use"},
+};
+
 [[noreturn]] void refuse(const char* option, const std::string& text) {
     throw CLI::ValidationError(option, text);
 }
@@ -179,31 +199,13 @@ void describe(CLI::App& app, Options& options, Words& words) {
     app.add_option("DIRECTORY", options.directories,
                    "The database directories; without one, the current database of the per-user settings")
         ->type_name("");
-    for (const Value& value : values) {
-        CLI::Option* option = app.add_option(value.names, options.*value.given, value.help);
-        if (*value.form != '\0')
-            option->type_name(value.form);
-    }
-    app.add_option(solveOption, words.solve,
-                   "Apply solution N of the problem WHAT: its row in the list that a plain check prints, or "
-                   "its id; may be repeated")
-        ->type_name("WHAT:N")
-        ->allow_extra_args(false);
-    app.add_option(solveAllOption, words.solveAll,
-                   "The same for all problems of a kind, by its number or word")
-        ->type_name("KIND:N")
-        ->allow_extra_args(false);
-    app.add_option(changeKeyOption, words.changeKey,
-                   "Give occurrence N of KEY in experiment type TYPE the key NEW; refused where NEW is in "
-                   "use there. A key is given as it is, or as hex: and its bytes in hex")
-        ->type_name("KEY TYPE N NEW")
-        ->type_size(4) // all four are taken as they stand, also where they look like options
-        ->allow_extra_args(false);
-    app.add_option(renameOption, words.rename,
-                   "Give every record that uses KEY the key NEW; refused where NEW is in use")
-        ->type_name("KEY NEW")
-        ->type_size(2)
-        ->allow_extra_args(false);
+    for (const Value& value : values)
+        app.add_option(value.names, options.*value.given, value.help)->type_name(value.form);
+    for (const Step& step : steps) // all words are taken as they stand, also where they look like options
+        app.add_option(step.name, words.*step.given, step.help)
+            ->type_name(step.form)
+            ->type_size(step.words)
+            ->allow_extra_args(false);
     for (const Flag& flag : flags)
         app.add_flag(flag.names, options.*flag.given, flag.help);
     app.add_flag("--progress", words.progress, "Tell the progress; default: only on a terminal");

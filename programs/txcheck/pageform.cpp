@@ -57,27 +57,16 @@ constexpr PlainText isPlain("&<>\"'\\");
 
 // Text of this program or of a database: nothing of it ever becomes markup.
 std::string text(std::string_view bytes) {
+    using Entity = std::pair<char, const char*>;
+    constexpr Entity entities[] = {
+        {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}, {'\'', "&#39;"}};
     std::string escaped;
     for (const char byte : printable(shown(bytes)))
-        switch (byte) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        case '\'':
-            escaped += "&#39;";
-            break;
-        default:
+        if (const auto* entity = std::ranges::find(entities, byte, &Entity::first);
+            entity != std::end(entities))
+            escaped += entity->second;
+        else
             escaped += byte;
-        }
     return escaped;
 }
 

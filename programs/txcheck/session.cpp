@@ -34,12 +34,6 @@ Session::~Session() {
         CloseHandle(marker);
 }
 
-bool Session::refuse(const std::string& text) {
-    tell(text);
-    steps.failed = true;
-    return false;
-}
-
 int Session::answer(const char* text, const char* title, std::uint32_t flags) {
     std::istringstream lines(std::string(title) + ": " + text);
     std::string first;
@@ -56,10 +50,10 @@ int Session::answer(const char* text, const char* title, std::uint32_t flags) {
 bool Session::open(const std::string& directory) {
     if (const std::string failure = options.known ? known.read(*options.known, directory) : "";
         !failure.empty())
-        return refuse(failure);
+        return steps.refuse(failure);
     const Marker wish = options.noLock ? Marker::left : options.plan ? Marker::present : Marker::made;
     if (const std::string failure = takeHold(*database.tree, directory, wish, marker); !failure.empty())
-        return refuse(failure);
+        return steps.refuse(failure);
     if (!finishEarlier())
         return false;
     if (hasConnectedDatabase(*database.tree))
@@ -83,7 +77,7 @@ bool Session::finishEarlier() {
     for (const std::string& text : earlier.texts)
         tell(text);
     steps.failed = steps.failed || earlier.outcome == Finished::left;
-    return earlier.outcome != Finished::busy || refuse("The database is left alone");
+    return earlier.outcome != Finished::busy || steps.refuse("The database is left alone");
 }
 
 CommitOptions Session::commitOptions() {
@@ -122,9 +116,9 @@ void Session::restoreFrom(const std::string& undoFile) {
             database.tree,
             {.undofile = undoFile, .yes = options.yes, .plan = options.plan, .commit = commitOptions()});
     for (const std::string& text : result.left)
-        refuse(text);
+        steps.refuse(text);
     if (!result.refused.empty())
-        refuse(result.refused);
+        steps.refuse(result.refused);
     steps.failed = steps.failed || result.open;
     if (const std::string later = result.left.empty() ? "" : laterUndoFile(undoFile); !later.empty())
         tell("Another change was made after that one: restore " + later + " first");
@@ -177,7 +171,7 @@ void Session::findExplained() {
         if (what == idOf(thing))
             explainedUnread = &thing;
     if (explained == 0 && explainedUnread == nullptr)
-        refuse("--explain " + what + ": there is no such problem");
+        steps.refuse("--explain " + what + ": there is no such problem");
 }
 
 // Of all databases so far, so that the file is whole whenever the work ends.
@@ -194,7 +188,7 @@ void Session::writeKnown() {
         failure = file.close();
     }
     if (!failure.empty())
-        refuse(failure);
+        steps.refuse(failure);
 }
 
 void Session::writePage() {
@@ -202,7 +196,7 @@ void Session::writePage() {
     if (failure.empty() && !together.several)
         failure = together.page.end({});
     if (!failure.empty())
-        refuse(failure);
+        steps.refuse(failure);
 }
 
 bool Session::save() {

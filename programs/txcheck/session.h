@@ -70,7 +70,6 @@ private:
     void findExplained();
     void writeKnown();
     void writePage();
-    bool refuse(const std::string& text);
 
     const Options& options;
     Together& together;

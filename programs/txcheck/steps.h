@@ -29,6 +29,7 @@ public:
     // Takes the steps, behind a load; the save, which is given, is the last. A step that fails ends the work,
     // and those that are left out are told.
     void run(const std::function<bool()>& save);
+    bool refuse(const std::string& text); // tells what could not be done; false
 
     std::vector<SolvedStep> solved;
     bool found = false;  // the load found a problem that is not accepted
@@ -61,7 +62,6 @@ private:
     bool changeKey(const ChangeKeyStep& step);
     bool rename(const RenameStep& step);
     bool finishChange(int result);
-    bool refuse(const std::string& text);
     void analyse();
     bool goesOn();
 

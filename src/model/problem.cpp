@@ -221,6 +221,7 @@ TSXproblem::TSXproblem(TSXdatabase& owner, int problemkind, int problemsubkind, 
     message = facts().message(*this);
     if (message.empty())
         message = "Unknown error";
+    message.shrink_to_fit(); // there may be very many problems
 }
 
 int TSXproblem::solutioncount() const {
