@@ -81,7 +81,7 @@ Failure ByteStream::store() {
 // Writes the piece that is held back; another one begins at the position. After a failure nothing goes out.
 Failure ByteStream::flush() {
     if (!writeFailure_ && !buffer_.empty())
-        writeFailure_ = filled().write(bufferStart_, buffer_);
+        writeFailure_ = (made_ ? made_->file : file_).write(bufferStart_, buffer_);
     buffer_.clear();
     bufferStart_ = position_;
     return writeFailure_;
@@ -132,7 +132,7 @@ std::size_t ByteStream::read(void* bytes, std::size_t count) {
 
 std::size_t ByteStream::write(const void* bytes, std::size_t count) {
     const bool apart = static_cast<std::uint64_t>(position_ - bufferStart_) > buffer_.size();
-    const bool full = filled().isOpen() && buffer_.size() >= bufferSize;
+    const bool full = (made_ || file_.isOpen()) && buffer_.size() >= bufferSize;
     if (!writing_ || !succeeded(apart || full ? flush() : writeFailure_))
         return 0;
     const auto at = static_cast<std::size_t>(position_ - bufferStart_);

@@ -67,7 +67,6 @@ public:
 
 private:
     Failure openToFill(Tree& tree, std::string_view name, Links links);
-    const File& filled() const { return made_ != nullptr ? made_->file : file_; }
     Failure store();
     Failure flush();
     bool fill();
