@@ -142,7 +142,26 @@ TEST_F(ByteStreamTest, ADiskFullAtCloseLeavesNoFile) {
     const SizeLimit limit(1000);
     for (const char* name : {"new", "old"})
         EXPECT_EQ(make(name, std::string(2000, 'x')), 112);
+    ASSERT_TRUE(open("large", OpenMode::write));
+    EXPECT_TRUE(writeText(stream, patterned(100000)));
+    EXPECT_FALSE(writeText(stream, "x")) << "behind what was written meanwhile";
+    EXPECT_EQ(errorOf(stream.close()), 112);
     EXPECT_EQ(listTree(directory.path()), std::vector<std::string>{"old"});
+}
+
+TEST_F(ByteStreamTest, WritesAtRandomPlacesGiveWhatATextInMemoryDoes) {
+    std::mt19937 numbers(1);
+    std::string model;
+    ASSERT_TRUE(open("file", OpenMode::write));
+    for (int step = 0; step < 500; ++step) {
+        const std::string text = patterned(1 + numbers() % 3000);
+        const std::size_t position = step % 3 == 0 ? numbers() % 300000 : model.size();
+        model.resize(std::max(model.size(), position));
+        model.replace(position, text.size(), text);
+        ASSERT_TRUE(stream.seek(static_cast<std::int64_t>(position)) && writeText(stream, text));
+    }
+    EXPECT_TRUE(stream.close());
+    EXPECT_EQ(readFile(directory / "file"), model);
 }
 
 // What is refused to a stream is refused to a hold as well.
