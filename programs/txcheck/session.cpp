@@ -1,5 +1,6 @@
 #include "session.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <optional>
 #include <sstream>
@@ -12,11 +13,62 @@
 #include "model/marker.h"
 #include "model/problem.h"
 #include "pageform.h"
+#include "platform/system/errors.h"
 #include "platform/system/messagebox.h"
 #include "reporting/log.h"
 #include "reporting/notify.h"
 #include "textfile.h"
 #include "told.h"
+
+namespace {
+
+// A text of several lines, as a message box shows it.
+std::string inOneLine(std::string text) {
+    for (std::size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at)) {
+        const std::size_t end = std::min(text.find_first_not_of('\n', at), text.size());
+        text.replace(at, end - at, end - at == 1 ? ". " : " ");
+    }
+    return text;
+}
+
+// Why no database can be checked under that path; empty where one can. What lies below a directory that can't
+// be read is unknown as a whole.
+std::string obstacle(Tree& tree, const std::string& directory) {
+    constexpr std::size_t longest = decltype(TSXdatabase::directory)::capacity() - 1;
+    if (directory.empty())
+        return "The path of the database directory is empty";
+    if (directory.size() > longest)
+        return "The path of the database directory is too long: it has at most " + std::to_string(longest) +
+               " bytes";
+    std::vector<std::string> names;
+    Failure failure = tree.open(directory);
+    if (!failure)
+        failure = tree.names(".", names);
+    if (failure)
+        return directory + ": Unable to read the database directory (Error code " +
+               std::to_string(failure.number) + ": " + failure.text() +
+               "). Give one that is there and that you may read";
+    return isDatabase(tree) ? std::string() : noDatabaseText(directory.c_str());
+}
+
+// Makes sure that a database is there and can be read, opens the tree and takes hold of it by the marker.
+// Empty on success, else why it can't be done; nothing has been touched then. A plan makes no marker.
+std::string takeHold(Tree& tree, const std::string& directory, const Options& options, HANDLE& marker) {
+    if (std::string text = obstacle(tree, directory); !text.empty())
+        return text;
+    Entry there;
+    const bool missing = options.plan && !tree.look(markerName, Links::unfollowed, there) &&
+                         there.state.kind == FileState::missing;
+    if (options.noLock || missing)
+        return {};
+    marker = openMarker(tree);
+    if (marker != INVALID_HANDLE_VALUE)
+        return {};
+    const std::string advice = lockAdvice(directory.c_str());
+    return directory + "/" + markerName + ": " + inOneLine(lockFailureText() + advice);
+}
+
+} // namespace
 
 Session::Session(const Options& given, Together& with, std::string name)
     : database(""), label(std::move(name)), steps(database, given, known), options(given), together(with) {
@@ -51,8 +103,7 @@ bool Session::open(const std::string& directory) {
     if (const std::string failure = options.known ? known.read(*options.known, directory) : "";
         !failure.empty())
         return steps.refuse(failure);
-    const Marker wish = options.noLock ? Marker::left : options.plan ? Marker::present : Marker::made;
-    if (const std::string failure = takeHold(*database.tree, directory, wish, marker); !failure.empty())
+    if (const std::string failure = takeHold(*database.tree, directory, options, marker); !failure.empty())
         return steps.refuse(failure);
     if (!finishEarlier())
         return false;

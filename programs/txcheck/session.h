@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "changes/finish.h"
-#include "hold.h"
 #include "known.h"
 #include "model/database.h"
 #include "options.h"
+#include "platform/system/hold.h"
 #include "steps.h"
 
 class PageForm;
