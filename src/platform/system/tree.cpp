@@ -336,7 +336,7 @@ Failure Tree::openEntry(std::string_view name, File& file, Links links) {
     if (!spot.outside.empty())
         return {ERROR_ACCESS_DENIED};
     if (spot.name.empty())
-        return openAt(spot, ".", O_RDONLY, file);
+        return meanwhile(openAt(spot, ".", O_RDONLY, file));
     const bool readable = S_ISREG(spot.found.st_mode) || S_ISDIR(spot.found.st_mode);
     return spot.isThere() ? meanwhile(openAt(spot, spot.name.c_str(), readable ? O_RDONLY : O_PATH, file))
                           : Failure{ERROR_FILE_NOT_FOUND};
