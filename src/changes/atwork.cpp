@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <ctime>
 #include <map>
 #include <sstream>
 
 #include "changes/content.h"
+#include "changes/undodirectory.h"
 #include "platform/system/hold.h"
 #include "platform/system/person.h"
 
@@ -57,12 +57,7 @@ bool decode(const std::string& text, ChangeAtWork& change) {
 } // namespace
 
 std::string ChangeAtWork::who() const {
-    const std::time_t moment = time;
-    std::tm parts = {};
-    char text[40] = {};
-    if (localtime_r(&moment, &parts) != nullptr)
-        std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", &parts);
-    return "by " + user + " at " + text + " on " + host + " in " + directory;
+    return "by " + user + " at " + timetext(time).substr(0, 16) + " on " + host + " in " + directory;
 }
 
 Failure AtWork::begin(Tree& tree, const ChangeAtWork& change) {

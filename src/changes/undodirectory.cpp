@@ -31,6 +31,15 @@ bool isOld(std::int64_t time) {
     return time + keptSeconds < std::time(nullptr);
 }
 
+// The names of the undo files in it, and of the links to those that stand elsewhere, the oldest first.
+std::vector<std::string> undonames(Tree& directory) {
+    std::vector<std::string> names;
+    if (directory.names(".", names))
+        names.clear();
+    std::erase_if(names, [](const std::string& name) { return !isUndoName(name); });
+    return names; // whose order is that of time
+}
+
 // An undo file elsewhere may only be on a medium that is away, and be that of an interrupted run.
 bool leadsNowhere(Tree& directory, const std::string& name) {
     Entry entry;
@@ -107,14 +116,6 @@ Failure openundodirectory(Tree& directory, bool make) {
     Failure failure = make ? makePrivateDirectories(path) : Failure();
     failure = failure ? failure : directory.open(path);
     return failure ? failure : standsitself(directory, path);
-}
-
-std::vector<std::string> undonames(Tree& directory) {
-    std::vector<std::string> names;
-    if (directory.names(".", names))
-        names.clear();
-    std::erase_if(names, [](const std::string& name) { return !isUndoName(name); });
-    return names; // whose order is that of time
 }
 
 std::string newundoname(Tree& directory, std::int64_t now, int number) {

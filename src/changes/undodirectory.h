@@ -12,8 +12,6 @@ std::string undodirectory();
 // Opens it; makes it first where that is wanted, for the user alone.
 Failure openundodirectory(Tree& directory, bool make);
 
-// The names of the undo files in it, and of the links to those that stand elsewhere, the oldest first.
-std::vector<std::string> undonames(Tree& directory);
 // A name that stands behind all others, whatever the clock says.
 std::string newundoname(Tree& directory, std::int64_t now, int number);
 // Removes those that are finished and older than 30 days, but for the last ten of each database, and links to

@@ -17,6 +17,7 @@ struct Tree::Inside {
     Failure find(DiskOperation operation, std::string_view name, Spot& spot);
     Failure findToChange(DiskOperation operation, std::string_view name, Spot& spot);
     Failure findToRemove(std::string_view name, const FileState& judged, Spot& spot);
+    Failure findMissing(DiskOperation operation, std::string_view name, Spot& spot);
     Failure findFree(DiskOperation operation, std::string_view name, Spot& spot);
 
     std::string path;
@@ -166,15 +167,21 @@ Failure Tree::Inside::findToRemove(std::string_view name, const FileState& judge
     return {stateFrom(spot.found) == judged ? ERROR_SUCCESS : ERROR_FILE_INVALID};
 }
 
-// A spot at which nothing has that very name yet.
-Failure Tree::Inside::findFree(DiskOperation operation, std::string_view name, Spot& spot) {
+// A spot at which nothing stands yet, whatever the letters of its name.
+Failure Tree::Inside::findMissing(DiskOperation operation, std::string_view name, Spot& spot) {
     const Failure failure = findToChange(operation, name, spot);
     if (failure.number == ERROR_FILE_NOT_FOUND)
         return {};
-    if (failure)
+    return failure ? failure : Failure{ERROR_ALREADY_EXISTS};
+}
+
+// One at which nothing has that very name yet.
+Failure Tree::Inside::findFree(DiskOperation operation, std::string_view name, Spot& spot) {
+    Failure failure = findMissing(operation, name, spot);
+    if (failure.number != ERROR_ALREADY_EXISTS)
         return failure;
-    const Failure again = ways.lookUp(spot, lastComponent(name));
-    return again || !spot.isThere() ? again : Failure{ERROR_ALREADY_EXISTS};
+    failure = ways.lookUp(spot, lastComponent(name));
+    return failure || !spot.isThere() ? failure : Failure{ERROR_ALREADY_EXISTS};
 }
 
 Tree::Tree() : inside_(std::make_unique<Inside>()) {}
@@ -421,9 +428,8 @@ void Tree::removeTemporaries(std::uint64_t number) {
 // What another has put in its place meanwhile is given to nobody.
 Failure Tree::makeDirectory(std::string_view name) {
     Spot spot;
-    const Failure failure = inside_->findToChange(DiskOperation::makeDirectory, name, spot);
-    if (failure.number != ERROR_FILE_NOT_FOUND)
-        return failure ? failure : Failure{ERROR_ALREADY_EXISTS};
+    if (const Failure failure = inside_->findMissing(DiskOperation::makeDirectory, name, spot))
+        return failure;
     const Share share(spot.directory());
     const int result = mkdirat(spot.directory().descriptor, spot.name.c_str(), share.byList ? 0777 : 0700);
     if (const Failure unmade = named(spot, result, true))
@@ -494,9 +500,7 @@ Failure Tree::mayChangeDirectoryOf(std::string_view name) {
 Failure Tree::planRemoval(std::string_view name, const FileState& judged) {
     Spot spot;
     Failure failure = inside_->findToRemove(name, judged, spot);
-    if (failure)
-        return failure;
-    failure = mayChangeDirectoryOf(name);
+    failure = failure ? failure : mayChangeDirectoryOf(name);
     if (!failure)
         inside_->ways.plan(spot, false);
     return failure;
@@ -504,10 +508,8 @@ Failure Tree::planRemoval(std::string_view name, const FileState& judged) {
 
 Failure Tree::planDirectory(std::string_view name) {
     Spot spot;
-    Failure failure = inside_->findToChange(DiskOperation::makeDirectory, name, spot);
-    if (failure.number != ERROR_FILE_NOT_FOUND)
-        return failure ? failure : Failure{ERROR_ALREADY_EXISTS};
-    failure = mayChangeDirectoryOf(name);
+    Failure failure = inside_->findMissing(DiskOperation::makeDirectory, name, spot);
+    failure = failure ? failure : mayChangeDirectoryOf(name);
     if (!failure)
         inside_->ways.plan(spot, true);
     return failure;
