@@ -46,7 +46,8 @@ Sentence problemsLeft(const Session& session, bool failed) {
     return {known ? "Nothing is wrong but what is known." : "Nothing is wrong.", Mood::good};
 }
 
-// ", 1 file not readable, 3 records not readable": of a file that was read but for some records, these are told.
+// ", 1 file not readable, 3 records not readable": of a file that was read but for some records, these are
+// told.
 std::string notReadable(const Session& session) {
     std::set<std::string> files;
     int records = 0;

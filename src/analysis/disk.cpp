@@ -20,7 +20,7 @@ constexpr const char* repeat = "Remove the cause, and repeat the solution.";
 struct Target {
     std::string path;
     bool directory = false;
-    FileState known = {}; // as it was when it was looked at; of no file where that is not known
+    FileStamp known = {}; // as it was when it was looked at; of no file where that is not known
     bool unread = false;
     int fileclass = -1; // of a data file, with its position in the list
     int position = 0;

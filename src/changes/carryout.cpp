@@ -317,7 +317,7 @@ std::string draftkeys(Tree& tree, const FileState& onread, const std::vector<New
     return failure ? failure.text() : "";
 }
 
-Failure draftdeletion(Tree& tree, const FileState& known, Change& change) {
+Failure draftdeletion(Tree& tree, const FileStamp& known, Change& change) {
     Entry entry, target;
     Failure failure = tree.look(change.file, Links::unfollowed, entry);
     const bool link = entry.state.kind == FileState::symbolic;

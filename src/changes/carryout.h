@@ -43,4 +43,4 @@ std::string draftkeys(Tree& tree, const FileState& onread, const std::vector<New
 
 // Fills in what stands there now of an entry that is to go: 2 where it has gone, ERROR_FILE_INVALID where it,
 // or the file that a link leads to, was changed since it was known; that of no file is not compared.
-Failure draftdeletion(Tree& tree, const FileState& known, Change& change);
+Failure draftdeletion(Tree& tree, const FileStamp& known, Change& change);

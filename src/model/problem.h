@@ -107,7 +107,7 @@ public:
     std::string message; // made by the constructor
     TSXdatabase& database;
     std::int32_t fileindex = 0; // position in its file list; set for kind 6 only
-    FileState looked;           // of a side file when it was looked at
+    FileStamp looked;           // of a side file when it was looked at
 
 private:
     mutable std::string knownid; // empty until it is asked for

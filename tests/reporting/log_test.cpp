@@ -1,7 +1,6 @@
 #include "reporting/log.h"
 
 #include "databasetest.h"
-#include "model/marker.h"
 #include "platform/system/errors.h"
 #include "platform/system/faults.h"
 
@@ -44,17 +43,4 @@ TEST_F(Log, TakesLinesAsTheyStandAndBeginsAnew) {
     reports.clear();
     EXPECT_EQ(startLog(1, (root / "missing").c_str()), 0);
     EXPECT_EQ(reports, Texts{"Error 16: Could not create log file in " + (root / "missing")});
-}
-
-TEST_F(Log, MarkerAdvisesWhoCannotHaveADatabase) {
-    for (const auto& [number, advice] : {std::pair(19u, ". A database on a medium"),
-                                         {50u, ". A database on a medium"},
-                                         {3u, ""},
-                                         {32u, ""}}) {
-        SetLastError(number);
-        const std::string text = lockAdvice("db"), lock = "\n\nThe lock is the file 'db/open_db.txf'";
-        EXPECT_EQ(text.substr(0, (lock + advice).size()), number == 32 ? "" : lock + advice);
-    }
-    SetLastError(9999);
-    EXPECT_EQ(lockFailureText(), "Unable to open the database\n\n(Error code 9999: )");
 }

@@ -113,9 +113,13 @@ Moment momentOf(const timespec& time) {
 } // namespace
 
 FileState stateFrom(const struct stat& found) {
-    return {kindOf(found.st_mode), found.st_mode & 07777,        found.st_uid,
-            found.st_gid,          {found.st_dev, found.st_ino}, found.st_nlink,
-            found.st_size,         momentOf(found.st_atim),      momentOf(found.st_mtim)};
+    return {{{found.st_dev, found.st_ino}, found.st_size, momentOf(found.st_mtim)},
+            kindOf(found.st_mode),
+            found.st_mode & 07777,
+            found.st_uid,
+            found.st_gid,
+            found.st_nlink,
+            momentOf(found.st_atim)};
 }
 
 File::~File() {

@@ -20,28 +20,32 @@ struct Moment {
     bool operator==(const Moment&) const = default;
 };
 
-struct FileState {
+// Which file it is, and whether another program has written it.
+struct FileStamp {
+    FileIdentity identity;
+    std::int64_t size = 0;
+    Moment changed;
+
+    // Whether nothing shows that it was written meanwhile. The number of a file is not asked: some file
+    // systems of other machines give it another one while a program runs.
+    bool isUnchanged(const FileStamp& before) const {
+        return size == before.size && changed == before.changed;
+    }
+    // Whether it is the same file too.
+    bool operator==(const FileStamp& before) const {
+        return identity == before.identity && isUnchanged(before);
+    }
+};
+
+struct FileState : FileStamp {
     enum Kind : std::uint8_t { missing, plain, directory, symbolic, other };
 
     Kind kind = missing;
     std::uint32_t permissions = 0; // the twelve bits
     std::uint32_t owner = 0;
     std::uint32_t group = 0;
-    FileIdentity identity;
     std::uint64_t names = 0; // hard links
-    std::int64_t size = 0;
     Moment read;
-    Moment changed;
-
-    // Whether nothing shows that it was written meanwhile. The number of a file is not asked: some file
-    // systems of other machines give it another one while a program runs.
-    bool isUnchanged(const FileState& before) const {
-        return size == before.size && changed == before.changed;
-    }
-    // Whether it is the same file too.
-    bool operator==(const FileState& before) const {
-        return identity == before.identity && isUnchanged(before);
-    }
 };
 
 // An extended attribute.

@@ -161,37 +161,3 @@ TEST_F(ByteStreamTest, WritesAtRandomPlacesGiveWhatATextInMemoryDoes) {
     EXPECT_TRUE(stream.close());
     EXPECT_EQ(readFile(directory / "file"), model);
 }
-
-// What is refused to a stream is refused to a hold as well.
-TEST_F(ByteStreamTest, OnlyPlainFilesOpenAndNothingElseIsTouched) {
-    const auto in = [&](const std::string& name) { return directory / name; };
-    fs::create_directory(in("directory"));
-    writeFile(in("plain"), "");
-    fs::create_symlink("nowhere", in("dangling"));
-    fs::create_symlink("round", in("round"));
-    ASSERT_EQ(mkfifo(in("pipe").c_str(), 0666), 0);
-    const auto tree = listTree(directory.path());
-    const struct {
-        std::string path;
-        std::uint32_t error;
-    } cases[] = {
-        {in("directory"), 5},  {in("pipe"), 5},
-        {"/dev/null", 5},      {in("dangling"), 1921},
-        {in("round"), 1921},   {in("missing/file"), 3},
-        {in("plain/file"), 3}, {in(std::string(300, 'n')), 206},
-    };
-    for (const auto& c : cases) {
-        for (const OpenMode mode : {OpenMode::read, OpenMode::write})
-            EXPECT_EQ(errorOf(stream.open(c.path.c_str(), mode)), c.error)
-                << c.path << " in mode " << static_cast<int>(mode);
-        Tree place;
-        std::string name;
-        const bool held = succeeded(place.openDirectoryOf(c.path, name)) &&
-                          CreateFileA(place, name) != INVALID_HANDLE_VALUE;
-        EXPECT_EQ(errorOf(held), c.error) << c.path;
-    }
-    EXPECT_EQ(errorOf(open("missing", OpenMode::read)), 2);
-    EXPECT_FALSE(stream.open("", OpenMode::write));
-    EXPECT_FALSE(open("missing/", OpenMode::write));
-    EXPECT_EQ(listTree(directory.path()), tree);
-}
