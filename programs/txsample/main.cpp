@@ -130,13 +130,12 @@ int main(int argc, char** argv) {
     openStandardStreams();
     SampleOptions options;
     int status = sampleMade;
-    if (!parseOptions(argc, argv, options, status))
-        return status;
     try {
-        printResult(options, makeSample(options));
-    } catch (const std::runtime_error& failure) {
+        if (parseOptions(argc, argv, options, status))
+            printResult(options, makeSample(options));
+    } catch (const std::exception& failure) {
         std::cerr << "txsample: " << printable(failure.what()) << std::endl;
-        return couldNotWork;
+        status = couldNotWork;
     }
-    return sampleMade;
+    return status;
 }

@@ -114,7 +114,7 @@ std::string prepare(const filesystem::path& directory) {
     failon(error, "read the directory", directory);
     if (!empty)
         throw std::runtime_error("the directory '" + directory.string() + "' is not empty");
-    const std::string root = filesystem::canonical(directory, error).string();
+    std::string root = filesystem::canonical(directory, error).string();
     failon(error, "find the directory", directory);
     return root;
 }
