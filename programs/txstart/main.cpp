@@ -96,10 +96,7 @@ int showWindow(int argc, char** argv) {
     return QApplication::exec();
 }
 
-} // namespace
-
-int main(int argc, char** argv) {
-    openStandardStreams();
+int run(int argc, char** argv) {
     int status = statusDone;
     const std::optional<Options> options = parseOptions(argc, argv, status);
     if (!options)
@@ -111,4 +108,16 @@ int main(int argc, char** argv) {
         return statusDone;
     std::fprintf(stderr, "txstart: %s\n", printable(reason).c_str());
     return statusFailed;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    openStandardStreams();
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& failure) {
+        std::fprintf(stderr, "txstart: %s\n", failure.what());
+        return statusFailed;
+    }
 }
