@@ -34,7 +34,7 @@ constexpr const char* about =
 
 void addOptions(CLI::App& app, Options& options) {
     app.set_help_flag("--help", "Print this help and leave");
-    app.set_version_flag("--version", "txstart " TX_VERSION);
+    app.set_version_flag("--version", "txstart " TX_VERSION, "Print the version and leave");
     app.add_option("--home", options.home,
                    "Make this the home directory, which holds the settings of all databases and\nthe log")
         ->type_name("DIR");
