@@ -376,12 +376,6 @@ int fcntl(int file, int request, ...) {
     return locks && fails(counts("fcntl", file, NULL)) ? -1 : REAL(fcntl)(file, request, argument);
 }
 
-int clock_gettime(clockid_t clock, struct timespec* now) {
-    const int result = REAL(clock_gettime)(clock, now);
-    now->tv_sec += clock == CLOCK_REALTIME ? later : 0;
-    return result;
-}
-
 time_t time(time_t* now) {
     const time_t moment = REAL(time)(NULL) + later;
     if (now != NULL)
