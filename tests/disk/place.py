@@ -58,6 +58,7 @@ def arguments(*rows):
 class Place:
     """A database, a state directory and a home below one directory."""
     programs = libraries = None
+    runtime = tempfile.TemporaryDirectory()  # of the person alone, else Qt makes its own, which stays
 
     def __init__(self, root):
         self.root = str(root)
@@ -67,7 +68,7 @@ class Place:
     def run(self, program, *words, calls=None, user=None, state=None, **settings):
         """Without calls the program is run alone; otherwise they are settings of the library."""
         environment = {**os.environ, "LC_ALL": "C", "XDG_STATE_HOME": state or self.state, "XDG_CONFIG_HOME": self.home,
-                       "XDG_RUNTIME_DIR": self.root, "HOME": self.home}
+                       "XDG_RUNTIME_DIR": self.runtime.name, "HOME": self.home}
         calls = None if calls is None and not self.calls else {"BELOW": self.root, **self.calls, **(calls or {})}
         if calls is not None:
             environment.update({"CALLS_" + name: str(value).replace("@ROOT", self.root) for name, value in calls.items()},
