@@ -75,7 +75,7 @@ bool ChangeLines::next(ChangeLine& line) {
             fields_ = Decoder(change.fields);
         while (fields_.good && !fields_.rest.empty()) {
             const KeyField field = readfield(fields_);
-            if (field.before.length == field.after.length && field.before.stored == field.after.stored)
+            if (!field.isChange())
                 continue;
             line.record = field.record;
             line.offset = field.offset;

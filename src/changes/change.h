@@ -18,6 +18,7 @@ struct KeyField {
     std::int64_t offset = 0;
     StoredBytes before; // fewer bytes where the file ends in the field
     StoredBytes after;
+    bool isChange() const { return before.length != after.length || before.stored != after.stored; }
 };
 
 struct Change {

@@ -152,7 +152,7 @@ std::string UndoWriter::count(Tree& database, std::vector<Change>& group,
     std::set<std::string> parents = {""}; // in the database's own the change is announced
     for (const Change& change : group) {
         foreachfield(change, [this](const KeyField& field) {
-            if (field.before.stored != field.after.stored) // else it was left, or stands there already
+            if (field.isChange()) // else it was left, or stands there already
                 ++header_.keys;
         });
         header_.deletions += change.kind == Change::deletion ? 1 : 0;
