@@ -1,5 +1,6 @@
 #include "outcome.h"
 
+#include <climits>
 #include <functional>
 #include <map>
 #include <set>
@@ -14,7 +15,7 @@ namespace {
 
 // "25 problems left: 9 corrupted files, …"
 std::string summary(const Session& session, const char* state) {
-    constexpr int unread = corruptsidefile + 1;
+    constexpr int unread = INT_MAX; // before all kinds
     std::map<int, int, std::greater<>> counts;
     int total = 0;
     for (int row = 1; row <= session.database.problemcount; ++row)

@@ -1,10 +1,10 @@
 #include "pageform.h"
 
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <ctime>
 #include <filesystem>
+#include <set>
 #include <string_view>
 #include <unistd.h>
 #include <utility>
@@ -145,16 +145,17 @@ void writeRows(std::ostream& out, const Section& section, Row& row) {
 
 // A switch for each kind that there is.
 void writeFilter(std::ostream& out, const TSXdatabase& database) {
-    std::array<bool, corruptsidefile + 1> there = {};
+    std::set<int> there;
     for (int row = 1; row <= database.problemcount; ++row)
-        there[static_cast<std::size_t>(database.getproblem(row)->kind)] = true;
-    if (std::ranges::count(there, true) < 2)
+        there.insert(database.getproblem(row)->kind);
+    if (there.size() < 2)
         return;
     out << "<fieldset><legend>Show</legend>";
-    for (int kind = emptyfiles; kind <= corruptsidefile; ++kind)
-        if (const KindOfProblem& facts = kindofproblem(kind); there[static_cast<std::size_t>(kind)])
-            out << "<label><input type=\"checkbox\" checked class=\"" << facts.word << "\"> " << facts.many
-                << " (" << facts.word << ")</label>\n";
+    for (const int kind : there) {
+        const KindOfProblem& facts = kindofproblem(kind);
+        out << "<label><input type=\"checkbox\" checked class=\"" << facts.word << "\"> " << facts.many
+            << " (" << facts.word << ")</label>\n";
+    }
     out << "</fieldset>\n";
 }
 
@@ -189,10 +190,9 @@ std::string facts(const TSXdatabase& database) {
 
 std::string rules() {
     std::string text;
-    for (int kind = emptyfiles; kind <= corruptsidefile; ++kind) {
-        const std::string word = kindofproblem(kind).word;
-        text += "section:has(input." + word + ":not(:checked)) tr." + word + " { display: none; }\n";
-    }
+    for (const KindOfProblem& kind : kindsofproblem())
+        text += std::string("section:has(input.") + kind.word + ":not(:checked)) tr." + kind.word +
+                " { display: none; }\n";
     return text;
 }
 

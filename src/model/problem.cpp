@@ -1,6 +1,7 @@
 #include "model/problem.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "model/database.h"
 #include "model/datafile.h"
@@ -181,16 +182,23 @@ constexpr KindOfProblem kinds[] = {
      {{deletefilecommand, "Delete this corrupted file", Cost::deletes, "deletes the file", deletedatonce,
        nullptr}}},
 };
+static_assert(std::ranges::all_of(kinds,
+                                  [](const KindOfProblem& kind) { return &kind == kinds + kind.number; }),
+              "a kind stands in the row of its number");
 
 } // namespace
 
+std::span<const KindOfProblem> kindsofproblem() {
+    return std::span(kinds).subspan(1);
+}
+
 const KindOfProblem& kindofproblem(int number) {
-    return kinds[number >= emptyfiles && number <= corruptsidefile ? number : 0];
+    return kinds[number > 0 && number < std::ssize(kinds) ? number : 0];
 }
 
 int findkind(std::string_view numberorword) {
-    for (const KindOfProblem& kind : kinds)
-        if (kind.number != 0 && (numberorword == std::to_string(kind.number) || numberorword == kind.word))
+    for (const KindOfProblem& kind : kindsofproblem())
+        if (numberorword == std::to_string(kind.number) || numberorword == kind.word)
             return kind.number;
     return 0;
 }

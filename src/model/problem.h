@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -72,6 +73,8 @@ struct KindOfProblem {
     bool (*concernsfile)(const TSXproblem& problem, const TSXdatafile& file, int position);
     Solution solutions[maxsolutions];
 };
+// The rows of all kinds, from number 1.
+std::span<const KindOfProblem> kindsofproblem();
 // The row of a kind; that of an unknown one has number 0, empty texts and no operations.
 const KindOfProblem& kindofproblem(int number);
 // The kind of that number, as a text, or of that word; 0 if there is none.
