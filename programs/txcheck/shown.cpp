@@ -9,14 +9,7 @@
 #include "platform/system/windows1252.h"
 
 std::string shown(std::string_view bytes) {
-    if (isUtf8(bytes))
-        return std::string(bytes);
-    std::string text;
-    for (const char byte : bytes) {
-        const auto number = static_cast<unsigned char>(byte);
-        appendUtf8(text, number >= 0x80 && number < 0xA0 ? windows1252Specials[number - 0x80] : number);
-    }
-    return text;
+    return isUtf8(bytes) ? std::string(bytes) : utf8FromWindows1252(bytes);
 }
 
 std::string shellWord(const std::string& bytes) {

@@ -1,11 +1,11 @@
-// The characters of Windows-1252 from 0x80 to 0x9F; a byte without a meaning there is the control character
-// of its number. All others are those of Latin-1.
+// Bytes of Windows-1252, which is Latin-1 but for 0x80 to 0x9F. A byte without a meaning there is the control
+// character of its number.
 #pragma once
 
-#include <array>
+#include <string>
+#include <string_view>
 
-constexpr std::array<char16_t, 32> windows1252Specials = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
-};
+std::string utf8FromWindows1252(std::string_view bytes);
+
+// The byte of a character, '?' for one that has none.
+char windows1252Of(char16_t character);

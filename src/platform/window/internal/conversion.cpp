@@ -1,33 +1,9 @@
 #include "platform/window/internal/conversion.h"
 
 #include <QStringDecoder>
-#include <algorithm>
 
 #include "platform/system/utf8.h"
 #include "platform/system/windows1252.h"
-
-namespace {
-
-QByteArrayView viewOf(std::string_view bytes) {
-    return {bytes.data(), static_cast<qsizetype>(bytes.size())};
-}
-
-QString decodeUtf8(std::string_view bytes) {
-    // A byte order mark is a character like others.
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
-    return decoder(viewOf(bytes));
-}
-
-char windows1252Of(char16_t unit) {
-    if (unit < 0x80 || (unit >= 0xA0 && unit <= 0xFF))
-        return static_cast<char>(unit);
-    const auto* const found = std::find(windows1252Specials.begin(), windows1252Specials.end(), unit);
-    return found == windows1252Specials.end()
-               ? '?'
-               : static_cast<char>(0x80 + (found - windows1252Specials.begin()));
-}
-
-} // namespace
 
 TextEncoding encodingOf(std::string_view bytes) {
     return isUtf8(bytes) ? TextEncoding::utf8 : TextEncoding::windows1252;
@@ -38,14 +14,11 @@ QString unicodeOf(std::string_view bytes) {
 }
 
 QString unicodeOf(std::string_view bytes, TextEncoding encoding) {
-    if (encoding == TextEncoding::utf8)
-        return decodeUtf8(bytes);
-    QString text = QString::fromLatin1(viewOf(bytes));
-    for (QChar& letter : text) {
-        if (letter >= QChar(0x80) && letter < QChar(0xA0))
-            letter = QChar(windows1252Specials[letter.unicode() - 0x80U]);
-    }
-    return text;
+    if (encoding == TextEncoding::windows1252)
+        return unicodeOf(utf8FromWindows1252(bytes), TextEncoding::utf8);
+    // A byte order mark is a character like others.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
 }
 
 QByteArray bytesOf(const QString& text, TextEncoding encoding) {
