@@ -179,14 +179,6 @@ void Session::restoreFrom(const std::string& undoFile) {
     run();
 }
 
-// What an analysis can't read may come and go with each; every thing is told once.
-void Session::tellUnread() {
-    for (const Unread& thing : database.unread)
-        if (toldUnread.insert(thing.name + '\n' + thing.reason).second)
-            tellOnly((thing.weight == Unread::told ? "Passed over: " : "Could not read: ") + thing.name +
-                     ": " + thing.reason);
-}
-
 void Session::run() {
     {
         std::optional<Progress> progress;
@@ -196,10 +188,9 @@ void Session::run() {
     }
     loaded = true;
     endProgress();
-    tellUnread();
+    steps.tellUnread();
     endBetweenSteps();
     steps.run([this] { return save(); });
-    tellUnread();
     for (const std::string& text : known.goneFrom(database))
         tell("Warning: " + *options.known + ": " + text);
     if (options.explain)

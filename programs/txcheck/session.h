@@ -3,7 +3,6 @@
 #pragma once
 
 #include <memory>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -65,7 +64,6 @@ private:
     CommitOptions commitOptions();
     std::string laterUndoFile(const std::string& undoFile) const;
     int answer(const char* text, const char* title, std::uint32_t flags);
-    void tellUnread();
     bool save();
     void findExplained();
     void writeKnown();
@@ -74,7 +72,6 @@ private:
     const Options& options;
     Together& together;
     HANDLE marker = INVALID_HANDLE_VALUE;
-    std::set<std::string> toldUnread;
     std::string ownUndoFile; // of a restore
     Finished earlier;        // what an earlier run had left
 };

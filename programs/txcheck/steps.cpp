@@ -1,7 +1,6 @@
 #include "steps.h"
 
 #include <algorithm>
-#include <set>
 
 #include "ending.h"
 
@@ -53,6 +52,20 @@ bool Steps::refuse(const std::string& text) {
 void Steps::analyse() {
     database.analyse();
     known.forget();
+    noteUnread();
+}
+
+void Steps::tellUnread() {
+    for (const Unread& thing : database.unread)
+        if (toldUnread.insert(thing.name + '\n' + thing.reason).second)
+            tellOnly((thing.weight == Unread::told ? "Passed over: " : "Could not read: ") + thing.name +
+                     ": " + thing.reason);
+}
+
+// The next analysis may be able to read it, but a step has not seen what it would have been for.
+void Steps::noteUnread() {
+    tellUnread();
+    failed = failed || known.unreadIn(database) > 0;
 }
 
 bool Steps::goesOn() {
@@ -86,6 +99,8 @@ void Steps::run(const std::function<bool()>& save) {
     noteLoaded();
     const std::vector<Step> steps = listSteps(save);
     std::size_t taken = 0;
+    if (!steps.empty())
+        noteUnread();
     while (taken < steps.size() && goesOn() && steps[taken].take())
         ++taken;
     goesOn(); // for who asked during the last step

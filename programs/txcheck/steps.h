@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,8 @@ public:
     // and those that are left out are told.
     void run(const std::function<bool()>& save);
     bool refuse(const std::string& text); // tells what could not be done; false
+    // What an analysis can't read may come and go with each; every thing is told once.
+    void tellUnread();
 
     std::vector<SolvedStep> solved;
     bool found = false;  // the load found a problem that is not accepted
@@ -63,10 +66,12 @@ private:
     bool rename(const RenameStep& step);
     bool finishChange(int result);
     void analyse();
+    void noteUnread();
     bool goesOn();
 
     TSXdatabase& database;
     const Options& options;
     Known& known;
+    std::set<std::string> toldUnread;
     std::vector<Loaded> loaded; // the rows after the load, from 0; only where a step speaks of one
 };
