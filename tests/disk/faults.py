@@ -135,7 +135,7 @@ class Scenario:
 
     def judge_run(self, found, tree, touched):
         before, after, now = map(contents, (self.before, self.after, tree))
-        now = {name: content for name, content in now.items() if content != b"" or name in before or not touched}
+        now = {name: content for name, content in now.items() if content != b"" or not touched or before.get(name) == b""}
         if found.status & FAILED:
             now.pop(AT_WORK, None)
             self.judge_new(found, before, now)
