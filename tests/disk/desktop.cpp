@@ -71,6 +71,7 @@ int main(int argc, char** argv) {
     {
         TSXapp application;
         application.InitInstance();
+        boxes = 0; // of an earlier run that was interrupted: no failure of this one
         QApplication::processEvents();
         for (const std::string& word : words)
             work(*mainFrame, word);

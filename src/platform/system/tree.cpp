@@ -318,7 +318,7 @@ Failure Tree::openFile(std::string_view name, File& file, Links links, int flags
         return {ERROR_CANT_RESOLVE_FILENAME};
     if (!S_ISREG(spot.found.st_mode) || (flags != O_RDONLY && !spot.outside.empty()))
         return {ERROR_ACCESS_DENIED};
-    failure = openAt(spot, spot.name.c_str(), flags, file);
+    failure = meanwhile(openAt(spot, spot.name.c_str(), flags, file));
     if (!failure && file.opened().kind != FileState::plain)
         failure = {ERROR_ACCESS_DENIED};
     if (failure)
