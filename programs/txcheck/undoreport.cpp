@@ -11,13 +11,13 @@
 
 namespace {
 
-void fillWords(std::string& lines, const UndoListEntry& entry) {
+void fillWords(std::string& text, const UndoListEntry& entry) {
     const std::string state = entry.state();
-    addLine(lines, entry.what() + (state.empty() ? state : " (" + state + ")"));
-    addLine(lines, "in " + entry.directory);
-    addLine(lines, "txcheck --restore " + shellWord(entry.path));
-    addLine(lines, "kept until " + timetext(entry.maygo).substr(0, 10) + " or longer, " +
-                       std::to_string(entry.size) + " bytes");
+    addLine(text, entry.what() + (state.empty() ? state : " (" + state + ")"));
+    addLine(text, "in " + entry.directory);
+    addLine(text, "txcheck --restore " + shellWord(entry.path));
+    addLine(text, "kept until " + timetext(entry.maygo).substr(0, 10) + " or longer, " +
+                      std::to_string(entry.size) + " bytes");
 }
 
 void fillEntry(Row& row, const UndoListEntry& entry) {

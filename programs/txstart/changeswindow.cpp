@@ -21,10 +21,6 @@ namespace {
 
 constexpr int pathRole = Qt::UserRole;
 
-QString shown(const std::string& bytes) {
-    return QFile::decodeName(bytes.c_str());
-}
-
 QTreeWidgetItem* rowOf(const UndoListEntry& entry) {
     auto* row = new QTreeWidgetItem({shown(timetext(entry.time)),
                                      shown(entry.damage.empty() ? entry.what() : entry.damage),
@@ -34,6 +30,10 @@ QTreeWidgetItem* rowOf(const UndoListEntry& entry) {
 }
 
 } // namespace
+
+QString shown(const std::string& bytes) {
+    return QFile::decodeName(bytes.c_str());
+}
 
 ChangesWindow::ChangesWindow(QWidget* parent, const std::string& database, std::string directory)
     : QDialog(parent), directory_(std::move(directory)), list_(new QTreeWidget), text_(new QPlainTextEdit),

@@ -2,12 +2,15 @@
 #pragma once
 
 #include <QDialog>
+#include <QString>
 #include <string>
 
 class QPlainTextEdit;
 class QProcess;
 class QPushButton;
 class QTreeWidget;
+
+QString shown(const std::string& bytes); // what comes from the disk, as text
 
 class ChangesWindow : public QDialog {
 public:

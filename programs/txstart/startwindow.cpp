@@ -29,10 +29,6 @@ constexpr const char* homeText =
     "It holds a small file with the settings of each database, and the log; it is no database itself. An "
     "empty directory will do.";
 
-QString shown(const std::string& bytes) {
-    return QFile::decodeName(bytes.c_str());
-}
-
 std::string bytes(const QString& text) {
     return QFile::encodeName(text).toStdString();
 }
@@ -140,8 +136,8 @@ std::string StartWindow::selectedName() const {
 }
 
 QMessageBox::StandardButton StartWindow::ask(QMessageBox::Icon icon, const std::string& text,
-                                             QMessageBox::StandardButtons answers) {
-    QMessageBox box(icon, windowTitle(), shown(text), answers, this);
+                                             QMessageBox::StandardButtons buttons) {
+    QMessageBox box(icon, windowTitle(), shown(text), buttons, this);
     box.setTextFormat(Qt::PlainText);
     box.setDefaultButton(QMessageBox::No); // where there is one
     return static_cast<QMessageBox::StandardButton>(box.exec());

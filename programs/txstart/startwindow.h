@@ -29,7 +29,7 @@ private:
     bool failed(const std::string& reason); // shows a reason that is not empty
     bool agreed(const std::string& question);
     QMessageBox::StandardButton ask(QMessageBox::Icon icon, const std::string& text,
-                                    QMessageBox::StandardButtons answers);
+                                    QMessageBox::StandardButtons buttons);
     std::string askForDirectory(const char* title, const std::string& present);
     // The directory of a database; empty where none was given, or one that is not meant after all.
     std::string askForDatabase(const std::string& present, const char* allTheSame);

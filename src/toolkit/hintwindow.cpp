@@ -10,7 +10,7 @@ namespace {
 
 constexpr COLORREF paper = RGB(250, 230, 200);
 constexpr COLORREF frame = RGB(128, 128, 128);
-constexpr COLORREF shadow = RGB(100, 100, 100);
+constexpr COLORREF shadowColour = RGB(100, 100, 100);
 constexpr int shadowSize = 2;
 
 } // namespace
@@ -56,8 +56,8 @@ void TSXhintwindow::draw() {
     dc.SelectObject(&framePen);
     dc.Rectangle(x, y, x + width - 1, y + height - 1);
     dc.SelectStockObject(BLACK_PEN);
-    dc.FillSolidRect(x + 2, y + height - shadowSize, width - 2, shadowSize, shadow);
-    dc.FillSolidRect(x + width - shadowSize, y + 2, shadowSize, height - 2, shadow);
+    dc.FillSolidRect(x + 2, y + height - shadowSize, width - 2, shadowSize, shadowColour);
+    dc.FillSolidRect(x + width - shadowSize, y + 2, shadowSize, height - 2, shadowColour);
     dc.SetBkMode(TRANSPARENT);
     dc.TextOutA(x + 5, y + 1, text1);
     if (!text2.empty())
