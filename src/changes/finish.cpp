@@ -26,22 +26,21 @@ public:
         if (!read())
             return std::move(work_);
         if (const Failure failure = atwork_.adopt(tree_))
-            return leave("the file '" + std::string(AtWork::name) + "' can't be taken over (" +
-                         failure.text() + ")");
-        lookatall();
-        if (!work_.texts.empty()) // of what is away
-            return leave(waysout);
-        finish();
+            leave("the file '" + std::string(AtWork::name) + "' can't be taken over (" + failure.text() +
+                  ")");
+        else if (lookatall(); !work_.texts.empty()) // of what is away
+            leave(waysout);
+        else
+            finish();
         return std::move(work_);
     }
 
 private:
-    Finished leave(const std::string& why) {
+    void leave(const std::string& why) {
         work_.outcome = Finished::left;
         work_.texts.insert(work_.texts.begin(), "A change of the database was interrupted, " + change_.who() +
                                                     ", and can't be finished: " + why +
                                                     ". Until then nothing is changed");
-        return std::move(work_);
     }
 
     // The group of the undo file that was being carried out.
@@ -58,6 +57,8 @@ private:
             why = "it is that of another change";
         if (why.empty() && (change_.group < 1 || change_.group > undo_.groups.size()))
             why = "the change is not in it";
+        if (why.empty() && isofanother())
+            why = "it is about a database whose directory has another owner";
         if (why.empty())
             return true;
         leave("of its undo file " + (change_.undo.empty() ? "" : path_ + " ") + "is said: " + why +
@@ -65,6 +66,16 @@ private:
               "as it "
               "stands with txcheck --forget-interrupted");
         return false;
+    }
+
+    // Who copies the announcement of another's change into a database of their own must not get what that one
+    // was about.
+    bool isofanother() {
+        Entry top;
+        const std::vector<DirectoryTimes>& known = undo_.groups[0].directories; // that of the database first
+        return tree_.look(".", Links::unfollowed, top) ||
+               (top.state.owner != currentuser() &&
+                (known.empty() || known[0].state.owner != top.state.owner));
     }
 
     // What is still to be written must reach no name elsewhere.
