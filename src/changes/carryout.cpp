@@ -145,20 +145,24 @@ Failure applykeys(Tree& tree, Change& change) {
     return failure ? failure : closed;
 }
 
-// One of which the first bytes stand there has its own name from the start.
+// One of which the first bytes stand there goes first: somebody else may hold it open, and must not get the
+// rest.
 Failure makeplain(Tree& tree, Change& change) {
     NewFile made;
-    File begun;
-    const bool fresh = change.parts[0] == Standing::before;
+    File whole;
+    const bool fresh = change.parts[0] != Standing::after;
     const Rights rights = change.given ? Rights::ownerOnly : Rights::asDirectory;
-    Failure failure =
-        fresh ? tree.make(change.file, made, rights) : openjudged(tree, change, Links::unfollowed, begun);
-    const File& file = fresh ? made.file : begun;
+    const bool torn = change.parts[0] == Standing::torn;
+    Failure failure = torn ? tree.remove(change.file, change.judged) : Failure();
+    failure = failure ? failure
+              : fresh ? tree.make(change.file, made, rights)
+                      : openjudged(tree, change, Links::unfollowed, whole);
+    const File& file = fresh ? made.file : whole;
     change.begun = !failure && !fresh;
     failure = failure ? failure : writeContent(change.content, file);
     if (!failure && change.given)
         failure = file.give(change.state, change.attributes);
-    return failure ? failure : fresh ? made.keep() : begun.sync();
+    return failure ? failure : fresh ? made.keep() : whole.sync();
 }
 
 Failure makelink(Tree& tree, const Change& change) {
