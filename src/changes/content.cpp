@@ -15,8 +15,9 @@ Failure visitData(const File& file, std::int64_t start, std::int64_t end, const 
     std::int64_t dataEnd = start;
     while (start < end) {
         if (start >= dataEnd) {
-            if (const Failure failure = file.data(start, start, dataEnd))
-                return failure;
+            const Failure failure = file.data(start, start, dataEnd);
+            if (failure || (start >= dataEnd && start < end)) // it has become shorter
+                return failure ? failure : Failure{ERROR_FILE_INVALID};
             continue;
         }
         const std::int64_t wanted = std::min({pieceSize, dataEnd - start, end - start});
