@@ -54,7 +54,7 @@ int runAll(const Options& options, const std::vector<Chosen>& all) {
     std::vector<std::string> directories(all.size());
     std::ranges::transform(all, directories.begin(), &Chosen::directory);
     PageForm page(options.report.value_or(""), directories);
-    Together together{options.several(), page, {}, {}};
+    Together together{options.several(), page, directories, {}, {}};
     int status = statusClean;
     for (const Chosen& chosen : all) {
         if (isAskedToEnd())

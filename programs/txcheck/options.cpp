@@ -257,6 +257,8 @@ void refuseWrong(const Options& options, const Words& words) {
         {several && options.undo, "--undo", alone},
         {several && options.restore, "--restore", alone},
         {several && options.explain, "--explain", alone},
+        {options.report && (options.report == options.known || options.report == options.writeKnown),
+         "--report", "names the file of --known or --write-known"},
         {options.undo && options.noUndo, "--undo", "does not go with --no-undo"},
         {options.restore && (changes || options.noLock), "--restore",
          "goes with no repair, and with neither --save nor --no-lock"},

@@ -224,7 +224,7 @@ void Session::writeKnown() {
         together.known += '@' + encodedforid(database.directory.view()) + '\n';
     together.known += knownLines(database);
     TextFile file;
-    std::string failure = file.open(*options.writeKnown, {database.directory.c_str()});
+    std::string failure = file.open(*options.writeKnown, together.directories);
     if (failure.empty()) {
         file.out() << together.known;
         failure = file.close();

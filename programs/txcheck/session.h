@@ -26,8 +26,9 @@ struct Line {
 struct Together {
     bool several = false;
     PageForm& page;
-    std::string known;       // of what --write-known writes, so far
-    std::vector<Line> lines; // of the databases so far
+    const std::vector<std::string>& directories; // of all databases
+    std::string known;                           // of what --write-known writes, so far
+    std::vector<Line> lines;                     // of the databases so far
 };
 
 class Session {
