@@ -120,7 +120,8 @@ Failure openundodirectory(Tree& directory, bool make) {
 
 std::string newundoname(Tree& directory, std::int64_t now, int number) {
     const std::vector<std::string> names = undonames(directory);
-    const std::time_t moment = std::max(now, names.empty() ? 0 : timeOf(names.back()));
+    const std::int64_t last = names.empty() ? 0 : timeOf(names.back());
+    const std::time_t moment = last > now ? last + 1 : now; // under a clock that is late no second gets full
     std::tm parts = {};
     gmtime_r(&moment, &parts);
     char text[timeLength + 1] = {};
