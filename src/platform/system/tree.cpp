@@ -267,6 +267,7 @@ Failure Tree::names(std::string_view directory, std::vector<std::string>& names)
 }
 
 void Tree::lookThrough(const std::function<void(const Entry&)>& visit, const std::string& directory) {
+    constexpr int deepest = 32; // of each level all above are held open, and walked again
     std::vector<std::string> entries;
     if (names(directory, entries))
         return;
@@ -275,7 +276,7 @@ void Tree::lookThrough(const std::function<void(const Entry&)>& visit, const std
         if (look(directory == "." ? name : directory + "/" + name, Links::unfollowed, entry))
             continue;
         visit(entry);
-        if (entry.state.kind == FileState::directory)
+        if (entry.state.kind == FileState::directory && std::ranges::count(entry.name, '/') < deepest)
             lookThrough(visit, entry.name);
     }
 }

@@ -59,7 +59,7 @@ public:
     // The names in a directory, in the order of searches: ascending, ASCII small letters counted as capitals,
     // then by their plain bytes.
     Failure names(std::string_view directory, std::vector<std::string>& names);
-    // Calls visit with each entry of the directory and of all below, as far as they can be read.
+    // Calls visit with each entry of the directory and of 32 levels below, as far as they can be read.
     void lookThrough(const std::function<void(const Entry&)>& visit, const std::string& directory = ".");
     // Whether no other entry of its directory equals the last component ignoring case, by the names that were
     // read since the begin. 183 where there is one.
