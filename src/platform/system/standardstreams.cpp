@@ -21,8 +21,7 @@ namespace {
 void openStandardStreams() {
     std::set_new_handler(endWithoutMemory);
     for (int stream = STDIN_FILENO; stream <= STDERR_FILENO; ++stream)
-        if (fcntl(stream, F_GETFD) < 0) { // the lowest free number is then the stream's own
-            [[maybe_unused]] const int opened =
-                open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-        }
+        if (fcntl(stream, F_GETFD) < 0) // the lowest free number is then the stream's own
+            [[maybe_unused]]
+            const int opened = open("/", O_PATH);
 }
