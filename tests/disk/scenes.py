@@ -126,14 +126,16 @@ def interrupted_and_elsewhere(place, _, command):
 @case(("another person", lambda place: setattr(place, "state", place.root + "/nothing")),
       ("undo files away", lambda place: os.rename(place.state, place.root + "/away")),
       ("a damaged head", lambda place: damage(place.undo_files()[0], 0)),
-      ("a damaged announcement", lambda place: damage(pathlib.Path(place.db, AT_WORK), 99)))
+      ("a damaged announcement", lambda place: damage(pathlib.Path(place.db, AT_WORK), 99)),
+      ("its end damaged", lambda place: damage(path := pathlib.Path(place.db, AT_WORK), path.stat().st_size - 1)))
+@case(("another owner, as of a copy", lambda place: os.chown(place.db, NOBODY, NOBODY)), needs_root=True)
 def interrupted_and_not_to_be_finished(place, _, do):
     """Who can't finish it says so, judges and changes nothing; forgotten, it is taken as it stands."""
     interrupted(place)
     do(place)
     before = place.contents()
     status, document, said = place.check(*REPAIR)
-    judge(status & FAILED and "interrupted" in said and place.contents() == before, status, said)
+    judge(status & FAILED and "can't be finished" in said and place.contents() == before, status, said)
     status, _, said = place.check("--forget-interrupted")
     before.pop(AT_WORK, None)
     judge(not status & FAILED and place.contents() == before, status, said)
@@ -239,6 +241,9 @@ def output_onto_what_is_kept(place, _, option):
     for path in (link, undo):
         status, _, said = place.check(option, path)
         judge(undo.read_bytes() == content and status & FAILED and said, "the undo file was written by", path)
+    other = place.copy(place.root + "-other")
+    place.run("txcheck", option, os.path.join(other.db, DUPLICATE), place.db, other.db)
+    judge(other.contents()[DUPLICATE] == place.contents()[DUPLICATE], "another database was written")
 
 
 @case(needs_root=True)
@@ -306,6 +311,23 @@ def announcement_that_is_no_file(place):
     os.mkdir(os.path.join(place.db, AT_WORK))
     status, document, said = place.check(*REPAIR)
     judge(status == FAILED and document is None and "move it away" in said, status, said)
+
+
+@case()
+def restored_where_somebody_waits(place):
+    """Who holds an empty file open under the name of what comes back gets nothing of it."""
+    path = put(place, "fprint/BAD.DEF", b"no experiment")
+    place.check(*DELETE)
+    with put(place, "fprint/BAD.DEF", b"").open("rb") as held:
+        place.restore(place.undo_files()[0])
+        judge(path.read_bytes() and not held.read(), "handed out")
+
+
+@case()
+def cut_while_it_is_read(place):
+    calls = {"ONLY": "^lseek .*/DUPL2.DBS$", "PAUSE": 1, "DO": "truncate -s -30 @ROOT/db/" + DUPLICATE}
+    status, _, said = place.check(*REPAIR, calls=calls)
+    judge(status & FAILED and "since it was read" in said, status, said)
 
 
 @case()
