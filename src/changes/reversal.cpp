@@ -113,7 +113,6 @@ private:
         }
         now_ = Now::gone;
         deletion = nullptr;
-        fields_.clear();
     }
 
     bool isasmade(const Change& change) {

@@ -211,10 +211,8 @@ void UndoWriter::drop() {
 std::string UndoWriter::finish() {
     if (!file_.isOpen())
         return "";
-    const std::uint64_t before = std::exchange(header_.finished, header_.length);
-    std::string why = putHeader();
-    if (!why.empty())
-        header_.finished = before;
+    header_.finished = header_.length;
+    const std::string why = putHeader();
     return why.empty() ? why : "the undo file " + path_ + ": " + why;
 }
 

@@ -71,15 +71,15 @@ struct ButtonBar : testing::Test {
 TEST_F(ButtonBar, DrawsStatesIconsTicksAndDither) {
     Mosaic states(12, 36, 31);
     BarButton& button = bar.button(1);
-    for (int i = 0; i < 6 * 4 * 3; ++i) {
-        // plain, with shadow and spark, with shadow, neither
-        constexpr int codes[] = {202, 10202, 11202, 12202};
-        button.latched = i / 36;
-        button.iconCode = codes[i % 12 / 3];
+    for (int i = 0; i < 6 * 8 * 3; ++i) {
+        // plain, with shadow and spark, with shadow, neither; and where one becomes the other
+        constexpr int codes[] = {202, 10202, 11202, 12202, 10000, 11000, 11001, 12000};
+        button.latched = i / 72;
+        button.iconCode = codes[i % 24 / 3];
         button.ticked = i % 3 == 0 ? 0 : 1;
         button.enabled = i % 3 == 2 ? 0 : 1;
         CClientDC dc(&bar);
-        bar.drawButton(dc, 1, i / 12 % 3 - 1);
+        bar.drawButton(dc, 1, i / 24 % 3 - 1);
         states.add(bar, 0, 0);
     }
     auto bitmap = std::make_unique<CBitmap>();

@@ -133,6 +133,10 @@ TEST_F(ByteStreamTest, WritingGoesThroughLinksAndFindsOtherLetters) {
     }
     EXPECT_EQ(listTree(directory.path()), (std::vector<std::string>{"File.DBS", "link"}));
     EXPECT_TRUE(fs::is_symlink(directory / "link"));
+    fs::create_hard_link(directory / "File.DBS", directory / "second");
+    EXPECT_EQ(errorOf(open("second", OpenMode::write)), 183);
+    EXPECT_FALSE(stream.isOpen());
+    EXPECT_EQ(readFile(directory / "second"), "fILE.dbs");
 }
 
 TEST_F(ByteStreamTest, ADiskFullAtCloseLeavesNoFile) {

@@ -91,6 +91,7 @@ TEST_F(TreeTest, WalksEveryNameAndKnowsWhatIsInside) {
         EXPECT_EQ(entry.name, c.spelled) << c.name;
         EXPECT_EQ(entry.outside, c.outside) << c.name;
     }
+    EXPECT_EQ(Tree().open(directory / "none"), noDirectory);
     EXPECT_EQ(look("round", Links::followed).state, look("DBase").state);
     EXPECT_EQ(look("farther", Links::followed).outside, "farther");
     EXPECT_EQ(names("back"), (std::vector<std::string>{"File", "fiLE", "leak"}));
@@ -203,5 +204,6 @@ TEST_F(TreeTest, MakesWhatShowsWholeWithTheRightsOfItsDirectory) {
     std::vector<Attribute> attributes;
     EXPECT_EQ(listed.attributes(attributes), none);
     EXPECT_EQ(attributes.size(), 2u);
+    EXPECT_NE(File().attributes(attributes), none);
     EXPECT_EQ(names("DBase"), (std::vector<std::string>{"FILE", "File", "fiLE", "leak", "listed", "sub"}));
 }
