@@ -258,11 +258,11 @@ def no_right_to_write(place):
     judge(status & FAILED and document["solved"][0]["result"] == 0 and "can't be written" in said, status, said)
 
 
-@case()
-def no_memory_for_what_is_known(place):
-    known = put(place, "../known", b"", 64 << 30)
-    status, _, said = place.check("--known", known, preexec_fn=limited(RLIMIT_AS=300 << 20))
-    judge(status & FAILED and said, status, said)
+@case(("too large", 64 << 30, "64 MiB"), ("no memory", 60 << 20, "not enough memory|Line 1 "))
+def too_much_is_known(place, _, size, told):
+    known = put(place, "../known", b"", size)
+    status, _, said = place.check("--known", known, preexec_fn=limited(RLIMIT_AS=200 << 20))
+    judge(status & FAILED and re.search(told, said), status, said)
 
 
 @case(("second name", os.link), ("link", os.symlink), ("other letters", shutil.copy))

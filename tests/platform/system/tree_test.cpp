@@ -7,6 +7,7 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include "platform/system/faults.h"
 #include "tempdir.h"
 
 namespace fs = std::filesystem;
@@ -188,6 +189,9 @@ TEST_F(TreeTest, MakesWhatShowsWholeWithTheRightsOfItsDirectory) {
     ASSERT_EQ(setxattr(place.c_str(), "system.posix_acl_default", list.data(), list.size(), 0), 0);
     EXPECT_EQ(make("listed"), none);
     EXPECT_EQ(mode("listed"), 0640u) << "as the default list says";
+    diskFaultHook = [](DiskOperation operation) { return operation == DiskOperation::sync; };
+    EXPECT_NE(make("unsynced"), none);
+    diskFaultHook = nullptr;
 
     FileState given = look("DBase/listed").state;
     given.permissions = 06440;
