@@ -110,7 +110,10 @@ TEST_F(ButtonBar, GivesItsCommandWhenReleasedOnTheButtonOrHeldDown) {
     press(2);
     EXPECT_EQ(edges(2), pressed);
     move(5);
+    bar.InvalidateRect(true);
+    bar.UpdateWindow();
     EXPECT_EQ(edges(2), raised);
+    EXPECT_EQ(edges(1), flat);
     release(5);
     EXPECT_EQ(edges(2), flat);
     press(1);
