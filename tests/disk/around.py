@@ -199,6 +199,13 @@ def asked_to_end(place, sign, program):
 
 
 @case()
+def ended_while_it_reads(place):
+    ask = {"ONLY": "^openat .*/DBSF001", "PAUSE": 1, "DO": "kill -2 $PPID; sleep 0.05"}
+    done = place.run("txcheck", place.db, calls=ask)
+    judge(done.returncode == 32 and b"You have ended it" in done.stderr, done.returncode, done.stderr)
+
+
+@case()
 def all_calls_are_seen(place):
     """What the judges of the disk go by: the library sees each call that the kernel sees."""
     if shutil.which("strace") is None:
