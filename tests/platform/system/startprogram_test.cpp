@@ -47,9 +47,5 @@ TEST(StartProgram, LooksInTheCurrentDirectoryAndThenInThePath) {
         std::filesystem::remove(here / "ran");
     }
     putProgram(here / "program", "/nowhere/interpreter");
-    EXPECT_EQ(inChild([&] {
-                  const int started = chdir(here.path().c_str()) == 0 ? StartedProgram().start("program") : 0;
-                  return std::getenv("TXINSPECT_STARTER") ? 0 : started; // nor has the next one the socket
-              }),
-              2);
+    EXPECT_EQ(inChild([&] { return chdir(here.path().c_str()) == 0 ? WinExec("program") : 0; }), 2);
 }
