@@ -76,6 +76,12 @@ void ChangesWindow::fillList() {
     updateButtons();
 }
 
+// To close it would end txcheck in the middle of a restore.
+void ChangesWindow::reject() {
+    if (check_->state() == QProcess::NotRunning)
+        QDialog::reject();
+}
+
 void ChangesWindow::updateButtons() {
     const bool ready = !list_->selectedItems().isEmpty() && check_->state() == QProcess::NotRunning;
     planButton_->setEnabled(ready);
@@ -89,7 +95,7 @@ void ChangesWindow::run(const QString& option) {
     if (!option.isEmpty())
         words.append(option);
     words.append({QStringLiteral("--"), shown(directory_)});
-    text_->setPlainText(QStringLiteral("txcheck is at work..."));
+    text_->setPlainText(QStringLiteral("txcheck is at work. This window can be closed when it has ended"));
     check_->start(QFileInfo::exists(beside) ? beside : QStringLiteral("txcheck"), words);
     updateButtons();
 }

@@ -15,6 +15,7 @@ QString shown(const std::string& bytes); // what comes from the disk, as text
 class ChangesWindow : public QDialog {
 public:
     ChangesWindow(QWidget* parent, const std::string& database, std::string directory);
+    void reject() override;
 
 private:
     void fillList();
