@@ -57,7 +57,7 @@ std::optional<std::vector<Chosen>> chooseDatabases(const Options& options) {
         all.push_back({directory, directory});
     if (!all.empty())
         return all;
-    if (options.restore && !options.database && !options.home) {
+    if (options.restore && !options.directoryGiven()) {
         std::string why;
         const std::string recorded = recordeddirectory(*options.restore, why);
         if (!why.empty())

@@ -163,9 +163,11 @@ void Session::restoreFrom(const std::string& undoFile) {
     if (earlier.outcome == Finished::left && !options.plan)
         result.refused = "Nothing is restored while an interrupted change waits to be finished";
     else
-        result = restore(
-            database.tree,
-            {.undofile = undoFile, .yes = options.yes, .plan = options.plan, .commit = commitOptions()});
+        result = restore(database.tree, {.undofile = undoFile,
+                                         .yes = options.yes,
+                                         .plan = options.plan,
+                                         .recorded = !options.directoryGiven(),
+                                         .commit = commitOptions()});
     for (const std::string& text : result.left)
         steps.refuse(text);
     if (!result.refused.empty())

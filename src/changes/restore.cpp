@@ -84,6 +84,9 @@ RestoreResult restore(const std::shared_ptr<Tree>& tree, RestoreOptions options)
         result.refused = options.undofile + ": " + damage;
     else if (const Failure failure = tree->begin())
         result.refused = tree->path() + ": it can't be read (" + failure.text() + ")";
+    else if (std::string full; options.recorded && (tree->fullPath(full) || full != undo.directory))
+        result.refused = tree->path() + ": a link has come into its path, and leads to " + full +
+                         ": give the directory that is meant";
     if (!result.refused.empty())
         return result;
     Reversal reversal(*tree, undo, options.fromgroup);

@@ -13,6 +13,7 @@ struct RestoreOptions {
     std::uint32_t fromgroup = 1; // this one and all later ones are taken back
     bool yes = false;            // restore the rest where something has changed since
     bool plan = false;           // only say what would be done
+    bool recorded = false;       // nobody gave the directory but the undo file: no link may lead to it
     CommitOptions commit = {};   // of the restore itself
 };
 

@@ -326,6 +326,14 @@ def restored_where_somebody_waits(place):
 
 
 @case()
+def restored_through_a_link(place):  # somebody has put it where the directory was, so the person has to name one
+    place.check(*RENAME)
+    os.symlink(shutil.move(place.db, place.root + "/moved"), place.db)
+    judge(place.check("--restore", place.undo_files()[0], where="--no-progress").status == FAILED, "restored elsewhere")
+    place.restore(place.undo_files()[0])
+
+
+@case()
 def cut_while_it_is_read(place):
     calls = {"ONLY": "^lseek .*/DUPL2.DBS$", "PAUSE": 1, "DO": "truncate -s -30 @ROOT/db/" + DUPLICATE}
     status, _, said = place.check(*REPAIR, calls=calls)
