@@ -33,8 +33,8 @@ struct Options {
     std::optional<std::string> home;      // in place of that of the settings
     std::optional<std::string> database;  // a database of the home directory, by name
     bool every = false;                   // all of them
-    // Whether several databases are meant; how many is not known before.
     bool directoryGiven() const { return !directories.empty() || database || home; }
+    // Whether several databases are meant; how many is not known before.
     bool several() const { return every || directories.size() > 1; }
     bool all = false;
     std::optional<std::string> entry;

@@ -104,7 +104,7 @@ void StartWindow::fillList(const std::string& selected) {
         const bool there = QDir(shown(directory)).exists();
         auto* row = new QTreeWidgetItem(
             list_, {shown(name), (there ? QString() : QStringLiteral("Not there: ")) + shown(directory)});
-        row->setToolTip(1, "<p>" + shown(directory).toHtmlEscaped()); // else a name could be read as markup
+        row->setToolTip(1, "<p style='white-space:pre'>" + shown(directory).toHtmlEscaped()); // no markup
         row->setData(0, nameRole, QByteArray::fromStdString(name));
         if (name == selected)
             list_->setCurrentItem(row);

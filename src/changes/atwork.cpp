@@ -104,8 +104,10 @@ Failure readtrace(Tree& tree, Trace& trace, ChangeAtWork& change) {
     if (failure)
         return failure;
     const bool whole = decode(text, change);
-    // Cut off it is the start of what it was to be, or zeros stand where its bytes did not arrive.
-    const bool torn = text.find('\0') != std::string::npos || encode(change).starts_with(text);
+    // Cut off it is the start of what it was to be, or zeros stand where its bytes did not arrive. One that
+    // ends in a whole line is rather damaged than cut off just there.
+    const bool torn =
+        text.find('\0') != std::string::npos || (!text.ends_with('\n') && encode(change).starts_with(text));
     if (!whole) {
         change = ChangeAtWork();
         change.user = "somebody"; // what a damaged one tells is not believed, but it was there
